@@ -1,0 +1,221 @@
+// The header that both rooms of the driver share: identity, register tables and their
+// look-ups, the records of the driver's own making, and its one state object.
+#ifndef TOLVANE_PROTOCOL_H
+#define TOLVANE_PROTOCOL_H
+
+#include <QtCore/QHash>
+#include <QtCore/QPair>
+
+#include "host_interface.h"
+
+// ---- Identity and register tables -----------------------------------------------------------
+
+extern const QString PROCOTOL_NAME;
+extern const QString PROCOTOL_VERSION;
+extern const QString PROCOTOL_DEFALT_COM_PAR;
+extern const QString PROCOTOL_DEFALT_IP_PAR;
+extern const QString PROCOTOL_PAR_HMI_SET_MODE;
+
+/** The number of register types; as a row number, the row that stands for unknown names. */
+enum { RegisterTypeCount = 18, FallbackRow = RegisterTypeCount };
+
+/** One row of ADDRESS_RANGE_PRO; numbers stand as decimal text. */
+struct AddressRange
+{
+    QString addrFormat;  ///< pattern of the address text: "DDDD" a number, "DDDD.DD" word.bit
+    QString minAddr;     ///< lowest address, written in the pattern
+    QString maxAddr;     ///< highest address
+    QString valueBits;   ///< width of one value
+    QString access;      ///< "R", "W" or "RW"
+    QString unitBits;    ///< width of what one address step covers in the controller's memory
+};
+
+extern const QString REG_LIST[RegisterTypeCount];
+extern const AddressRange ADDRESS_RANGE_PRO[RegisterTypeCount + 1];
+extern const QString ADDRESS_RW_COMMAND[RegisterTypeCount];
+
+/** What one storage unit of a register type is, and where an address of the type lives. */
+enum UnitKind {
+    WordUnit,     ///< a 16-bit word; address b is unit b
+    WordBitUnit,  ///< a 16-bit word; address b is bit b mod 16 of unit b / 16
+    BitUnit,      ///< one bit; address b is unit b
+    NoUnit        ///< unknown name with "_bit": requests for it have no effect on the cache
+};
+
+/** What the tables say of a register type name; looked up once per call and passed down. */
+struct RegisterType
+{
+    int number;  ///< register-type number 0 to 17, or FallbackRow
+    UnitKind unitKind;
+    QString areaName;  ///< of the data areas: "M" for "M_W" and "M_bit", else the whole name
+    int wordType;      ///< number of the word type over the same words; own number for a BitUnit
+    int bitType;       ///< number of the "_bit" type over the same words, or -1
+
+    bool isKnown() const { return number != FallbackRow; }
+};
+
+/** Register-type number 0 to 17 of a name, compared exactly, or -1. */
+int getIndexFromRegName(const QString &name);
+
+/** The facts of a name; an unknown one gets the fallback row. */
+RegisterType registerType(const QString &name);
+
+// ---- Limits ---------------------------------------------------------------------------------
+
+enum {
+    MaxWordsPerFrame = 127,        ///< the byte count field holds words * 2 in one byte
+    MaxBitsPerWrite = ValueBytes,  ///< one value byte a bit
+    QueueLimit = 513,              ///< items of the write and of the condition-read queue
+    BitsPerWord = 16
+};
+
+// ---- Arithmetic on address numbers ----------------------------------------------------------
+
+/** addr + offset, wrapping as 32-bit two's complement: hosts may pass any number. */
+inline int addrPlus(int addr, int offset)
+{
+    return int(quint32(addr) + quint32(offset));
+}
+
+/** The word that holds a bit address, and the bit in it; below zero, words count downwards. */
+inline int wordOfBit(int bitAddr)
+{
+    return bitAddr >> 4;
+}
+inline int bitInWord(int bitAddr)
+{
+    return bitAddr & 15;
+}
+inline int bitAddress(int word, int bit)
+{
+    return int(quint32(word) * BitsPerWord + quint32(bit));
+}
+/** How many words `count` bits touch that start at bit address `bitAddr`. */
+inline int wordsOfBits(int bitAddr, int count)
+{
+    return int((qint64(bitInWord(bitAddr)) + count + BitsPerWord - 1) / BitsPerWord);
+}
+
+// ---- Records --------------------------------------------------------------------------------
+
+/** A run of addresses of one known register type: what read planning works on. */
+struct AddressSpan
+{
+    int stationNo;
+    int regNumber;  ///< register-type number 0 to 17
+    int startAddr;
+    int count;
+    int bufIndex;  ///< place in the recipe buffer; 0 for monitored addresses
+};
+
+/** One data area: the cache of one storage unit of one station. */
+struct _DATA_
+{
+    unsigned char spareFlag;
+    unsigned char hasWriteValue;  ///< 1: writeValue is shown, a host write is not settled yet
+    quint32 writeBitMask;    ///< outstanding bit writes of a word: bits 2k and 2k + 1 for bit k
+    quint32 monitorFlags;    ///< bit 0: the unit is monitored
+    quint32 bitMonitorMask;  ///< bit k: bit k of the word is monitored
+    int stationNo;
+    QString areaName;
+    int unitAddr;
+    unsigned char readValue[4];   ///< as last read or confirmed; a word's low byte first
+    unsigned char writeValue[4];  ///< as last written by the host
+
+    /** The value the host sees. */
+    const unsigned char *currentValue() const { return hasWriteValue ? writeValue : readValue; }
+};
+
+/**
+ * Where each data area stands in dataAreaList: a table per station and area name, cut into
+ * pages of consecutive unit addresses. Kept by data_area.cpp.
+ */
+struct DataAreaIndex
+{
+    int covered;    ///< data areas entered, from the front of the list
+    quint32 epoch;  ///< counts restarts; page positions of an earlier epoch are void
+    QHash<QPair<int, QString>, int> tables;  ///< (station, area name) -> table number
+    QHash<quint64, int> pages;               ///< (table, page number) -> first cell
+    QVector<int> cells;                      ///< position in the list + 1; 0: none
+};
+
+// ---- State ----------------------------------------------------------------------------------
+
+/** What the item in flight is. */
+enum SendState {
+    Idle = 0,
+    HandShake = 1,
+    QueuedWrite = 2,
+    ConditionRead = 3,
+    CyclicRead = 4,
+    RecipeWrite = 5,
+    RecipeRead = 6
+};
+
+/** All state of the driver. */
+class Protocol
+{
+public:
+    Protocol();
+
+    ValueChangeCallBack valueChangeCallBack;
+    int propItem0;  ///< passed back as the first argument of change reports
+    int propItem1;  ///< not 0: writes are shown but not queued
+    int propItem2;  ///< kept only
+    int propItem3;  ///< retry limit: bad replies to a frame until its item is given up
+    int propItem4;  ///< block limit in words
+    unsigned char *hostShared;
+    void *hostContext;
+    unsigned char *rcpBuffer;
+    QMutex *hostMutex;  ///< guards the request bytes of hostShared
+
+    QVector<AddressSpan> readList;  ///< cyclic reads, served in rotation from readIndex on
+    QList<VARIABLE> writeList;      ///< queued writes; the head may be in service
+    QList<VARIABLE> condReadList;   ///< condition reads; the head may be in service
+    QList<_DATA_> dataAreaList;     ///< the cache; areas are only ever added
+
+    QVector<_RCP_VAR_PRO> rcpEntries;  ///< the kept recipe entries, sorted
+    QVector<_RCP_VAR_PRO> rcpBlocks;   ///< the merged blocks, walked by rcpIndex
+    QList<int> rcpGroupStarts;         ///< per block, its first entry in rcpEntries
+
+    VARIABLE lastCondVar;  ///< the item most recently queued as a condition read
+    QList<QString> regNameList;
+    VARIABLE curVar;              ///< the item being sent
+    QList<VARIABLE> curReadList;  ///< what the pending read frame covers: one item
+    int sendState;                ///< a SendState
+    int runCount;                 ///< writes and condition reads since the last cyclic read
+    int handShakeRequest;
+    int retryCount;  ///< consecutive bad replies to the frame in flight
+    int mergeBits;   ///< block limit in bits of a bit request: propItem4 * 8
+    int mergeWords;  ///< block limit in words: propItem4
+    int lastFrameFailed;
+    int frameIndex;              ///< the frame of frameList whose reply is decoded
+    QList<FRAME_PRO> frameList;  ///< frames of the current item; the head is in flight
+    QMutex mutex;                ///< guards writeList; never held together with hostMutex
+    int rcpIndex;                ///< the recipe block being transferred
+    QString propertyPage;
+    int itemsInFrame;
+
+    QVector<RegisterType> registerTypes;  ///< the facts of REG_LIST, by number
+    int readIndex;                        ///< the head of the rotation over readList
+    DataAreaIndex areaIndex;
+    bool itemIsQueueHead;  ///< the item in flight stands at the head of its queue
+
+    // A callback runs the host's code in the middle of ours. These counters tell afterwards
+    // whether what we were working on still stands.
+    quint32 exchangeNo;       ///< counts frames that left frameList
+    quint32 cacheNo;          ///< counts how often the cache was emptied
+    quint32 rcpRegistration;  ///< counts recipe registrations
+    quint32 rcpTransferOf;    ///< the registration that the running transfer serves
+    bool rcpRefused;          ///< the latest registration kept no entry
+};
+
+extern Protocol driver;
+
+/**
+ * Calls the host back, if a callback is registered. The host's code may call any export before
+ * this returns. The text is the host's own copy: what it does to it leaves the tables alone.
+ */
+void notifyHost(int first, int stationNo, QString text, int address);
+
+#endif

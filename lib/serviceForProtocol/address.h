@@ -1,0 +1,32 @@
+// Address texts of any register type, and the key that orders read planning.
+#ifndef TOLVANE_ADDRESS_H
+#define TOLVANE_ADDRESS_H
+
+#include "../tolvane_link/tolvane_link.h"
+
+/** Whether a pattern is made of more than one character, as the word.bit patterns are. */
+bool isMixedFormat(const QString &format);
+
+/**
+ * Converts an address text by the type's pattern. Returns 1 with the address number in `number`,
+ * or -1: `number` is then 0, or unchanged for a word.bit pattern.
+ */
+int a2i(const QString &addrText, int &number, const QString &format, const QString &regName);
+
+/**
+ * Writes an address number without leading zeros to `out` (12 bytes or more, NUL-terminated), in
+ * the base that the pattern's first letter names: "D" unsigned decimal, "H" lower-case
+ * hexadecimal, "O" octal; any other letter gives an empty text.
+ */
+void printAddressNumber(char *out, int number, const QString &format);
+
+/**
+ * Ordering key: station, then register type, then address number, wrapping in 32 bits and meant to
+ * be compared unsigned. An unknown name counts as type number -1.
+ */
+quint32 getRegAddressWeight(int stationNo, const QString &regName, int number);
+
+/** The same for a register-type number. */
+quint32 addressWeight(int stationNo, int regNumber, int number);
+
+#endif

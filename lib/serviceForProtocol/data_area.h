@@ -1,0 +1,93 @@
+// The cache of the controller's memory: finding data areas, walking the storage units of a
+// request, and marking the monitored ones.
+#ifndef TOLVANE_DATA_AREA_H
+#define TOLVANE_DATA_AREA_H
+
+#include "../protocol.h"
+
+/**
+ * Position in `list` of the data area with these keys; the first one when there are several. A
+ * missing area is appended with values 0 and no marks. In driver.dataAreaList this is a
+ * constant-time look-up, in any other list a search.
+ */
+int getIndexOfDataArea(int stationNo, const QString &areaName, int unitAddr, QList<_DATA_> &list);
+
+/** `value` with bit number `bit` (0 to 31) set when `on` is not 0, else cleared. */
+int _setBitValue(int value, int bit, int on);
+
+/**
+ * Marks `count` consecutive addresses as monitored: bit addresses for "_bit" types. A count below
+ * 1 or a name without a unit kind marks nothing. Always returns 0.
+ */
+int _setDataAreaMonitorFlag(int stationNo, const QString &regName, int startAddr, int count);
+
+/** Empties the cache. */
+void clearDataAreas();
+
+/** Finds the data areas of one station and area name in driver.dataAreaList, page by page. */
+class AreaLookup
+{
+public:
+    AreaLookup(int stationNo, const QString &areaName);
+
+    /** Position of the unit's data area, which is appended when missing. */
+    int indexOf(int unitAddr);
+
+private:
+    int cellOf(int unitAddr);
+
+    int m_stationNo;
+    QString m_areaName;
+    int m_table;
+    int m_page;
+    int m_firstCell;
+    quint32 m_epoch;
+};
+
+/** One address of a request, with the storage unit it lives in. */
+struct Unit
+{
+    UnitKind kind;
+    int stationNo;
+    int i;        ///< position of the address in the request, from 0
+    int address;  ///< the address number
+    int index;    ///< of the unit in driver.dataAreaList
+    int bit;      ///< WordBitUnit: the bit in the word, 0 to 15
+    quint32 cacheNo;
+
+    /** The data area. Ask again after every report: the list may have grown meanwhile. */
+    _DATA_ &area() const { return driver.dataAreaList[index]; }
+
+    /** False when the host has emptied the cache from inside a report: area() is gone then. */
+    bool stands() const { return cacheNo == driver.cacheNo; }
+
+    /** Word.bit units: the value byte that holds the bit, and its mask there. */
+    int byteOfBit() const { return bit / 8; }
+    unsigned char bitMask() const { return static_cast<unsigned char>(1 << bit % 8); }
+};
+
+/**
+ * Calls step(unit) for each of `count` addresses from startAddr on, in ascending order, creating
+ * the data areas that are missing. Ends early when a step empties the cache. A type without a
+ * unit kind has no units.
+ */
+template <typename Step>
+void forEachUnit(int stationNo, const RegisterType &type, int startAddr, int count, Step step)
+{
+    if (type.unitKind == NoUnit || count < 1)
+        return;
+    AreaLookup lookup(stationNo, type.areaName);
+    Unit unit = {type.unitKind, stationNo, 0, startAddr, 0, 0, driver.cacheNo};
+    for (; unit.i < count && unit.stands(); ++unit.i) {
+        unit.address = addrPlus(startAddr, unit.i);
+        if (unit.kind == WordBitUnit) {
+            unit.bit = bitInWord(unit.address);
+            unit.index = lookup.indexOf(wordOfBit(unit.address));
+        } else {
+            unit.index = lookup.indexOf(unit.address);
+        }
+        step(static_cast<const Unit &>(unit));
+    }
+}
+
+#endif

@@ -1,0 +1,42 @@
+// Word.bit address texts and the offset hook.
+#include <QtCore/QStringList>
+
+#include "tolvane_link.h"
+
+namespace {
+
+bool hasBitAddresses(const QString &regName)
+{
+    return regName.contains(QLatin1String("_bit"));
+}
+
+}  // namespace
+
+int addr_str2int(const QString &addrText, const QString &regName)
+{
+    if (!hasBitAddresses(regName))
+        return 0;
+    const QStringList parts = addrText.split(QLatin1Char('.'));
+    if (parts.size() != 2)
+        return -1;
+    bool wordOk = false;
+    bool bitOk = false;
+    const int word = parts.at(0).toInt(&wordOk);
+    const int bit = parts.at(1).toInt(&bitOk);
+    if (!wordOk || !bitOk || bit < 0 || bit > 15)
+        return -1;
+    return bitAddress(word, bit);
+}
+
+QString addr_int2str(int number, const QString &regName)
+{
+    if (!hasBitAddresses(regName))
+        return QString();
+    return QString::number(number / BitsPerWord) + QLatin1Char('.') +
+           QString::number(number % BitsPerWord);
+}
+
+int addrOffset(const QString &, int number)
+{
+    return number;
+}

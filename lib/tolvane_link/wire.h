@@ -1,0 +1,90 @@
+// The encodings of the link: control bytes, hex digits, byte and 16-bit fields, checksum. Each is
+// written and read here and nowhere else.
+#ifndef TOLVANE_WIRE_H
+#define TOLVANE_WIRE_H
+
+#include "tolvane_link.h"
+
+enum ControlByte { STX = 0x02, ETX = 0x03, EOT = 0x04, ACK = 0x06 };
+
+/** Characters of a byte field and of a word. */
+enum { ByteChars = 2, WordChars = 4 };
+
+/** Upper-case hex digit of a nibble 0 to 15. */
+inline unsigned char hexDigit(int nibble)
+{
+    return static_cast<unsigned char>(nibble <= 9 ? nibble + 0x30 : nibble + 0x37);
+}
+
+/** The checksum of a frame: the sum of `length` bytes, modulo 256. */
+inline int frameChecksum(const unsigned char *bytes, int length)
+{
+    unsigned sum = 0;
+    for (int i = 0; i < length; ++i)
+        sum += bytes[i];
+    return int(sum & 0xFF);
+}
+
+/** Writes a request frame in the order in which it travels. */
+class FrameWriter
+{
+public:
+    explicit FrameWriter(unsigned char *frame) : m_begin(frame), m_end(frame) {}
+
+    void open(ControlByte control) { put(control); }
+    void letter(int character) { put(character); }
+    void text(const char *characters)
+    {
+        while (*characters)
+            put(*characters++);
+    }
+    /** Two characters: high nibble, low nibble. */
+    void byteField(int value)
+    {
+        put(hexDigit(value >> 4 & 0x0F));
+        put(hexDigit(value & 0x0F));
+    }
+    /** Four characters: low byte, high byte. */
+    void field16(int value)
+    {
+        byteField(value & 0xFF);
+        byteField(value >> 8 & 0xFF);
+    }
+    /** Checksum of everything behind the opening byte, then `control`. */
+    void close(ControlByte control)
+    {
+        byteField(frameChecksum(m_begin + 1, length() - 1));
+        put(control);
+    }
+    /** Leaves the next `count` characters as they are. */
+    void skip(int count) { m_end += count; }
+    int length() const { return static_cast<int>(m_end - m_begin); }
+
+private:
+    void put(int character) { *m_end++ = static_cast<unsigned char>(character); }
+
+    unsigned char *m_begin;
+    unsigned char *m_end;
+};
+
+/** The nibble a reply character stands for; one that is no hex digit counts by the same rule. */
+inline int nibbleOf(unsigned char character)
+{
+    if (character < 0x30 || character == 0x40)
+        return 0;
+    return character < 0x40 ? character - 0x30 : (character - 0x37) & 0x0F;
+}
+
+/** The byte written at pos and pos + 1; a position outside the data counts as nibble 0. */
+inline int asc2hex(const QByteArray &data, int pos)
+{
+    const int size = static_cast<int>(data.size());
+    const char *characters = data.constData();
+    const int high =
+        pos >= 0 && pos < size ? nibbleOf(static_cast<unsigned char>(characters[pos])) : 0;
+    const int low =
+        pos >= -1 && pos < size - 1 ? nibbleOf(static_cast<unsigned char>(characters[pos + 1])) : 0;
+    return high << 4 | low;
+}
+
+#endif
