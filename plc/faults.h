@@ -1,0 +1,85 @@
+// Line faults: what becomes of a reply on its way out of the controller.
+#ifndef PLC_FAULTS_H
+#define PLC_FAULTS_H
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+#include <array>
+
+namespace plc {
+
+enum class Fault {
+    Loss,    ///< no reply
+    Cut,     ///< only the first part of the reply
+    Flip,    ///< one bit of the reply turned over
+    Late,    ///< the whole reply, but later
+    Double,  ///< the reply twice, one after the other
+    Noise,   ///< 1 to 8 random bytes before the reply
+    Mute,    ///< neither this reply nor any other for a while
+};
+constexpr int FaultCount = int(Fault::Mute) + 1;
+
+/** The fault as written in a plan, such as "loss". */
+const char *faultName(Fault fault);
+
+/** How often each fault happens and, for Late and Mute, how long it lasts. */
+struct FaultPlan
+{
+    struct Share
+    {
+        int ofMillion = 0;  ///< replies that meet the fault
+        int ms = 0;         ///< delay of Late, silence of Mute
+    };
+    std::array<Share, FaultCount> shares{};
+
+    /**
+     * Reads a list such as "loss=2%,late=0.5%:300ms,mute=0.1%:2s" into `*plan`. Shares have up to
+     * four decimals and add up to 100 % at most; late and mute need a time of 1 ms to 1 h. Returns
+     * an empty text, or what is wrong; the plan is then of no use.
+     */
+    static QString parse(const QString &list, FaultPlan *plan);
+};
+
+/** Bytes that go out on the line, `afterMs` milliseconds later than they would without faults. */
+struct Transmission
+{
+    int afterMs;
+    QByteArray bytes;
+};
+
+/**
+ * Throws the dice for one reply after the other. A reply meets one fault or none. Seed and number
+ * decide what happens to a reply, so a run with the same requests can be repeated; only which
+ * replies fall into a silence depends on time.
+ */
+class Faults
+{
+public:
+    /** Without faults. */
+    Faults() = default;
+    explicit Faults(const FaultPlan &plan, quint32 seed) : plan_(plan), seed_(seed) {}
+
+    /**
+     * What goes out in place of `reply`: nothing, one piece or two. `nowMs` is the time on any
+     * clock that does not go back.
+     */
+    QVector<Transmission> transmit(const QByteArray &reply, qint64 nowMs);
+
+    /** Ends all faults, a silence under way included. */
+    void heal();
+
+    /** Replies that met the fault; for Mute, replies swallowed by a silence. */
+    qint64 count(Fault fault) const { return counts_[size_t(fault)]; }
+
+private:
+    FaultPlan plan_;
+    quint32 seed_ = 0;
+    quint32 replies_ = 0;
+    qint64 mutedUntilMs_ = -1;  ///< end of the silence under way, or -1
+    std::array<qint64, FaultCount> counts_{};
+};
+
+}  // namespace plc
+
+#endif

@@ -1,0 +1,134 @@
+// tolvane-plc: the simulated controller on a line.
+#include <signal.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSaveFile>
+#include <QTimer>
+#include <cstdio>
+#include <memory>
+
+#include "plc/image.h"
+#include "plc/motion.h"
+#include "plc/options.h"
+#include "plc/pseudo_terminal.h"
+#include "plc/report.h"
+#include "plc/signals.h"
+#include "plc/tcp_door.h"
+
+namespace {
+
+constexpr int MotionMs = 20;
+
+/** Loads the image that the options name, if any; returns what went wrong, or an empty text. */
+QString load(const plc::Options &options, plc::Memory *memory)
+{
+    QFile file(options.image);
+    if (options.image.isEmpty() || (options.save && !file.exists()))
+        return QString();
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("%1: %2").arg(options.image, file.errorString());
+    const QString wrong = plc::loadImage(file.readAll(), memory);
+    return wrong.isEmpty() ? QString() : QStringLiteral("%1, %2").arg(options.image, wrong);
+}
+
+/** Stores the image; returns what went wrong, or an empty text. */
+QString save(const plc::Options &options, const plc::Memory &memory)
+{
+    QSaveFile file(options.image);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(plc::saveImage(memory));
+        if (file.commit())
+            return QString();
+    }
+    return QStringLiteral("%1: %2").arg(options.image, file.errorString());
+}
+
+/** Opens the door that the options ask for; returns what went wrong, or an empty text. */
+QString openDoor(const plc::Options &options, std::unique_ptr<plc::Door> *door)
+{
+    if (options.tcpPort) {
+        auto tcp = std::make_unique<plc::TcpDoor>();
+        const QString wrong = tcp->open(
+            options.anyAddress ? QHostAddress::AnyIPv4 : QHostAddress::LocalHost, *options.tcpPort);
+        *door = std::move(tcp);
+        return wrong;
+    }
+    auto terminal = std::make_unique<plc::PseudoTerminal>();
+    const QString wrong = terminal->open(options.link);
+    *door = std::move(terminal);
+    return wrong;
+}
+
+}  // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    plc::Options options;
+    if (const auto status = plc::readOptions(application.arguments(), &options))
+        return *status;
+
+    plc::Memory memory;
+    QString wrong = load(options, &memory);
+    if (!wrong.isEmpty())
+        return plc::complain(wrong);
+
+    // Taken over before anything exists that has to be cleaned up. A reader of the output who went
+    // away must not end the program before that either.
+    plc::Signals arriving({SIGTERM, SIGINT, SIGUSR1, SIGUSR2});
+    signal(SIGPIPE, SIG_IGN);
+
+    std::unique_ptr<plc::Door> door;
+    wrong = openDoor(options, &door);
+    if (!wrong.isEmpty()) {
+        plc::complain(wrong);
+        return 1;
+    }
+
+    plc::Controller controller(memory);
+    plc::Faults faults(options.faults, options.seed);
+    const plc::Line line(controller, faults, *door, options.line);
+    if (options.verbose) {
+        controller.setObserver(
+            [](const plc::Request &request, plc::Verdict verdict, const QByteArray &) {
+                std::fprintf(stderr, "%s\n", qPrintable(plc::requestText(request, verdict)));
+            });
+    }
+
+    QElapsedTimer clock;
+    clock.start();
+    QTimer motion;
+    if (!options.still) {
+        QObject::connect(&motion, &QTimer::timeout, &motion,
+                         [&] { plc::move(memory, clock.elapsed()); });
+        motion.start(MotionMs);
+    }
+
+    const auto printCounts = [&] {
+        std::fputs(qPrintable(plc::countsText(controller.counts(), faults)), stderr);
+    };
+    QObject::connect(&arriving, &plc::Signals::arrived, &application, [&](int number) {
+        if (number == SIGUSR1)
+            printCounts();
+        else if (number == SIGUSR2)
+            faults.heal();
+        else
+            QCoreApplication::quit();
+    });
+
+    std::printf("listening on %s\n", qPrintable(door->name()));
+    std::fflush(stdout);
+    QCoreApplication::exec();
+
+    printCounts();
+    if (options.save) {
+        wrong = save(options, memory);
+        if (!wrong.isEmpty()) {
+            plc::complain(wrong);
+            return 1;
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,93 @@
+// The devices' letters, names and sizes, and the words behind them.
+#include "plc/memory.h"
+
+namespace plc {
+
+namespace {
+
+struct Device
+{
+    char letter;
+    const char *name;
+    int words;
+};
+
+// TX and CX have 2,048 contacts, 128 words. A host that asks for the n contacts from number a on
+// reads n words from word a / 16 on, of which it uses the first bits; with a word per contact,
+// every such read is answered, up to the last contacts with the longest read (127 words).
+const std::array<Device, Memory::DeviceCount> table = {{
+    {'h', "P", 2048},
+    {'i', "M", 2048},
+    {'j', "L", 11264},
+    {'k', "K", 4096},
+    {'n', "F", 2048},
+    {'a', "D", 32768},
+    {'o', "S", 128},
+    {'b', "T", 2048},
+    {'c', "C", 2048},
+    {'p', "N", 21504},
+    {'s', "Z", 128},
+    {'l', "TX", 2048},
+    {'m', "CX", 2048},
+}};
+
+/** The table's index of a letter, or -1. */
+int indexOf(char letter)
+{
+    for (int i = 0; i < Memory::DeviceCount; ++i) {
+        if (table[size_t(i)].letter == letter)
+            return i;
+    }
+    return -1;
+}
+
+}  // namespace
+
+Memory::Memory()
+{
+    for (size_t i = 0; i < table.size(); ++i)
+        words_[i].fill(0, table[i].words);
+}
+
+QByteArray Memory::devices()
+{
+    QByteArray letters;
+    for (const Device &device : table)
+        letters += device.letter;
+    return letters;
+}
+
+int Memory::wordCount(char device)
+{
+    const int index = indexOf(device);
+    return index < 0 ? 0 : table[size_t(index)].words;
+}
+
+QByteArray Memory::name(char device)
+{
+    const int index = indexOf(device);
+    return index < 0 ? QByteArray() : QByteArray(table[size_t(index)].name);
+}
+
+char Memory::letter(const QByteArray &name)
+{
+    for (const Device &device : table) {
+        if (name == device.name)
+            return device.letter;
+    }
+    return 0;
+}
+
+quint16 Memory::word(char device, int number) const
+{
+    const int index = indexOf(device);
+    return index < 0 ? quint16(0) : words_[size_t(index)].value(number);
+}
+
+void Memory::setWord(char device, int number, quint16 value)
+{
+    if (number >= 0 && number < wordCount(device))
+        words_[size_t(indexOf(device))][number] = value;
+}
+
+}  // namespace plc

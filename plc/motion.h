@@ -1,0 +1,23 @@
+// The process that the simulated controller controls: a few words and bits that move by
+// themselves, so that a watching host sees changes.
+#ifndef PLC_MOTION_H
+#define PLC_MOTION_H
+
+#include <QString>
+
+#include "plc/memory.h"
+
+namespace plc {
+
+/**
+ * Brings the moving words to where they stand `elapsedMs` milliseconds after the start. A moving
+ * bit leaves the other bits of its word as they are.
+ */
+void move(Memory &memory, qint64 elapsedMs);
+
+/** What moves and how, a line each, for a help text. */
+QString motionHelp();
+
+}  // namespace plc
+
+#endif

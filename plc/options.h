@@ -1,0 +1,42 @@
+// The program's command line.
+#ifndef PLC_OPTIONS_H
+#define PLC_OPTIONS_H
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "plc/faults.h"
+#include "plc/line.h"
+
+namespace plc {
+
+struct Options
+{
+    std::optional<quint16> tcpPort;  ///< none: a pseudo-terminal
+    bool anyAddress = false;
+    QString link;   ///< symbolic link to the pseudo-terminal, or empty
+    QString image;  ///< memory image, or empty
+    bool save = false;
+    bool still = false;
+    bool verbose = false;
+    LineSettings line;
+    FaultPlan faults;
+    quint32 seed = 1;
+};
+
+/** Status with which the program ends after bad input. */
+constexpr int BadInput = 2;
+
+/** Says on standard error what is wrong; returns BadInput. */
+int complain(const QString &message);
+
+/**
+ * Reads the arguments (the first is the program's name) into `*options`. Returns nothing when the
+ * program is to run, or the status to end with, after a help text or a complaint was printed.
+ */
+std::optional<int> readOptions(const QStringList &arguments, Options *options);
+
+}  // namespace plc
+
+#endif

@@ -1,0 +1,31 @@
+// A single-shot timer with a resolution far below a millisecond, for pacing bytes.
+#ifndef PLC_PRECISE_TIMER_H
+#define PLC_PRECISE_TIMER_H
+
+#include <QObject>
+
+namespace plc {
+
+class PreciseTimer : public QObject
+{
+    Q_OBJECT
+
+public:
+    PreciseTimer();
+    ~PreciseTimer() override;
+
+    /** The monotonic clock in nanoseconds. */
+    static qint64 nowNs();
+    /** Fires once when that clock reaches `ns`, in place of an earlier setting. */
+    void fireAt(qint64 ns);
+
+signals:
+    void fired();
+
+private:
+    int timer_;
+};
+
+}  // namespace plc
+
+#endif

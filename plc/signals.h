@@ -1,0 +1,27 @@
+// Process signals as events of the Qt loop.
+#ifndef PLC_SIGNALS_H
+#define PLC_SIGNALS_H
+
+#include <QObject>
+#include <initializer_list>
+
+namespace plc {
+
+class Signals : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** Takes over these signals of the process, for as long as it runs. */
+    explicit Signals(std::initializer_list<int> numbers);
+
+signals:
+    void arrived(int number);
+
+private:
+    int descriptor_;
+};
+
+}  // namespace plc
+
+#endif
