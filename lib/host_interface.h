@@ -74,6 +74,11 @@ struct FRAME_PRO
     {
         std::memset(frame, 0, sizeof frame);
     }
+    explicit FRAME_PRO(const VARIABLE &item)
+        : sendLen(0), replyLen(0), dataStart(0), readCount(0), frameSpare(0), var(item)
+    {
+        std::memset(frame, 0, sizeof frame);
+    }
     FRAME_PRO(const FRAME_PRO &other)
         : sendLen(other.sendLen),
           replyLen(other.replyLen),

@@ -99,7 +99,6 @@ Protocol::Protocol()
       rcpRefused(false)
 {
     areaIndex.covered = 0;
-    areaIndex.epoch = 0;
     for (int number = 0; number < RegisterTypeCount; ++number) {
         const QString &name = REG_LIST[number];
         regNameList.append(name);
@@ -122,6 +121,11 @@ Protocol::Protocol()
 
 int getIndexFromRegName(const QString &name)
 {
+    // The driver's own items share the texts of the table: their pointers tell, at no cost.
+    for (int number = 0; number < RegisterTypeCount; ++number) {
+        if (name.constData() == REG_LIST[number].constData())
+            return number;
+    }
     for (int number = 0; number < RegisterTypeCount; ++number) {
         if (name == REG_LIST[number])
             return number;

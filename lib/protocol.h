@@ -8,6 +8,9 @@
 
 #include "host_interface.h"
 
+// What follows stays inside the library: reached directly, not through a symbol table.
+#pragma GCC visibility push(hidden)
+
 // ---- Identity and register tables -----------------------------------------------------------
 
 extern const QString PROCOTOL_NAME;
@@ -132,8 +135,7 @@ struct _DATA_
  */
 struct DataAreaIndex
 {
-    int covered;    ///< data areas entered, from the front of the list
-    quint32 epoch;  ///< counts restarts; page positions of an earlier epoch are void
+    int covered;                             ///< data areas entered, from the front of the list
     QHash<QPair<int, QString>, int> tables;  ///< (station, area name) -> table number
     QHash<quint64, int> pages;               ///< (table, page number) -> first cell
     QVector<int> cells;                      ///< position in the list + 1; 0: none
@@ -217,5 +219,7 @@ extern Protocol driver;
  * this returns. The text is the host's own copy: what it does to it leaves the tables alone.
  */
 void notifyHost(int first, int stationNo, QString text, int address);
+
+#pragma GCC visibility pop
 
 #endif

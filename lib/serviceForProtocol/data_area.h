@@ -24,24 +24,49 @@ int _setDataAreaMonitorFlag(int stationNo, const QString &regName, int startAddr
 /** Empties the cache. */
 void clearDataAreas();
 
-/** Finds the data areas of one station and area name in driver.dataAreaList, page by page. */
+/**
+ * Finds the data areas of one station and area name in driver.dataAreaList, page by page. Lives no
+ * longer than the cache that it was made for.
+ */
 class AreaLookup
 {
 public:
     AreaLookup(int stationNo, const QString &areaName);
 
     /** Position of the unit's data area, which is appended when missing. */
-    int indexOf(int unitAddr);
+    int indexOf(int unitAddr)
+    {
+        // Nearly always the unit lies in the page of the one before.
+        if (pageOf(unitAddr) == m_page) {
+            const int found = driver.areaIndex.cells.at(m_firstCell + cellInPage(unitAddr)) - 1;
+            if (found >= 0 && isArea(driver.dataAreaList.at(found), unitAddr))
+                return found;
+        }
+        return findOrAppend(unitAddr);
+    }
 
 private:
-    int cellOf(int unitAddr);
+    /** Unit addresses a page: few, for scattered addresses cost a page each. */
+    enum { PageUnits = 64, NoPage = -0x7FFFFFFF };
+
+    static int pageOf(int unitAddr) { return unitAddr >> 6; }
+    static int cellInPage(int unitAddr) { return unitAddr & (PageUnits - 1); }
+    bool isArea(const _DATA_ &area, int unitAddr) const
+    {
+        // Areas share the texts of the register tables, so the pointers decide nearly always.
+        return area.unitAddr == unitAddr && area.stationNo == m_stationNo &&
+               (area.areaName.constData() == m_nameText || area.areaName == m_areaName);
+    }
+    int findOrAppend(int unitAddr);
+    static void coverList();
+    static bool lastAreaIsIndexed();
+    static int cellFor(int stationNo, const QString &areaName, int unitAddr);
 
     int m_stationNo;
     QString m_areaName;
-    int m_table;
+    const QChar *m_nameText;
     int m_page;
     int m_firstCell;
-    quint32 m_epoch;
 };
 
 /** One address of a request, with the storage unit it lives in. */
@@ -57,6 +82,7 @@ struct Unit
 
     /** The data area. Ask again after every report: the list may have grown meanwhile. */
     _DATA_ &area() const { return driver.dataAreaList[index]; }
+    const _DATA_ &constArea() const { return driver.dataAreaList.at(index); }
 
     /** False when the host has emptied the cache from inside a report: area() is gone then. */
     bool stands() const { return cacheNo == driver.cacheNo; }
@@ -74,19 +100,17 @@ struct Unit
 template <typename Step>
 void forEachUnit(int stationNo, const RegisterType &type, int startAddr, int count, Step step)
 {
-    if (type.unitKind == NoUnit || count < 1)
+    if (type.unitKind == NoUnit)
         return;
     AreaLookup lookup(stationNo, type.areaName);
-    Unit unit = {type.unitKind, stationNo, 0, startAddr, 0, 0, driver.cacheNo};
-    for (; unit.i < count && unit.stands(); ++unit.i) {
-        unit.address = addrPlus(startAddr, unit.i);
-        if (unit.kind == WordBitUnit) {
-            unit.bit = bitInWord(unit.address);
-            unit.index = lookup.indexOf(wordOfBit(unit.address));
-        } else {
-            unit.index = lookup.indexOf(unit.address);
-        }
-        step(static_cast<const Unit &>(unit));
+    const quint32 cacheNo = driver.cacheNo;
+    const bool bitsOfWords = type.unitKind == WordBitUnit;
+    for (int i = 0; i < count && cacheNo == driver.cacheNo; ++i) {
+        const int address = addrPlus(startAddr, i);
+        const int index = lookup.indexOf(bitsOfWords ? wordOfBit(address) : address);
+        const int bit = bitsOfWords ? bitInWord(address) : 0;
+        const Unit unit = {type.unitKind, stationNo, i, address, index, bit, cacheNo};
+        step(unit);
     }
 }
 

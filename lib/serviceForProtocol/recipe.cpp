@@ -1,7 +1,6 @@
 // Recipe blocks as request items, and where their values stand in the host's recipe buffer.
 #include "recipe.h"
 
-#include "../tolvane_link/tolvane_link.h"
 #include "read_plan.h"
 
 namespace {
@@ -60,15 +59,14 @@ void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &var, int withData)
     });
 }
 
-void copyRecipeReply(const QByteArray &reply, int dataStart)
+void copyRecipeReply(const ReplyWords &words)
 {
     const quint32 exchange = driver.exchangeNo;
     const _RCP_VAR_PRO &block = driver.rcpBlocks.at(driver.rcpIndex);
-    const bool words = registerType(block.regName).unitKind == WordUnit;
+    const bool isWords = registerType(block.regName).unitKind == WordUnit;
     const int firstBit = bitInWord(block.startAddr);
     forEachRecipeValue(driver.rcpIndex, [&](int position, int n) {
-        const int value = words ? replyWord(reply, dataStart, position)
-                                : replyBit(reply, dataStart, firstBit + position);
+        const int value = isWords ? words.word[position] : words.bit(firstBit + position);
         unsigned char *unit = bufferUnit(n);
         unit[0] = static_cast<unsigned char>(value);
         unit[1] = static_cast<unsigned char>(value >> 8);

@@ -2,7 +2,7 @@
 #ifndef TOLVANE_RECIPE_H
 #define TOLVANE_RECIPE_H
 
-#include "../protocol.h"
+#include "../tolvane_link/tolvane_link.h"
 
 /**
  * Fills `var` from the block at driver.rcpIndex; its kind stays. withData not 0: a write item with
@@ -16,6 +16,6 @@ void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &var, int withData);
  * by entry, announcing each unit to the host. Stops when the host ends the exchange or registers
  * another recipe meanwhile.
  */
-void copyRecipeReply(const QByteArray &reply, int dataStart);
+void copyRecipeReply(const ReplyWords &words);
 
 #endif

@@ -17,17 +17,19 @@ int dealReadFrameReturnSaveData(const QByteArray &reply)
 
 void analyzeFrameOfVal(const QByteArray &reply, int readCount, int dataStart, const VARIABLE &var)
 {
+    ReplyWords words;
+    readReplyWords(reply, dataStart, readCount, words);
     // Nothing of `var` is used behind the first report: the host may end the exchange from there.
-    const RegisterType type = registerType(var.regName);
     const int firstBit = bitInWord(var.startAddr);
     const quint32 exchange = driver.exchangeNo;
-    forEachUnit(var.stationNo, type, var.startAddr, readCount, [&](const Unit &unit) {
-        if (unit.kind == BitUnit)
-            storeReadBit(unit, replyBit(reply, dataStart, firstBit + unit.i));
-        else
-            storeReadWord(unit, replyWord(reply, dataStart, unit.i));
-    });
+    forEachUnit(var.stationNo, registerType(var.regName), var.startAddr, readCount,
+                [&](const Unit &unit) {
+                    if (unit.kind == BitUnit)
+                        storeReadBit(unit, words.bit(firstBit + unit.i));
+                    else
+                        storeReadWord(unit, words.word[unit.i]);
+                });
     if (exchange == driver.exchangeNo && driver.sendState == RecipeRead &&
         driver.rcpTransferOf == driver.rcpRegistration)
-        copyRecipeReply(reply, dataStart);
+        copyRecipeReply(words);
 }

@@ -28,10 +28,15 @@ void reportPoint(int stationNo, const QString &regName, int address)
 /** The word type whose data areas have this name, or null. */
 const RegisterType *wordTypeOfArea(const QString &areaName)
 {
-    for (int number = 0; number < driver.registerTypes.size(); ++number) {
-        const RegisterType &type = driver.registerTypes.at(number);
-        if (type.unitKind == WordUnit && type.areaName == areaName)
-            return &type;
+    const RegisterType *types = driver.registerTypes.constData();
+    for (int number = 0; number < RegisterTypeCount; ++number) {
+        // Data areas share the text of their type, so the pointer is enough to look at first.
+        if (types[number].areaName.constData() == areaName.constData())
+            return &types[types[number].wordType];
+    }
+    for (int number = 0; number < RegisterTypeCount; ++number) {
+        if (types[number].areaName == areaName)
+            return &types[types[number].wordType];
     }
     return 0;
 }
@@ -181,26 +186,25 @@ void write_saveDataToArea(int stationNo, const QString &regName, int startAddr, 
     });
 }
 
-void storeReadWord(const Unit &unit, int word)
+void storeChangedWord(int index, int word)
 {
-    const int oldWord = wordOf(unit.area().readValue);
-    if (oldWord != word) {
-        if (unit.area().writeBitMask == 0 || driver.writeList.isEmpty())
-            unit.area().hasWriteValue = 0;
-        _wordDataChange(&oldWord, &word, unit.index, 0);
-        if (unit.stands())
-            setWord(unit.area().readValue, word);
-    }
+    _DATA_ &area = driver.dataAreaList[index];
+    const int oldWord = wordOf(area.readValue);
+    if (area.writeBitMask == 0 || driver.writeList.isEmpty())
+        area.hasWriteValue = 0;
+    const quint32 cacheNo = driver.cacheNo;
+    _wordDataChange(&oldWord, &word, index, 0);
+    if (cacheNo == driver.cacheNo)
+        setWord(driver.dataAreaList[index].readValue, word);
 }
 
-void storeReadBit(const Unit &unit, int value)
+void storeChangedBit(int index, int value)
 {
-    if (unit.area().readValue[0] != value) {
-        unit.area().hasWriteValue = 0;
-        _bitDataChange(unit.index);
-        if (unit.stands())
-            unit.area().readValue[0] = static_cast<unsigned char>(value);
-    }
+    driver.dataAreaList[index].hasWriteValue = 0;
+    const quint32 cacheNo = driver.cacheNo;
+    _bitDataChange(index);
+    if (cacheNo == driver.cacheNo)
+        driver.dataAreaList[index].readValue[0] = static_cast<unsigned char>(value);
 }
 
 void _write_FailOrSuc(int stationNo, const QString &regName, int startAddr, int count, int result)

@@ -28,11 +28,26 @@ void _bitDataChange(int index);
 void write_saveDataToArea(int stationNo, const QString &regName, int startAddr, int count,
                           const unsigned char *values);
 
-/** Stores a word read from the controller, reporting it when it differs from the last one read. */
-void storeReadWord(const Unit &unit, int word);
+/** Stores a word read that differs from the last one in the data area at `index`; reports it. */
+void storeChangedWord(int index, int word);
 
 /** The same for a bit, 0 or 1. */
-void storeReadBit(const Unit &unit, int value);
+void storeChangedBit(int index, int value);
+
+/** Stores a word read from the controller: the step of every exchange, unchanged nearly always. */
+inline void storeReadWord(const Unit &unit, int word)
+{
+    const unsigned char *lastRead = unit.constArea().readValue;
+    if (uchar2int16(lastRead[0], lastRead[1]) != word)
+        storeChangedWord(unit.index, word);
+}
+
+/** The same for a bit, 0 or 1. */
+inline void storeReadBit(const Unit &unit, int value)
+{
+    if (unit.constArea().readValue[0] != value)
+        storeChangedBit(unit.index, value);
+}
 
 /**
  * Settles the data areas of a finished write: result 1, acknowledged, makes the written values the

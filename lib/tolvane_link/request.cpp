@@ -19,14 +19,6 @@ int deviceLetter(const RegisterType &type)
     return ADDRESS_RW_COMMAND[type.number].at(0).toLatin1();
 }
 
-FRAME_PRO &appendFrame(const VARIABLE &item)
-{
-    driver.frameList.append(FRAME_PRO());
-    FRAME_PRO &frame = driver.frameList.last();
-    frame.var = item;
-    return frame;
-}
-
 /** Opening of every request: STX command device <byte address> "00". */
 void openRequest(FrameWriter &out, char command, int device, int wordNumber)
 {
@@ -40,7 +32,7 @@ void openRequest(FrameWriter &out, char command, int device, int wordNumber)
 /** Read words: STX r device <byte address> "00" <byte count> <checksum> ETX. */
 void appendReadWords(int device, int wordNumber, int words, const VARIABLE &item)
 {
-    FRAME_PRO &frame = appendFrame(item);
+    FRAME_PRO frame(item);
     FrameWriter out(frame.frame);
     openRequest(out, 'r', device, wordNumber);
     out.byteField(words * 2);
@@ -49,6 +41,7 @@ void appendReadWords(int device, int wordNumber, int words, const VARIABLE &item
     frame.replyLen = words * WordChars + ReplyFrameChars;
     frame.dataStart = ReplyDataStart;
     frame.readCount = words;
+    driver.frameList.append(frame);
 }
 
 /**
@@ -58,7 +51,7 @@ void appendReadWords(int device, int wordNumber, int words, const VARIABLE &item
 void appendWriteWords(int device, int wordNumber, int words, const unsigned char *values,
                       const VARIABLE &item)
 {
-    FRAME_PRO &frame = appendFrame(item);
+    FRAME_PRO frame(item);
     FrameWriter out(frame.frame);
     openRequest(out, 'w', device, wordNumber);
     out.byteField(words * 2);
@@ -67,6 +60,7 @@ void appendWriteWords(int device, int wordNumber, int words, const unsigned char
     out.close(ETX);
     frame.sendLen = out.length();
     frame.replyLen = ReplyFrameChars;
+    driver.frameList.append(frame);
 }
 
 /**
@@ -76,13 +70,14 @@ void appendWriteWords(int device, int wordNumber, int words, const unsigned char
 void appendBit(int device, bool set, const VARIABLE &item)
 {
     const int bitMask = 1 << bitInWord(item.startAddr);
-    FRAME_PRO &frame = appendFrame(item);
+    FRAME_PRO frame(item);
     FrameWriter out(frame.frame);
     openRequest(out, set ? 'o' : 'n', device, wordOfBit(item.startAddr));
     out.field16(set ? bitMask : ~bitMask & 0xFFFF);
     out.close(ETX);
     frame.sendLen = out.length();
     frame.replyLen = ReplyFrameChars;
+    driver.frameList.append(frame);
 }
 
 }  // namespace
@@ -134,20 +129,19 @@ void mergeBitsIntoWrite(const QByteArray &reply)
     FRAME_PRO &writeFrame = driver.frameList[1];
     const VARIABLE &item = readFrame.var;
 
-    int words[MaxWordsPerFrame];
-    for (int k = 0; k < readFrame.readCount; ++k)
-        words[k] = replyWord(reply, readFrame.dataStart, k);
+    ReplyWords words;
+    readReplyWords(reply, readFrame.dataStart, readFrame.readCount, words);
     for (int i = 0; i < item.count; ++i) {
         const int position = bitInWord(item.startAddr) + i;
         const int bitMask = 1 << position % BitsPerWord;
-        int &word = words[position / BitsPerWord];
-        word = item.valueBuf[i] ? word | bitMask : word & ~bitMask;
+        quint16 &word = words.word[position / BitsPerWord];
+        word = quint16(item.valueBuf[i] ? word | bitMask : word & ~bitMask);
     }
 
     FrameWriter out(writeFrame.frame);
     out.skip(WriteDataStart);
     for (int k = 0; k < readFrame.readCount; ++k)
-        out.field16(words[k]);
+        out.field16(words.word[k]);
     out.close(ETX);
 }
 

@@ -63,11 +63,20 @@ enum ReplyVerdict { FailedExchange = 0, GoodReadReply = 1, GoodAcknowledgement =
  */
 int check_rcv_data(const unsigned char *reply, int length);
 
-/** Word k of a read reply whose data begins at dataStart; characters it lacks count as 0. */
-int replyWord(const QByteArray &reply, int dataStart, int k);
+/** The words of a read reply. */
+struct ReplyWords
+{
+    quint16 word[MaxWordsPerFrame];
 
-/** Bit n of a read reply's data, counted from bit 0 of its first word: 0 or 1. */
-int replyBit(const QByteArray &reply, int dataStart, int n);
+    /** Bit n, counted from bit 0 of the first word: 0 or 1. */
+    int bit(int n) const { return word[n / BitsPerWord] >> n % BitsPerWord & 1; }
+};
+
+/**
+ * Takes `count` words (at most MaxWordsPerFrame) out of a read reply whose data begins at
+ * dataStart, four characters a word, low byte first. Characters that the reply lacks count as 0.
+ */
+void readReplyWords(const QByteArray &reply, int dataStart, int count, ReplyWords &words);
 
 /**
  * Takes the reply to the first frame of a write of several bits, merges the item's bits into the

@@ -7,8 +7,8 @@
 
 enum ControlByte { STX = 0x02, ETX = 0x03, EOT = 0x04, ACK = 0x06 };
 
-/** Characters of a byte field and of a word. */
-enum { ByteChars = 2, WordChars = 4 };
+/** Characters of a word. */
+enum { WordChars = 4 };
 
 /** Upper-case hex digit of a nibble 0 to 15. */
 inline unsigned char hexDigit(int nibble)
@@ -67,24 +67,15 @@ private:
     unsigned char *m_end;
 };
 
-/** The nibble a reply character stands for; one that is no hex digit counts by the same rule. */
-inline int nibbleOf(unsigned char character)
+/**
+ * The nibble a reply character stands for: digits and ":" to "?" count from "0", everything behind
+ * "@" from "A" modulo 16, so that both letter cases are read; what lies below "0", and "@", is 0.
+ */
+inline unsigned char nibbleOf(unsigned char character)
 {
-    if (character < 0x30 || character == 0x40)
-        return 0;
-    return character < 0x40 ? character - 0x30 : (character - 0x37) & 0x0F;
-}
-
-/** The byte written at pos and pos + 1; a position outside the data counts as nibble 0. */
-inline int asc2hex(const QByteArray &data, int pos)
-{
-    const int size = static_cast<int>(data.size());
-    const char *characters = data.constData();
-    const int high =
-        pos >= 0 && pos < size ? nibbleOf(static_cast<unsigned char>(characters[pos])) : 0;
-    const int low =
-        pos >= -1 && pos < size - 1 ? nibbleOf(static_cast<unsigned char>(characters[pos + 1])) : 0;
-    return high << 4 | low;
+    const int letterOffset = character > 0x40 ? 9 : 0;
+    const int nibble = ((character & 0x0F) + letterOffset) & 0x0F;
+    return static_cast<unsigned char>(character < 0x30 ? 0 : nibble);
 }
 
 #endif
