@@ -1,6 +1,8 @@
 // The figures people ask for, computed from the results of one run.
 #include "figures.h"
 
+#include <unistd.h>
+
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -21,9 +23,19 @@ bool print(const char *what, double figure, const char *unit, double aim)
 
 }  // namespace
 
+FiguresReporter::FiguresReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_Color : OO_None)
+{
+}
+
 void FiguresReporter::ReportRuns(const std::vector<Run> &runs)
 {
-    ConsoleReporter::ReportRuns(runs);
+    std::vector<Run> shown;
+    for (const Run &run : runs) {
+        if (run.repetitions == 1 || run.aggregate_name == "median")
+            shown.push_back(run);
+    }
+    if (!shown.empty())
+        ConsoleReporter::ReportRuns(shown);
     for (const Run &run : runs) {
         if (run.run_type != Run::RT_Iteration || run.error_occurred)
             continue;

@@ -7,10 +7,12 @@
 #include <map>
 #include <string>
 
-/** Prints each result as Google Benchmark does and keeps it. */
+/** Prints each result (of several repetitions, the median) as Google Benchmark does; keeps all. */
 class FiguresReporter : public benchmark::ConsoleReporter
 {
 public:
+    FiguresReporter();
+
     void ReportRuns(const std::vector<Run> &runs) override;
 
     /** Prints the figures with what is aimed at. Returns false when a result is missing. */
