@@ -4,6 +4,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QStringList>
+#include <algorithm>
 
 namespace plc {
 
@@ -41,6 +42,8 @@ QString parseShare(const QString &text, FaultPlan *plan)
 
     const Fault fault = Fault(name - names.begin());
     FaultPlan::Share &share = plan->shares[size_t(fault)];
+    if (share.ofMillion != 0)
+        return QStringLiteral("\"%1\" is named twice").arg(match.captured(1));
     share.ofMillion = qRound(match.captured(2).toDouble() * Million / 100);
     if (hasTime(fault) != !match.captured(3).isEmpty()) {
         return hasTime(fault)

@@ -48,10 +48,10 @@ QString save(const plc::Options &options, const plc::Memory &memory)
 /** Opens the door that the options ask for; returns what went wrong, or an empty text. */
 QString openDoor(const plc::Options &options, std::unique_ptr<plc::Door> *door)
 {
-    if (options.tcpPort) {
+    if (options.tcp) {
         auto tcp = std::make_unique<plc::TcpDoor>();
         const QString wrong = tcp->open(
-            options.anyAddress ? QHostAddress::AnyIPv4 : QHostAddress::LocalHost, *options.tcpPort);
+            options.anyAddress ? QHostAddress::AnyIPv4 : QHostAddress::LocalHost, options.tcpPort);
         *door = std::move(tcp);
         return wrong;
     }

@@ -32,7 +32,7 @@ const MovingWord movingWords[] = {
     {'a', 100, 0xFFFF, "D 100         counts up every 100 ms, from 65535 on to 0",
      [](qint64 ms) { return quint16(ms / 100); }},
     {'a', 101, 0xFFFF, "D 101         a sine from -1000 to 1000 in 10 s", sine},
-    {'i', 0, 0x0001, "M word 0.0    a bit that changes every second",
+    {'i', 0, 0x0001, "M 0.0         a bit that changes every second",
      [](qint64 ms) { return square(ms, 1000); }},
     {'l', 0, 0x0001, "TX 0          a contact that changes every 500 ms",
      [](qint64 ms) { return square(ms, 500); }},

@@ -2,6 +2,7 @@
 #include "plc/options.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <cstdio>
 
 #include "plc/motion.h"
@@ -42,136 +43,146 @@ const char notes[] =
     "Exit status: 0 ended by a signal, 1 no terminal, no port, or the image could not be stored,\n"
     "2 bad input.\n";
 
-/** Reads a whole number in low..high; complains about the option otherwise. */
-std::optional<qint64> readNumber(const QCommandLineParser &parser, const QCommandLineOption &option,
-                                 qint64 low, qint64 high)
+/** An option; it takes a value when `valueName` is given. */
+QCommandLineOption option(const char *name, const char *help, const char *valueName = "")
 {
+    return QCommandLineOption(QLatin1String(name), QLatin1String(help), QLatin1String(valueName));
+}
+
+struct Known
+{
+    const QCommandLineOption pty = option("pty", "Serve a pseudo-terminal (the default).");
+    const QCommandLineOption link =
+        option("link",
+               "Make a symbolic link to the pseudo-terminal at PATH, where nothing may be yet; it "
+               "is removed at the end.",
+               "PATH");
+    const QCommandLineOption tcp =
+        option("tcp",
+               "Serve TCP port PORT on this machine, 0 for any free one; a new connection takes "
+               "the place of the one before.",
+               "PORT");
+    const QCommandLineOption anyAddress =
+        option("any-address", "With --tcp: let other machines connect, not this one only.");
+    const QCommandLineOption image =
+        option("image",
+               "Load the memory from FILE: lines of device,word,value, such as D,100,4660 or "
+               "TX,2,0x0008.",
+               "FILE");
+    const QCommandLineOption save = option(
+        "save", "With --image: store the memory in FILE at the end; FILE need not exist before.");
+    const QCommandLineOption still = option("still", "Nothing moves by itself.");
+    const QCommandLineOption baud = option(
+        "baud", "Pace the bytes both ways like a line of N bits per second, 10 bits a byte.", "N");
+    const QCommandLineOption turnaround =
+        option("turnaround", "Wait MS milliseconds between request and reply.", "MS");
+    const QCommandLineOption faults = option("faults", "Disturb replies, see below.", "LIST");
+    const QCommandLineOption seed =
+        option("seed", "Start of the dice that choose the faults; 1 when not given.", "N");
+    const QCommandLineOption verbose = option("verbose", "Print every request on standard error.");
+    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Print this text.")};
+    const QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Print the version.")};
+};
+
+/** What is wrong about the options taken together; empty when nothing is. */
+QString misfit(const QCommandLineParser &parser, const Known &known)
+{
+    if (!parser.positionalArguments().isEmpty()) {
+        return QStringLiteral("\"%1\": expected options only")
+            .arg(parser.positionalArguments().constFirst());
+    }
+    if (parser.isSet(known.tcp) && (parser.isSet(known.pty) || parser.isSet(known.link)))
+        return QStringLiteral("--tcp: expected neither --pty nor --link beside it");
+    if (parser.isSet(known.anyAddress) && !parser.isSet(known.tcp))
+        return QStringLiteral("--any-address: expected --tcp PORT beside it");
+    if (parser.isSet(known.save) && !parser.isSet(known.image))
+        return QStringLiteral("--save: expected --image FILE beside it");
+    const QFileInfo link(parser.value(known.link));
+    if (parser.isSet(known.link) && (link.exists() || link.isSymLink())) {
+        return QStringLiteral("--link \"%1\": expected a path where nothing is yet")
+            .arg(parser.value(known.link));
+    }
+    return QString();
+}
+
+/** Reads an option's whole number, if it was given; returns what is wrong with it. */
+template <typename Number>
+QString readNumber(const QCommandLineParser &parser, const QCommandLineOption &option, qint64 low,
+                   qint64 high, Number *number)
+{
+    if (!parser.isSet(option))
+        return QString();
     bool ok = false;
-    const qint64 number = parser.value(option).toLongLong(&ok);
-    if (ok && number >= low && number <= high)
-        return number;
-    complain(QStringLiteral("--%1 \"%2\": expected a whole number from %3 to %4")
-                 .arg(option.names().constFirst(), parser.value(option), QString::number(low),
-                      QString::number(high)));
-    return std::nullopt;
+    const qint64 value = parser.value(option).toLongLong(&ok);
+    if (!ok || value < low || value > high) {
+        return QStringLiteral("--%1 \"%2\": expected a whole number from %3 to %4")
+            .arg(option.names().constFirst(), parser.value(option), QString::number(low),
+                 QString::number(high));
+    }
+    *number = Number(value);
+    return QString();
+}
+
+/** Reads all options; returns what is wrong first, or an empty text. */
+QString read(const QCommandLineParser &parser, const Known &known, Options *options)
+{
+    options->tcp = parser.isSet(known.tcp);
+    options->anyAddress = parser.isSet(known.anyAddress);
+    options->link = parser.value(known.link);
+    options->image = parser.value(known.image);
+    options->save = parser.isSet(known.save);
+    options->still = parser.isSet(known.still);
+    options->verbose = parser.isSet(known.verbose);
+
+    QString wrong = misfit(parser, known);
+    if (wrong.isEmpty())
+        wrong = readNumber(parser, known.tcp, 0, 65535, &options->tcpPort);
+    if (wrong.isEmpty())
+        wrong = readNumber(parser, known.baud, 300, 4000000, &options->line.baud);
+    if (wrong.isEmpty())
+        wrong = readNumber(parser, known.turnaround, 0, 60000, &options->line.turnaroundMs);
+    if (wrong.isEmpty())
+        wrong = readNumber(parser, known.seed, 0, 0xFFFFFFFF, &options->seed);
+    if (wrong.isEmpty() && parser.isSet(known.faults)) {
+        wrong = FaultPlan::parse(parser.value(known.faults), &options->faults);
+        if (!wrong.isEmpty())
+            wrong.prepend(QStringLiteral("--faults: "));
+    }
+    return wrong;
 }
 
 }  // namespace
 
 int complain(const QString &message)
 {
-    std::fprintf(stderr, "tolvane-plc: %s\n", message.toLocal8Bit().constData());
+    std::fprintf(stderr, "tolvane-plc: %s\n", qPrintable(message));
     return BadInput;
 }
 
 std::optional<int> readOptions(const QStringList &arguments, Options *options)
 {
-    const QCommandLineOption pty(QStringLiteral("pty"),
-                                 QStringLiteral("Serve a pseudo-terminal (the default)."));
-    const QCommandLineOption link(
-        QStringLiteral("link"),
-        QStringLiteral("Make a symbolic link to the pseudo-terminal at PATH, where nothing may be "
-                       "yet; it is removed at the end."),
-        QStringLiteral("PATH"));
-    const QCommandLineOption tcp(
-        QStringLiteral("tcp"),
-        QStringLiteral("Serve TCP port PORT on this machine, 0 for any free one; a new connection "
-                       "takes the place of the one before."),
-        QStringLiteral("PORT"));
-    const QCommandLineOption anyAddress(
-        QStringLiteral("any-address"),
-        QStringLiteral("With --tcp: let other machines connect, not this one only."));
-    const QCommandLineOption image(
-        QStringLiteral("image"),
-        QStringLiteral("Load the memory from FILE: lines of device,word,value, such as D,100,4660 "
-                       "or TX,2,0x0008."),
-        QStringLiteral("FILE"));
-    const QCommandLineOption save(
-        QStringLiteral("save"),
-        QStringLiteral("With --image: store the memory in FILE at the end; FILE need not exist."));
-    const QCommandLineOption still(QStringLiteral("still"),
-                                   QStringLiteral("Nothing moves by itself."));
-    const QCommandLineOption baud(
-        QStringLiteral("baud"),
-        QStringLiteral("Pace the bytes both ways as a line of N bits per second, 10 bits a byte."),
-        QStringLiteral("N"));
-    const QCommandLineOption turnaround(
-        QStringLiteral("turnaround"),
-        QStringLiteral("Wait MS milliseconds between request and reply."), QStringLiteral("MS"));
-    const QCommandLineOption faults(QStringLiteral("faults"),
-                                    QStringLiteral("Disturb replies, see LIST below."),
-                                    QStringLiteral("LIST"));
-    const QCommandLineOption seed(QStringLiteral("seed"),
-                                  QStringLiteral("Start of the dice that choose the faults."),
-                                  QStringLiteral("N"), QStringLiteral("1"));
-    const QCommandLineOption verbose(QStringLiteral("verbose"),
-                                     QStringLiteral("Print every request on standard error."));
-
+    const Known known;
     QCommandLineParser parser;
     parser.setApplicationDescription(QLatin1String(description));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    parser.addOptions(
-        {pty, link, tcp, anyAddress, image, save, still, baud, turnaround, faults, seed, verbose});
-
+    parser.addOptions({known.pty, known.link, known.tcp, known.anyAddress, known.image, known.save,
+                       known.still, known.baud, known.turnaround, known.faults, known.seed,
+                       known.verbose, known.help, known.version});
     if (!parser.parse(arguments))
         return complain(parser.errorText() + QStringLiteral(" See tolvane-plc --help."));
-    if (parser.isSet(help)) {
+    if (parser.isSet(known.help)) {
         const QString text = parser.helpText() + QString::fromLatin1(notes).arg(motionHelp());
-        std::fputs(text.toLocal8Bit().constData(), stdout);
+        std::fputs(qPrintable(text), stdout);
         return 0;
     }
-    if (parser.isSet(version)) {
+    if (parser.isSet(known.version)) {
         std::printf("tolvane-plc %s\n", TOLVANE_VERSION);
         return 0;
     }
-
-    if (!parser.positionalArguments().isEmpty()) {
-        return complain(QStringLiteral("\"%1\": expected options only")
-                            .arg(parser.positionalArguments().constFirst()));
-    }
-    if (parser.isSet(tcp) && (parser.isSet(pty) || parser.isSet(link)))
-        return complain(QStringLiteral("--tcp goes with neither --pty nor --link"));
-    if (parser.isSet(anyAddress) && !parser.isSet(tcp))
-        return complain(QStringLiteral("--any-address needs --tcp PORT"));
-    if (parser.isSet(save) && !parser.isSet(image))
-        return complain(QStringLiteral("--save needs --image FILE"));
-
-    struct
-    {
-        const QCommandLineOption &option;
-        qint64 low;
-        qint64 high;
-        qint64 value;
-    } numbers[] = {{tcp, 0, 65535, 0},
-                   {baud, 300, 4000000, 0},
-                   {turnaround, 0, 60000, 0},
-                   {seed, 0, 0xFFFFFFFF, 1}};
-    for (auto &number : numbers) {
-        if (!parser.isSet(number.option))
-            continue;
-        const std::optional<qint64> value =
-            readNumber(parser, number.option, number.low, number.high);
-        if (!value)
-            return BadInput;
-        number.value = *value;
-    }
-    if (parser.isSet(faults)) {
-        const QString wrong = FaultPlan::parse(parser.value(faults), &options->faults);
-        if (!wrong.isEmpty())
-            return complain(QStringLiteral("--faults: ") + wrong);
-    }
-
-    if (parser.isSet(tcp))
-        options->tcpPort = quint16(numbers[0].value);
-    options->anyAddress = parser.isSet(anyAddress);
-    options->link = parser.value(link);
-    options->image = parser.value(image);
-    options->save = parser.isSet(save);
-    options->still = parser.isSet(still);
-    options->verbose = parser.isSet(verbose);
-    options->line = {int(numbers[1].value), int(numbers[2].value)};
-    options->seed = quint32(numbers[3].value);
+    const QString wrong = read(parser, known, options);
+    if (!wrong.isEmpty())
+        return complain(wrong);
     return std::nullopt;
 }
 

@@ -13,7 +13,8 @@ namespace plc {
 
 struct Options
 {
-    std::optional<quint16> tcpPort;  ///< none: a pseudo-terminal
+    bool tcp = false;  ///< a TCP port, not a pseudo-terminal
+    quint16 tcpPort = 0;
     bool anyAddress = false;
     QString link;   ///< symbolic link to the pseudo-terminal, or empty
     QString image;  ///< memory image, or empty

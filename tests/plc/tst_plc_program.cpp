@@ -1,0 +1,254 @@
+// The simulated controller as a program: real pseudo-terminals, TCP, signals, command line.
+#include <signal.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSerialPort>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+
+namespace {
+
+const QByteArray readD0 = "\x02ra0000000255\x03";
+const QByteArray zeroReply = "\x06r000032\x04";
+const QByteArray setM10Bit3 = "\x02oi1400000800C5\x03";
+const QByteArray setReply = "\x06o6F\x04";
+
+/** The program while it runs. */
+class Plc
+{
+public:
+    explicit Plc(const QString &arguments)
+    {
+        process_.start(QStringLiteral(TOLVANE_PLC), arguments.split(QLatin1Char(' ')));
+        const QByteArray announced("listening on ");
+        while (!process_.canReadLine() && process_.waitForReadyRead(5000))
+            continue;
+        const QByteArray line = process_.readLine().trimmed();
+        if (line.startsWith(announced))
+            place_ = QString::fromLatin1(line.mid(announced.size()));
+    }
+    ~Plc() { end(); }
+
+    /** Where it listens; empty when it does not. */
+    QString place() const { return place_; }
+    void raise(int number) { kill(pid_t(process_.processId()), number); }
+    /** Waits for text on standard error; returns all of it so far. */
+    QByteArray errors(const QByteArray &awaited)
+    {
+        process_.setReadChannel(QProcess::StandardError);
+        do
+            errors_ += process_.readAllStandardError();
+        while (!errors_.contains(awaited) && process_.waitForReadyRead(5000));
+        return errors_;
+    }
+    /** Ends it as a user would; returns its exit status, or -1. */
+    int end(int number = SIGTERM)
+    {
+        if (process_.state() == QProcess::NotRunning)
+            return -1;
+        raise(number);
+        const bool ended = process_.waitForFinished(5000);
+        errors_ += process_.readAllStandardError();
+        return ended && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    }
+    QByteArray errorsAtEnd() const { return errors_; }
+
+private:
+    QProcess process_;
+    QString place_;
+    QByteArray errors_;
+};
+
+/** Opens the place where a controller listens: a terminal, or address and port. */
+std::unique_ptr<QIODevice> connectTo(const QString &place)
+{
+    const QStringList parts = place.split(QLatin1Char(':'));
+    if (parts.size() == 1) {
+        auto port = std::make_unique<QSerialPort>(place);
+        port->setBaudRate(115200);
+        return port->open(QIODevice::ReadWrite) ? std::move(port) : nullptr;
+    }
+    auto socket = std::make_unique<QTcpSocket>();
+    socket->connectToHost(parts[0], parts[1].toUShort());
+    return socket->waitForConnected(5000) ? std::move(socket) : nullptr;
+}
+
+/** What comes back for a request within the time, as soon as it has the length. */
+QByteArray exchange(QIODevice *line, const QByteArray &request, int length, int waitMs = 5000)
+{
+    line->write(request);
+    QElapsedTimer clock;
+    clock.start();
+    QByteArray reply;
+    while (reply.size() < length && clock.elapsed() < waitMs) {
+        line->waitForReadyRead(50);
+        reply += line->readAll();
+    }
+    return reply;
+}
+
+}  // namespace
+
+class TestPlcProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void serves_data();
+    void serves();
+    void linksAndCleansUp();
+    void takesTheLinesTime();
+    void keepsWhatAReplyLostSaid();
+    void healsOnSignal();
+    void refusesBadInput_data();
+    void refusesBadInput();
+    void documentsEveryOption_data();
+    void documentsEveryOption();
+};
+
+void TestPlcProgram::serves_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::newRow("terminal") << QStringLiteral("--still");
+    QTest::newRow("port") << QStringLiteral("--still --tcp 0");
+}
+
+void TestPlcProgram::serves()
+{
+    QFETCH(QString, arguments);
+    Plc plc(arguments);
+    for (int host = 0; host < 3; ++host) {
+        const auto line = connectTo(plc.place());
+        QVERIFY(line);
+        QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
+        line->write(readD0.left(5));  // the next host is not to suffer from what this one left
+        line->waitForBytesWritten(1000);
+    }
+    plc.raise(SIGUSR1);
+    QVERIFY(plc.errors("stray bytes").startsWith("served: total=3 read=3 "));
+    QCOMPARE(plc.end(SIGINT), 0);
+    QVERIFY(plc.errorsAtEnd().count("served: total=3 ") == 2);
+}
+
+void TestPlcProgram::linksAndCleansUp()
+{
+    QTemporaryDir folder;
+    const QString link = folder.filePath(QStringLiteral("plc"));
+    for (const bool replaced : {false, true}) {
+        Plc plc(QStringLiteral("--link ") + link);
+        const auto line = connectTo(link);
+        QVERIFY(line);
+        QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
+        if (replaced)
+            QVERIFY(QFile::remove(link) && QFile::link(folder.path(), link));
+        QCOMPARE(plc.end(), 0);
+        QCOMPARE(QFileInfo(link).isSymLink(), replaced);
+    }
+}
+
+void TestPlcProgram::takesTheLinesTime()
+{
+    Plc plc(QStringLiteral("--still --baud 1200 --turnaround 100"));
+    const auto line = connectTo(plc.place());
+    QVERIFY(line);
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
+    const qint64 shortest = 100 + (14 + 9) * 10 * 1000 / 1200;
+    QVERIFY2(clock.elapsed() >= shortest, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY2(clock.elapsed() < 4 * shortest, qPrintable(QString::number(clock.elapsed())));
+}
+
+void TestPlcProgram::keepsWhatAReplyLostSaid()
+{
+    QTemporaryDir folder;
+    const QString image = folder.filePath(QStringLiteral("image.csv"));
+    Plc plc(QStringLiteral("--still --save --faults loss=100% --image ") + image);
+    const auto line = connectTo(plc.place());
+    QVERIFY(line);
+    QCOMPARE(exchange(line.get(), setM10Bit3, 1, 200), QByteArray());
+    QCOMPARE(plc.end(), 0);
+    QFile file(image);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("device,word,value\nM,10,8\n"));
+}
+
+void TestPlcProgram::healsOnSignal()
+{
+    Plc plc(QStringLiteral("--verbose --faults mute=100%:1s"));
+    const auto line = connectTo(plc.place());
+    QVERIFY(line);
+    QCOMPARE(exchange(line.get(), setM10Bit3, 1, 100), QByteArray());
+    QVERIFY(plc.errors("\n").startsWith("set M 10 mask 0008"));
+    plc.raise(SIGUSR2);
+    QTRY_COMPARE(exchange(line.get(), setM10Bit3, 5, 100), setReply);
+}
+
+void TestPlcProgram::refusesBadInput_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QByteArray>("said");
+    const auto row = [](const char *arguments, const char *said) {
+        QTest::newRow(arguments) << QString::fromLatin1(arguments) << QByteArray(said);
+    };
+    row("extra", "\"extra\": expected options only");
+    row("--bogus", "'bogus'");
+    row("--tcp 65536", "--tcp \"65536\": expected a whole number from 0 to 65535");
+    row("--tcp 0 --link x", "--tcp: expected neither");
+    row("--any-address", "expected --tcp PORT");
+    row("--baud fast", "--baud \"fast\": expected a whole number");
+    row("--turnaround -1", "--turnaround \"-1\"");
+    row("--faults los=1%", "unknown fault \"los\"");
+    row("--save", "expected --image FILE");
+    row("--image /no/such.csv", "/no/such.csv: ");
+    row("--link /dev/null", "--link \"/dev/null\": expected a path where nothing is yet");
+}
+
+void TestPlcProgram::refusesBadInput()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QByteArray, said);
+    QProcess process;
+    process.start(QStringLiteral(TOLVANE_PLC), arguments.split(QLatin1Char(' ')));
+    QVERIFY(process.waitForFinished(5000));
+    QCOMPARE(process.exitCode(), 2);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    const QByteArray errors = process.readAllStandardError();
+    QVERIFY2(errors.startsWith("tolvane-plc: ") && errors.contains(said), errors.constData());
+}
+
+void TestPlcProgram::documentsEveryOption_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("manual page") << QStringLiteral(TOLVANE_PLC_SOURCE "/tolvane-plc.1");
+    QTest::newRow("completion") << QStringLiteral(TOLVANE_PLC_SOURCE "/tolvane-plc.bash");
+}
+
+void TestPlcProgram::documentsEveryOption()
+{
+    QFETCH(QString, file);
+    QFile document(file);
+    QVERIFY(document.open(QIODevice::ReadOnly));
+    const QByteArray text = document.readAll().replace("\\-", "-");
+    QProcess process;
+    process.start(QStringLiteral(TOLVANE_PLC), {QStringLiteral("--help")});
+    QVERIFY(process.waitForFinished(5000));
+    QCOMPARE(process.exitCode(), 0);
+    static const QRegularExpression option(QStringLiteral("^  (?:-., )?(--[a-z-]+) "),
+                                           QRegularExpression::MultilineOption);
+    auto options = option.globalMatch(QString::fromLocal8Bit(process.readAllStandardOutput()));
+    QVERIFY(options.hasNext());
+    while (options.hasNext()) {
+        const QByteArray name = options.next().captured(1).toLatin1();
+        QVERIFY2(text.contains(name), name.constData());
+    }
+}
+
+QTEST_GUILESS_MAIN(TestPlcProgram)
+#include "tst_plc_program.moc"
