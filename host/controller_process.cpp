@@ -1,0 +1,64 @@
+// Starts, stops and holds the simulated controller.
+#include "host/controller_process.h"
+
+#include "host/failure.h"
+
+#include <QtCore/QDeadlineTimer>
+
+#include <csignal>
+
+namespace host {
+
+namespace {
+
+constexpr int StartPatienceMs = 10000;
+constexpr int EndPatienceMs = 3000;
+
+}  // namespace
+
+ControllerProcess::ControllerProcess(const QString &program, const QStringList &arguments)
+{
+    m_process.start(program, arguments);
+    const QDeadlineTimer deadline(StartPatienceMs);
+    while (!m_process.canReadLine() && m_process.waitForReadyRead(int(deadline.remainingTime()))) {
+    }
+    const QByteArray greeting("listening on ");
+    const QByteArray line = m_process.readLine().trimmed();
+    if (!line.startsWith(greeting)) {
+        m_process.kill();
+        m_process.waitForFinished(EndPatienceMs);
+        const QByteArray said = line + m_process.readAllStandardError().trimmed();
+        const QString why = said.isEmpty() ? m_process.errorString() : QString::fromLocal8Bit(said);
+        throw Failure(
+            QStringLiteral("the simulated controller %1 does not serve: %2").arg(program, why));
+    }
+    m_device = QString::fromLocal8Bit(line.mid(greeting.size()));
+}
+
+ControllerProcess::~ControllerProcess()
+{
+    resume();  // a suspended process would not notice that it is to end
+    m_process.terminate();
+    if (!m_process.waitForFinished(EndPatienceMs)) {
+        m_process.kill();
+        m_process.waitForFinished(EndPatienceMs);
+    }
+}
+
+void ControllerProcess::suspend()
+{
+    signal(SIGSTOP);
+}
+
+void ControllerProcess::resume()
+{
+    signal(SIGCONT);
+}
+
+void ControllerProcess::signal(int number)
+{
+    if (m_process.state() == QProcess::Running)
+        ::kill(static_cast<pid_t>(m_process.processId()), number);
+}
+
+}  // namespace host

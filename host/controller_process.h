@@ -1,0 +1,31 @@
+// The simulated controller as a process of its own, on a pseudo-terminal.
+#ifndef TOLVANE_HOST_CONTROLLER_PROCESS_H
+#define TOLVANE_HOST_CONTROLLER_PROCESS_H
+
+#include <QtCore/QProcess>
+
+namespace host {
+
+class ControllerProcess
+{
+public:
+    /** Starts the program and waits until it serves. Throws Failure when it does not. */
+    ControllerProcess(const QString &program, const QStringList &arguments);
+    ~ControllerProcess();  ///< ends the process
+
+    /** Path of the device that the controller is reached through. */
+    QString device() const { return m_device; }
+
+    void suspend();  ///< the controller stops answering; requests wait for it
+    void resume();   ///< and answers what has waited
+
+private:
+    void signal(int number);
+
+    QProcess m_process;
+    QString m_device;
+};
+
+}  // namespace host
+
+#endif
