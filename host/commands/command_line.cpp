@@ -1,0 +1,41 @@
+// Options that the commands have in common, and how a wrong command line is refused.
+#include "host/commands/command_line.h"
+
+#include "host/failure.h"
+#include "host/neighbours.h"
+
+namespace host {
+
+CommandLine::CommandLine(const QString &name, const QString &summary)
+    : m_name(name),
+      m_driver(QStringLiteral("driver"),
+               QStringLiteral("The driver library to load (default: the one beside this program)."),
+               QStringLiteral("path")),
+      m_help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this help."))
+{
+    setApplicationDescription(summary);
+    addPositionalArgument(name, QStringLiteral("This command."), name);
+    addOptions({m_driver, m_help});
+}
+
+void CommandLine::read(const QStringList &arguments, int positionalArgumentCount)
+{
+    const QString advice = QStringLiteral("; see tolvane-host %1 --help").arg(m_name);
+    if (!parse(arguments))
+        throw Failure(errorText() + advice, BadInput);
+    if (isSet(m_help))
+        showHelp();
+    const QStringList given = positionalArguments().mid(1);
+    if (given.size() > positionalArgumentCount)
+        throw Failure(
+            QStringLiteral("unexpected argument \"%1\"").arg(given[positionalArgumentCount]) +
+                advice,
+            BadInput);
+}
+
+QString CommandLine::driverPath() const
+{
+    return isSet(m_driver) ? value(m_driver) : findDriver();
+}
+
+}  // namespace host

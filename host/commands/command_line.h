@@ -1,0 +1,32 @@
+// The command line as every command reads it: its own name, --help, and one way to refuse.
+#ifndef TOLVANE_HOST_COMMAND_LINE_H
+#define TOLVANE_HOST_COMMAND_LINE_H
+
+#include <QtCore/QCommandLineParser>
+
+namespace host {
+
+class CommandLine : public QCommandLineParser
+{
+public:
+    /** name: as typed; summary: what the command does, for --help. */
+    CommandLine(const QString &name, const QString &summary);
+
+    /**
+     * Reads the arguments; --help prints the help and ends the program. Throws Failure (bad input)
+     * for unknown options, missing values and more positional arguments than were declared.
+     */
+    void read(const QStringList &arguments, int positionalArguments = 0);
+
+    /** The driver library to load: --driver, or the one beside the program. */
+    QString driverPath() const;
+
+private:
+    QString m_name;
+    QCommandLineOption m_driver;
+    QCommandLineOption m_help;
+};
+
+}  // namespace host
+
+#endif

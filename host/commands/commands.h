@@ -1,0 +1,14 @@
+// The commands of tolvane-host: each takes the program's whole argument list and returns the exit
+// status. Bad input and failures are thrown as Failure.
+#ifndef TOLVANE_HOST_COMMANDS_H
+#define TOLVANE_HOST_COMMANDS_H
+
+#include <QtCore/QStringList>
+
+namespace host {
+
+int demoCommand(const QStringList &arguments);
+
+}  // namespace host
+
+#endif

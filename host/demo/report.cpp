@@ -1,0 +1,102 @@
+// Lays the demo's output out in 100 columns.
+#include "host/demo/report.h"
+
+#include "host/frame_text.h"
+
+namespace host {
+
+namespace {
+
+constexpr int FrameBytesShown = 14;  // a whole read request
+constexpr int HexColumn = 3 * FrameBytesShown - 1;
+constexpr int NameColumn = 9;
+constexpr int RowColumns = 96;
+constexpr int CellColumn = 12;
+constexpr int MeaningColumn = 51;
+constexpr int ValuesShown = 8;
+constexpr int WordsInRequest = 2;
+constexpr int WordsInReply = 4;
+
+}  // namespace
+
+QString Report::valueText(const QVector<int> &values)
+{
+    QStringList texts;
+    for (const int value : values.mid(0, ValuesShown))
+        texts.append(QString::number(value));
+    const QString text = texts.join(QLatin1String(", "));
+    return values.size() <= ValuesShown
+               ? text
+               : QStringLiteral("%1, ... (%2 values)").arg(text).arg(values.size());
+}
+
+void Report::step(const QString &title, const QString &intent)
+{
+    m_out << '\n' << ++m_steps << ". " << title << '\n' << "   " << intent << '\n' << Qt::flush;
+}
+
+void Report::line(const QString &text)
+{
+    m_out << (text.isEmpty() ? text : QLatin1String("   ") + text) << '\n' << Qt::flush;
+}
+
+void Report::item(const QString &name, const QString &text)
+{
+    QString row = name.leftJustified(NameColumn - 1);
+    for (const QString &word : text.split(QLatin1Char(' '))) {
+        if (row.size() + 1 + word.size() > RowColumns) {
+            line(row);
+            row = QString(NameColumn - 1, QLatin1Char(' '));
+        }
+        row += QLatin1Char(' ') + word;
+    }
+    line(row);
+}
+
+void Report::exchange(const Exchange &exchange)
+{
+    if (!exchange.stale.isEmpty())
+        line(QStringLiteral("thrown away before sending: %1 bytes that nobody waits for any more")
+                 .arg(exchange.stale.size()));
+    const QByteArray request = exchange.request();
+    frame("->", request, readRequest(request, WordsInRequest).text);
+    if (exchange.reply.isEmpty()) {
+        line(QStringLiteral("<- nothing within the time-out"));
+        return;
+    }
+    const FrameReading reply = readReply(exchange.reply, request, WordsInReply);
+    frame("<-", exchange.reply, reply.fault.isEmpty() ? reply.text : reply.fault);
+}
+
+void Report::table(const QVector<QStringList> &rows)
+{
+    for (const QStringList &row : rows) {
+        QString text = row.first().leftJustified(CellColumn);
+        for (const QString &cell : row.mid(1))
+            text += cell.rightJustified(CellColumn);
+        line(text);
+    }
+}
+
+void Report::frame(const char *arrow, const QByteArray &bytes, const QString &meaning)
+{
+    const QString text = meaning.size() <= MeaningColumn
+                             ? meaning
+                             : meaning.left(MeaningColumn - 3) + QLatin1String("...");
+    line(QStringLiteral("%1 %2  %3")
+             .arg(QLatin1String(arrow), hexText(bytes, FrameBytesShown).leftJustified(HexColumn),
+                  text));
+}
+
+void Report::verdict(const QString &what, bool right, const QString &expected, const QString &got)
+{
+    ++m_checks;
+    if (right) {
+        line(QLatin1String("ok     ") + what);
+        return;
+    }
+    ++m_wrong;
+    line(QStringLiteral("WRONG  %1: expected %2, got %3").arg(what, expected, got));
+}
+
+}  // namespace host

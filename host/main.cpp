@@ -1,0 +1,74 @@
+// tolvane-host: the driver's bench. Chooses the command and reports what ended it.
+#include "host/commands/commands.h"
+#include "host/failure.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTextStream>
+
+#include <algorithm>
+
+namespace {
+
+struct Command
+{
+    const char *name;
+    const char *summary;
+    int (*run)(const QStringList &arguments);
+};
+
+constexpr Command Commands[] = {
+    {"demo", "a tour of the driver against a simulated controller", host::demoCommand},
+};
+
+QString usage()
+{
+    QString text = QStringLiteral(
+        "Usage: tolvane-host COMMAND [options]\n"
+        "Loads the driver library and talks through it, as a panel does.\n\nCommands:\n");
+    for (const Command &command : Commands)
+        text += QStringLiteral("  %1  %2\n")
+                    .arg(QLatin1String(command.name), -8)
+                    .arg(QLatin1String(command.summary));
+    return text +
+           QStringLiteral(
+               "\ntolvane-host COMMAND --help tells about a command, --version the version.\n"
+               "Exit status: 0 all right, 1 something failed, 2 bad input.\n");
+}
+
+int run(const QStringList &arguments)
+{
+    const QString name = arguments.value(1);
+    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
+        QTextStream(stdout) << usage();
+        return host::AllRight;
+    }
+    if (name == QLatin1String("--version")) {
+        QTextStream(stdout) << "tolvane-host " << QCoreApplication::applicationVersion() << '\n';
+        return host::AllRight;
+    }
+    const auto *command = std::find_if(
+        std::begin(Commands), std::end(Commands),
+        [&](const Command &candidate) { return name == QLatin1String(candidate.name); });
+    if (command == std::end(Commands))
+        throw host::Failure(
+            (name.isEmpty() ? QStringLiteral("no command given")
+                            : QStringLiteral("there is no command \"%1\"").arg(name)) +
+                QStringLiteral("; tolvane-host --help lists them"),
+            host::BadInput);
+    return command->run(arguments);
+}
+
+}  // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("tolvane-host"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
+    try {
+        return run(QCoreApplication::arguments());
+    } catch (const host::Failure &failure) {
+        QTextStream(stderr) << "tolvane-host: " << failure.what() << '\n';
+        return failure.status();
+    }
+}
