@@ -25,7 +25,9 @@ int addr_str2int(const QString &addrText, const QString &regName)
     const int bit = parts.at(1).toInt(&bitOk);
     if (!wordOk || !bitOk || bit < 0 || bit > 15)
         return -1;
-    return bitAddress(word, bit);
+    // A word so far out that its bits have no address number is no address either.
+    const qint64 number = qint64(word) * BitsPerWord + bit;
+    return number == int(number) ? int(number) : -1;
 }
 
 QString addr_int2str(int number, const QString &regName)
