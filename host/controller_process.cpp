@@ -7,6 +7,8 @@
 
 #include <csignal>
 
+#include <sys/prctl.h>
+
 namespace host {
 
 namespace {
@@ -14,7 +16,27 @@ namespace {
 constexpr int StartPatienceMs = 10000;
 constexpr int EndPatienceMs = 3000;
 
+// Runs in the child between fork and exec.
+void endWithParent()
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
+
 }  // namespace
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+BoundProcess::BoundProcess() = default;
+
+void BoundProcess::setupChildProcess()
+{
+    endWithParent();
+}
+#else
+BoundProcess::BoundProcess()
+{
+    setChildProcessModifier(endWithParent);
+}
+#endif
 
 ControllerProcess::ControllerProcess(const QString &program, const QStringList &arguments)
 {

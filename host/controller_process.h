@@ -6,6 +6,18 @@
 
 namespace host {
 
+/** A process that ends with this one, however this one ends. */
+class BoundProcess : public QProcess
+{
+public:
+    BoundProcess();
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+protected:
+    void setupChildProcess() override;
+#endif
+};
+
 class ControllerProcess
 {
 public:
@@ -22,7 +34,7 @@ public:
 private:
     void signal(int number);
 
-    QProcess m_process;
+    BoundProcess m_process;
     QString m_device;
 };
 
