@@ -1,0 +1,154 @@
+// The built library as a panel meets it: its symbols and dependencies, loading and unloading,
+// and the layout of the records that cross the border.
+#include <QtCore/QFile>
+#include <QtCore/QLibrary>
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+#include <cstddef>
+#include <type_traits>
+
+#include "host_interface.h"
+
+#define TOLVANE_RESOLVE(name) reinterpret_cast<decltype(&name)>(library.resolve(#name))
+
+namespace {
+
+/** Output lines of a program of the tool chain, run on the library. */
+QStringList lines(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments + QStringList(TOLVANE_LIBRARY));
+    if (!process.waitForFinished() || process.exitCode() != 0)
+        return QStringList("- no " + program + ": " + process.errorString());
+    return QString(process.readAllStandardOutput()).trimmed().split('\n');
+}
+
+bool isMapped()
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libtolvane_link");
+}
+
+int callBacks = 0;
+
+void countCallBack(int, int, const QString &, int)
+{
+    ++callBacks;
+}
+
+}  // namespace
+
+class LibraryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void exportsNothingElse()
+    {
+        QStringList symbols;
+        for (const QString &line : lines("nm", {"-D", "--defined-only"}))
+            symbols.append(line.section(' ', 1));
+        symbols.sort();
+        QCOMPARE(symbols.join(' '),
+                 QString("T intf_SetDriverPropertyPage T intf_addConditionRead T intf_addrMerge "
+                         "T intf_checkAddr T intf_checkAddrValidity T intf_dealRcvFrame "
+                         "T intf_getData T intf_getDriverParameter T intf_getDriverPropertyPage "
+                         "T intf_getProtocolType T intf_getRegDiscription T intf_getRegListByType "
+                         "T intf_getSendFrame T intf_getVersion T intf_initProperty "
+                         "T intf_multiCopy T intf_setAddrValueChangeCallBack T intf_setData "
+                         "T intf_setRcpAddress"));
+    }
+
+    void needsQtCoreOnly()
+    {
+        QStringList qt;
+        QStringList own;
+        for (const QString &line : lines("readelf", {"-d"})) {
+            const QString name = line.section('[', 1).section(']', 0, 0);
+            if (line.contains("(NEEDED)") && name.contains("Qt"))
+                qt.append(name);
+            if (line.contains("(SONAME)"))
+                own.append(name);
+        }
+        QCOMPARE(qt, QStringList(QString("libQt%1Core.so.%1").arg(QT_VERSION_MAJOR)));
+        QCOMPARE(own, QStringList("libtolvane_link.so.2"));
+    }
+
+    void leavesNothingBehind()
+    {
+        QMutex mutex;
+        int callBacksBefore = 0;
+        for (int time = 0; time < 3; ++time) {
+            QVERIFY(!isMapped());
+            QLibrary library(TOLVANE_LIBRARY);
+            QVERIFY2(library.load(), qPrintable(library.errorString()));
+            QVERIFY(isMapped());
+            const auto setCallBack = TOLVANE_RESOLVE(intf_setAddrValueChangeCallBack);
+            const auto initProperty = TOLVANE_RESOLVE(intf_initProperty);
+            const auto addrMerge = TOLVANE_RESOLVE(intf_addrMerge);
+            const auto setData = TOLVANE_RESOLVE(intf_setData);
+            const auto getData = TOLVANE_RESOLVE(intf_getData);
+            const auto getSendFrame = TOLVANE_RESOLVE(intf_getSendFrame);
+            QVERIFY(setCallBack && initProperty && addrMerge && setData && getData && getSendFrame);
+
+            KEY_ADDRESS key;
+            key.regName = "D_W";
+            key.count = 1;
+            unsigned char value[] = {0xEE, 0xEE};
+            FRAME_PRO frame;
+            getData(0, "D_W", 0, 1, value);
+            QCOMPARE(value[0] + value[1], 0);  // nothing of the time before
+            QByteArray shared(SharedBlockBytes, '\0');
+            auto *block = reinterpret_cast<unsigned char *>(shared.data());
+            QCOMPARE(initProperty(block, nullptr, nullptr, nullptr, "7#0#0#3#64", &mutex), 1);
+            setCallBack(countCallBack);
+            QCOMPARE(addrMerge({key}), 1);
+            value[0] = 1;
+            setData(0, "D_W", 0, 1, value, 0);
+            QCOMPARE(getSendFrame(&frame), 1);
+            QVERIFY(library.unload());
+            QCOMPARE(callBacks, ++callBacksBefore);
+        }
+        QVERIFY(!isMapped());
+    }
+
+    // Offsets and sizes for 64 bits; a QString is one pointer in Qt 4 and 5, three words in Qt 6.
+    void layout()
+    {
+        if (sizeof(void *) != 8)
+            QSKIP("figures for 64 bits");
+        typedef QVector<size_t> Offsets;
+        const size_t s = sizeof(QString);
+        QCOMPARE(
+            Offsets({offsetof(VARIABLE, kind), offsetof(VARIABLE, stationNo),
+                     offsetof(VARIABLE, regName), offsetof(VARIABLE, startAddr),
+                     offsetof(VARIABLE, count), offsetof(VARIABLE, valueBuf), sizeof(VARIABLE)}),
+            Offsets({0, 4, 8, 8 + s, 12 + s, 16 + s, 1040 + s}));
+        QCOMPARE(Offsets({offsetof(FRAME_PRO, frame), offsetof(FRAME_PRO, sendLen),
+                          offsetof(FRAME_PRO, replyLen), offsetof(FRAME_PRO, dataStart),
+                          offsetof(FRAME_PRO, readCount), offsetof(FRAME_PRO, frameSpare),
+                          offsetof(FRAME_PRO, var), sizeof(FRAME_PRO)}),
+                 Offsets({0, 1024, 1028, 1032, 1036, 1040, 1048, 2088 + s}));
+        QCOMPARE(Offsets({offsetof(KEY_ADDRESS, hostText), offsetof(KEY_ADDRESS, hostValue1),
+                          offsetof(KEY_ADDRESS, hostValue2), offsetof(KEY_ADDRESS, stationNo),
+                          offsetof(KEY_ADDRESS, regName), offsetof(KEY_ADDRESS, hostNote),
+                          offsetof(KEY_ADDRESS, startAddr), offsetof(KEY_ADDRESS, bitMark),
+                          offsetof(KEY_ADDRESS, count), offsetof(KEY_ADDRESS, valueBuf),
+                          sizeof(KEY_ADDRESS)}),
+                 Offsets({0, s, s + 4, s + 8, s + 16, 2 * s + 16, 3 * s + 16, 3 * s + 20,
+                          3 * s + 24, 3 * s + 28, 3 * s + 1056}));
+        QCOMPARE(Offsets({offsetof(_RCP_VAR_PRO, ownerKey), offsetof(_RCP_VAR_PRO, stationNo),
+                          offsetof(_RCP_VAR_PRO, regName), offsetof(_RCP_VAR_PRO, startAddr),
+                          offsetof(_RCP_VAR_PRO, count), offsetof(_RCP_VAR_PRO, bufIndex),
+                          offsetof(_RCP_VAR_PRO, hostSpare), sizeof(_RCP_VAR_PRO)}),
+                 Offsets({0, 4, 8, 8 + s, 12 + s, 16 + s, 20 + s, 24 + s}));
+        QVERIFY(std::is_standard_layout<VARIABLE>::value);
+        QVERIFY(std::is_standard_layout<FRAME_PRO>::value);
+        QVERIFY(std::is_standard_layout<KEY_ADDRESS>::value);
+        QVERIFY(std::is_standard_layout<_RCP_VAR_PRO>::value);
+    }
+};
+
+QTEST_APPLESS_MAIN(LibraryTest)
+#include "tst_library.moc"
