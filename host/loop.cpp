@@ -60,8 +60,12 @@ Outcome Loop::exchange()
     QElapsedTimer clock;
     clock.start();
     m_exchange.reply.clear();
-    if (m_line.send(request))
-        m_exchange.reply = m_line.collect(replyLen, travel + m_settings.replyTimeout);
+    if (m_line.send(request)) {
+        const QByteArray early = earlyBytes();
+        m_exchange.stale += early;
+        if (early.isEmpty())
+            m_exchange.reply = m_line.collect(replyLen, travel + m_settings.replyTimeout);
+    }
     m_exchange.outcome = m_line.isOpen() ? judge() : Outcome::LineLost;
     m_exchange.duration = duration_cast<microseconds>(nanoseconds(clock.nsecsElapsed()));
 
@@ -103,6 +107,8 @@ bool Loop::runUntilIdle(milliseconds patience)
 // Throws away what nobody waits for any more. Where that may not have been all, waits for silence.
 QByteArray Loop::settleLine()
 {
+    if (m_settings.listenFirst > milliseconds(0))
+        QThread::msleep(static_cast<unsigned long>(m_settings.listenFirst.count()));
     QByteArray stale = m_line.discard();
     if (!m_restless && stale.isEmpty())
         return stale;
@@ -114,6 +120,17 @@ QByteArray Loop::settleLine()
         stale += late + m_line.discard();
     }
     return stale;
+}
+
+// What arrives while the request is still leaving answers an earlier one.
+QByteArray Loop::earlyBytes()
+{
+    if (!m_settings.paced)
+        return QByteArray();
+    // A little less than the wire time: oversleeping must not catch the first byte of the reply.
+    const auto leaving = m_line.wireTime(m_exchange.frame.sendLen) * 9 / 10;
+    QThread::usleep(static_cast<unsigned long>(leaving.count()));
+    return m_line.discard();
 }
 
 Outcome Loop::judge()

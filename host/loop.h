@@ -40,6 +40,16 @@ struct LoopSettings
     std::chrono::milliseconds replyTimeout{500};
     /** Silence that proves the line to be at rest; 0: as long as replyTimeout. */
     std::chrono::milliseconds quietTime{0};
+    /**
+     * The line carries bytes at its own speed (a real port, a paced simulation): what arrives
+     * while the request is still leaving cannot be its reply. Costs no time.
+     */
+    bool paced = false;
+    /**
+     * Listens this long before each request, so that a doubled reply on a line that is not paced
+     * has arrived by then. Costs that time in every exchange.
+     */
+    std::chrono::milliseconds listenFirst{0};
 };
 
 struct LoopCounters
@@ -59,7 +69,8 @@ struct LoopCounters
  * Replies carry no number that ties them to their request, and the driver takes a well-formed
  * reply of any length. So the loop guards: what arrived before a request is sent is thrown away;
  * after a failed exchange, or when bytes came that nobody asked for, it waits for the line to be
- * silent before the next request; a reply of the wrong length counts as none.
+ * silent before the next request; a reply of the wrong length counts as none. On a paced line a
+ * reply that begins before its request has left counts as none, too.
  */
 class Loop
 {
@@ -86,6 +97,7 @@ public:
 
 private:
     QByteArray settleLine();
+    QByteArray earlyBytes();
     Outcome judge();
     void count(const Exchange &exchange);
 

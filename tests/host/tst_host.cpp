@@ -46,6 +46,7 @@ class ScriptedLine : public Line
 {
 public:
     QByteArray waiting;          // has arrived already
+    QByteArray whileSending;     // arrives before the first request has left
     QList<QByteArray> arrivals;  // one for each wait; after them silence
     bool babbles = false;        // never silent
     int sendsUntilLost = 1000000;
@@ -60,6 +61,7 @@ public:
     bool send(const QByteArray &) override
     {
         calls += QStringLiteral("send");
+        waiting += std::exchange(whileSending, QByteArray());
         return --sendsUntilLost > 0;
     }
 
@@ -89,6 +91,7 @@ private slots:
     void serialSettings();
     void guards_data();
     void guards();
+    void replyBeforeTheRequestHasLeftCountsAsNone();
     void babblingLineDoesNotStopTheLoop();
     void lostLineKeepsTheRequest();
     void badInput_data();
@@ -276,6 +279,23 @@ void TestHost::guards()
     QCOMPARE(loop.counters().exchanges + loop.counters().retries, 2);
     QCOMPARE(loop.counters().wordsRead, 2 * loop.counters().exchanges);
     QCOMPARE(loop.counters().bytesSent, 2 * ReadD100x2.size());
+}
+
+void TestHost::replyBeforeTheRequestHasLeftCountsAsNone()
+{
+    Driver driver;
+    driver.getSendFrame = offerRequest;
+    driver.dealRcvFrame = judgeReply;
+    handedOver.clear();
+    ScriptedLine line;
+    line.whileSending = ReplyB;
+    line.arrivals = {QByteArray(), ReplyA};
+    LoopSettings settings;
+    settings.paced = true;
+    Loop loop(driver, line, settings);
+    QCOMPARE(loop.exchange(), Outcome::Again);
+    QCOMPARE(loop.exchange(), Outcome::Good);
+    QCOMPARE(handedOver, (QList<QByteArray>{QByteArray(), ReplyA}));
 }
 
 void TestHost::babblingLineDoesNotStopTheLoop()
