@@ -26,7 +26,8 @@ QString typeNames(const Identity &identity)
 
 }  // namespace
 
-Point parsePoint(const Driver &driver, const Identity &identity, const QString &text, int stationNo)
+Point parsePoint(const Driver &driver, const Identity &identity, const QString &text, int stationNo,
+                 int unitsPerValue)
 {
     static const QRegularExpression form(QStringLiteral("^([^:]+):([^:x]+)(?:x([0-9]{1,9}))?$"));
     const QRegularExpressionMatch match = form.match(text);
@@ -36,7 +37,9 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
     Point point;
     point.stationNo = stationNo;
     point.regName = match.captured(1);
-    point.count = match.captured(3).isEmpty() ? 1 : match.captured(3).toInt();
+    point.count = unitsPerValue;
+    if (!match.captured(3).isEmpty())
+        point.count *= match.captured(3).toInt();
     if (point.count < 1)
         throw refuse(text, QStringLiteral("expected a count of 1 or more"));
     const RegisterType *type = identity.type(point.regName);

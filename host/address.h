@@ -18,11 +18,12 @@ struct Point
 };
 
 /**
- * Reads TYPE:ADDRESS or TYPE:ADDRESSxCOUNT and has the driver check it. Throws Failure (bad
- * input) that names the text, what is wrong with it and the type's form or range.
+ * Reads TYPE:ADDRESS or TYPE:ADDRESSxCOUNT and has the driver check it; a value takes so many words
+ * or bits. Throws Failure (bad input) that names the text, what is wrong with it and the type's
+ * form or range.
  */
-Point parsePoint(const Driver &driver, const Identity &identity, const QString &text,
-                 int stationNo);
+Point parsePoint(const Driver &driver, const Identity &identity, const QString &text, int stationNo,
+                 int unitsPerValue = 1);
 
 /** The point in the form that parsePoint() reads. */
 QString pointText(const Driver &driver, const Point &point);

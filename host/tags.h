@@ -33,8 +33,8 @@ struct Tag
  * the header are passed over). The count is in values. Throws Failure (bad input) that names the
  * tag, where it was given, and what is wrong or the range of the type.
  */
-QVector<Tag> parseTags(const Driver &driver, const Identity &identity,
-                       const QStringList &arguments, int stationNo);
+QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
+                       int stationNo);
 
 /** Values of the tag: its words, its bits, or pairs of its words. */
 int valueCount(const Tag &tag);
