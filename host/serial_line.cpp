@@ -64,6 +64,11 @@ int SerialSettings::bitsPerByte() const
     return startBits + dataBits + parityBits + stopBits;
 }
 
+microseconds SerialSettings::wireTime(int bytes) const
+{
+    return microseconds(qint64(bytes) * bitsPerByte() * MicrosecondsPerSecond / baudRate);
+}
+
 SerialLine::SerialLine(const QString &device, const SerialSettings &settings) : m_settings(settings)
 {
     m_port.setPortName(device);
@@ -117,8 +122,7 @@ QByteArray SerialLine::collect(int bytes, milliseconds timeout)
 
 microseconds SerialLine::wireTime(int bytes) const
 {
-    return microseconds(qint64(bytes) * m_settings.bitsPerByte() * MicrosecondsPerSecond /
-                        m_settings.baudRate);
+    return m_settings.wireTime(bytes);
 }
 
 // Returns true when bytes have arrived. Every failure but a time-out means that the device has

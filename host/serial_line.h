@@ -18,6 +18,9 @@ struct SerialSettings
     /** Bits that one byte takes on the wire, start, parity and stop bits included. */
     int bitsPerByte() const;
 
+    /** How long so many bytes travel. */
+    std::chrono::microseconds wireTime(int bytes) const;
+
     /**
      * Reads "baud,data bits,parity,stop bits", such as "115200,8,NONE,1"; the parity is NONE, EVEN
      * or ODD. Throws Failure (bad input) that names the part it could not take.

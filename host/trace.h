@@ -1,0 +1,36 @@
+// A record of everything on the line: a file with a line for each frame.
+#ifndef TOLVANE_HOST_TRACE_H
+#define TOLVANE_HOST_TRACE_H
+
+#include "host/loop.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QFile>
+
+namespace host {
+
+/**
+ * Each line has the local time, "->" or "<-", the bytes as hex pairs ("-" for none) and what they
+ * say, two spaces apart:
+ *
+ *     2026-11-22T22:41:05.123  ->  02 72 61 ... 03  read 2 words of D from word 100
+ */
+class Trace
+{
+public:
+    /** Starts the file anew. Throws Failure (bad input) when it cannot be written. */
+    explicit Trace(const QString &path);
+
+    /** Writes what was thrown away, the request and the reply. */
+    void write(const Exchange &exchange);
+
+private:
+    void line(const QDateTime &time, const char *arrow, const QByteArray &bytes,
+              const QString &meaning);
+
+    QFile m_file;
+};
+
+}  // namespace host
+
+#endif
