@@ -1,0 +1,50 @@
+# Installing the library like any other of its kind, and the two Debian packages: `tolvane-link`
+# to run, `tolvane-link-dev` to build against.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS tolvane_link EXPORT tolvane_linkTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT runtime NAMELINK_COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tolvane_link)
+install(FILES lib/host_interface.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tolvane_link
+    COMPONENT development)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tolvane_link)
+install(EXPORT tolvane_linkTargets NAMESPACE tolvane_link:: DESTINATION ${package_dir}
+    COMPONENT development)
+configure_package_config_file(cmake/tolvane_linkConfig.cmake.in
+    ${CMAKE_CURRENT_BINARY_DIR}/tolvane_linkConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/tolvane_linkConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/tolvane_linkConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/tolvane_linkConfigVersion.cmake
+    DESTINATION ${package_dir} COMPONENT development)
+
+# Relative, so that the file is right wherever the package is unpacked.
+file(RELATIVE_PATH TOLVANE_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/tolvane_link.pc.in tolvane_link.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvane_link.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME tolvane-link)
+set(CPACK_PACKAGE_CONTACT "tolvane_link maintainers <maintainers@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME tolvane-link)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME tolvane-link-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS qtbase5-dev)
+if(TOLVANE_QT EQUAL 6)
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS qt6-base-dev)
+endif()
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+include(CPack)
