@@ -73,22 +73,6 @@ Tag parseAddress(const Driver &driver, const Identity &identity, const QString &
     return tag;
 }
 
-// Whatever is wrong with a tag is told with its name and where it was given.
-Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
-             const QString &address, int stationNo, const QString &source)
-{
-    try {
-        Tag tag = parseAddress(driver, identity, address, stationNo);
-        tag.name = name.isEmpty() ? address : name;
-        tag.source = source;
-        return tag;
-    } catch (const Failure &failure) {
-        const QString why = QString::fromUtf8(failure.what());
-        throw refuse(name.isEmpty() ? QStringLiteral("%1: %2").arg(source, why)
-                                    : QStringLiteral("%1: tag \"%2\": %3").arg(source, name, why));
-    }
-}
-
 bool isHeader(const QString &line)
 {
     return line.startsWith(QLatin1String("name,address"), Qt::CaseInsensitive);
@@ -193,6 +177,21 @@ QString expectation(const Tag &tag)
 }
 
 }  // namespace
+
+Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
+             const QString &address, int stationNo, const QString &source)
+{
+    try {
+        Tag tag = parseAddress(driver, identity, address, stationNo);
+        tag.name = name.isEmpty() ? address : name;
+        tag.source = source;
+        return tag;
+    } catch (const Failure &failure) {
+        const QString why = QString::fromUtf8(failure.what());
+        throw refuse(name.isEmpty() ? QStringLiteral("%1: %2").arg(source, why)
+                                    : QStringLiteral("%1: tag \"%2\": %3").arg(source, name, why));
+    }
+}
 
 QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
                        int stationNo)

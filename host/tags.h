@@ -27,6 +27,14 @@ struct Tag
 };
 
 /**
+ * Reads one address with an optional format behind it, such as "D_W:100x10:float"; the tag's name
+ * may be empty. Throws Failure (bad input) that names the tag, where it was given, and what is
+ * wrong or the range of the type.
+ */
+Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
+             const QString &address, int stationNo, const QString &source);
+
+/**
  * Reads what is to be read or written: each argument is an address with an optional name before
  * it and an optional format behind it, such as "level=D_W:100x10:float", or the path of a tag file
  * (*.csv: name,address,format; the format may be missing; empty lines, lines starting with # and
