@@ -18,6 +18,9 @@ struct Command
 
 constexpr Command Commands[] = {
     {"demo", "a tour of the driver against a simulated controller", host::demoCommand},
+    {"read", "one value of each address", host::readCommand},
+    {"watch", "values as they change, in a live table or as lines", host::watchCommand},
+    {"write", "values to addresses, and what came of each", host::writeCommand},
 };
 
 QString usage()

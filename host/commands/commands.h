@@ -8,6 +8,9 @@
 namespace host {
 
 int demoCommand(const QStringList &arguments);
+int readCommand(const QStringList &arguments);
+int watchCommand(const QStringList &arguments);
+int writeCommand(const QStringList &arguments);
 
 }  // namespace host
 

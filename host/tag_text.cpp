@@ -1,0 +1,68 @@
+// Lays tags out in columns and in JSON.
+#include "host/tag_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace host {
+
+namespace {
+
+bool hasOwnName(const Driver &driver, const Tag &tag)
+{
+    return !tag.name.startsWith(addressText(driver, tag));
+}
+
+}  // namespace
+
+QString addressText(const Driver &driver, const Tag &tag)
+{
+    Point point = tag.point;
+    point.count = valueCount(tag);
+    return pointText(driver, point);
+}
+
+QString addressText(const Driver &driver, const Tag &tag, int value)
+{
+    Point point = tag.point;
+    point.address += value * (point.count / valueCount(tag));
+    point.count = 1;
+    return pointText(driver, point);
+}
+
+TagColumns::TagColumns(const Driver &driver, const QVector<Tag> &tags) : m_driver(driver)
+{
+    for (const Tag &tag : tags) {
+        m_nameWidth = std::max(m_nameWidth, int(tag.name.size()));
+        if (hasOwnName(driver, tag))
+            m_addressWidth = std::max(m_addressWidth, int(addressText(driver, tag).size()));
+    }
+}
+
+QString TagColumns::text(const Tag &tag) const
+{
+    const QString name = tag.name.leftJustified(m_nameWidth);
+    if (m_addressWidth == 0)
+        return name;
+    const QString address = hasOwnName(m_driver, tag) ? addressText(m_driver, tag) : QString();
+    return name + QLatin1String("  ") + address.leftJustified(m_addressWidth);
+}
+
+QJsonObject tagObject(const Driver &driver, const Tag &tag)
+{
+    return {{QStringLiteral("name"), tag.name},
+            {QStringLiteral("address"), addressText(driver, tag)}};
+}
+
+QJsonArray valueArray(const QStringList &values)
+{
+    QJsonArray array;
+    for (const QString &value : values) {
+        bool isNumber = false;
+        const double number = value.toDouble(&isNumber);
+        array.append(isNumber && std::isfinite(number) ? QJsonValue(number) : QJsonValue(value));
+    }
+    return array;
+}
+
+}  // namespace host

@@ -1,0 +1,41 @@
+// Tags and their values as the commands print them: columns for people, JSON for programs.
+#ifndef TOLVANE_HOST_TAG_TEXT_H
+#define TOLVANE_HOST_TAG_TEXT_H
+
+#include "host/tags.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+
+namespace host {
+
+/** The tag's address, its count in values: "D_W:100x2" for two values of any format. */
+QString addressText(const Driver &driver, const Tag &tag);
+
+/** The address of one of the tag's values. */
+QString addressText(const Driver &driver, const Tag &tag, int value);
+
+/** The left-hand columns: names, and addresses where a tag was given a name of its own. */
+class TagColumns
+{
+public:
+    TagColumns(const Driver &driver, const QVector<Tag> &tags);
+
+    /** One tag's columns, padded to those of the others. */
+    QString text(const Tag &tag) const;
+
+private:
+    const Driver &m_driver;
+    int m_nameWidth = 0;
+    int m_addressWidth = 0;  // 0: no column
+};
+
+/** An object with the tag's name and address. */
+QJsonObject tagObject(const Driver &driver, const Tag &tag);
+
+/** Numbers as numbers; what JSON has no number for (0x1F, nan) as texts. */
+QJsonArray valueArray(const QStringList &values);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,29 @@
+// Works the counts of the loop out into rates.
+#include "host/watch/line_use.h"
+
+namespace host {
+
+LineUse::LineUse(const LoopCounters &now, const LoopCounters &earlier, double elapsed,
+                 const Line &line)
+    : counters(now - earlier), seconds(elapsed)
+{
+    // Asked for many bytes, because the answer comes in whole microseconds.
+    constexpr int Many = 100000;
+    const std::chrono::duration<double> travel = line.wireTime(Many);
+    const double bytes = double(counters.bytesSent + counters.bytesReceived);
+    share = seconds > 0 ? bytes * travel.count() / Many / seconds : 0;
+}
+
+QString LineUse::text() const
+{
+    return QStringLiteral("%1 exchanges in %2 s (%3/s), %4 words, %5 retries, %6 errors")
+               .arg(counters.exchanges)
+               .arg(seconds, 0, 'f', 1)
+               .arg(exchangesPerSecond(), 0, 'f', 1)
+               .arg(counters.wordsRead)
+               .arg(counters.retries)
+               .arg(counters.errors) +
+           QStringLiteral("\n%1 % of the line's capacity used\n").arg(100 * share, 0, 'f', 1);
+}
+
+}  // namespace host
