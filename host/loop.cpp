@@ -2,7 +2,6 @@
 #include "host/loop.h"
 
 #include <QtCore/QDeadlineTimer>
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QThread>
 
 namespace host {
@@ -61,7 +60,7 @@ Outcome Loop::exchange()
     clock.start();
     m_exchange.reply.clear();
     if (m_line.send(request)) {
-        const QByteArray early = earlyBytes();
+        const QByteArray early = earlyBytes(clock);
         m_exchange.stale += early;
         if (early.isEmpty())
             m_exchange.reply = m_line.collect(replyLen, travel + m_settings.replyTimeout);
@@ -123,14 +122,15 @@ QByteArray Loop::settleLine()
 }
 
 // What arrives while the request is still leaving answers an earlier one.
-QByteArray Loop::earlyBytes()
+QByteArray Loop::earlyBytes(const QElapsedTimer &sending)
 {
     if (!m_settings.paced)
         return QByteArray();
-    // A little less than the wire time: oversleeping must not catch the first byte of the reply.
-    const auto leaving = m_line.wireTime(m_exchange.frame.sendLen) * 9 / 10;
-    QThread::usleep(static_cast<unsigned long>(leaving.count()));
-    return m_line.discard();
+    const microseconds travel = m_line.wireTime(m_exchange.frame.sendLen);
+    QThread::usleep(static_cast<unsigned long>((travel * 4 / 5).count()));
+    // Whoever overslept cannot tell early bytes from the beginning of the reply.
+    const bool leaving = nanoseconds(sending.nsecsElapsed()) < travel;
+    return leaving ? m_line.discard() : QByteArray();
 }
 
 Outcome Loop::judge()

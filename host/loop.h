@@ -5,6 +5,8 @@
 #include "host/driver_library.h"
 #include "host/line.h"
 
+#include <QtCore/QElapsedTimer>
+
 #include <functional>
 
 namespace host {
@@ -97,7 +99,7 @@ public:
 
 private:
     QByteArray settleLine();
-    QByteArray earlyBytes();
+    QByteArray earlyBytes(const QElapsedTimer &sending);
     Outcome judge();
     void count(const Exchange &exchange);
 

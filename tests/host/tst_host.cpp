@@ -56,7 +56,7 @@ public:
     bool isOpen() const override { return sendsUntilLost > 0; }
     QString errorText() const override { return {}; }
     QByteArray discard() override { return std::exchange(waiting, QByteArray()); }
-    std::chrono::microseconds wireTime(int) const override { return {}; }
+    std::chrono::microseconds wireTime(int) const override { return milliseconds(5); }
 
     bool send(const QByteArray &) override
     {
