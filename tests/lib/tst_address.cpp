@@ -133,7 +133,8 @@ private slots:
     {
         table({"name", "start", "count", "step", "series"},
               {{"words", "D_W", "100", "3", "1", "1: 100=100 101=101 102=102"},
-               {"every tenth", "N_W", "5", "2", "10", "1: 5=5 15=15"},
+               {"every tenth, up to the last", "D_W", "32757", "2", "10",
+                "1: 32757=32757 32767=32767"},
                {"by 16-bit values", "D_W", "7", "2", "-1", "1: 7=7 8=8"},
                {"by 32-bit values", "D_W", "100", "2", "-2", "1: 100=100 102=102"},
                {"past the last word", "D_W", "32767", "3", "1",

@@ -88,6 +88,7 @@ private slots:
                {"emptied", "D5 D6 clear D6 D5", "0 1 0 1"},
                {"emptied and filled", "D5 D6 clear +D6 +D5 D5 D6 D7", "0 1 1 0 2"},
                {"emptied and filled with others", "D5 D6 clear +D8 +D9 D5 D9", "0 1 2 1"},
+               {"emptied and filled with more", "D5 D6 clear +D7 +D8 +D9 D7 D5", "0 1 0 3"},
                {"the first taken out", "D5 D6 D7 -0 D7 D6 D5", "0 1 2 1 0 2"},
                {"one in the middle", "D5 D6 D7 -1 D5 D7 D6", "0 1 2 0 1 2"},
                {"the last, and one more", "D5 D6 -1 +D7 D6 D7 D5", "0 1 2 1 0"}});
@@ -214,8 +215,9 @@ private slots:
               "1 Q 5; 1 Q 6; = 0107.; 1 X_W 5; = 01.; = .."},
              {"far off",
               "write D_W -5 x2 12345678; write D_W 2147483647 x2 ABCDEF01; get D_W -5 x2; "
-              "get D_W 2147483647 x2; write M_bit -17 x2 0101; get M_bit -18 x4",
-              "= 12345678.; = ABCDEF01.; = 00010100."}});
+              "get D_W 2147483647 x2; write M_bit -17 x2 0101; get M_bit -18 x4; "
+              "write M_bit -1 x1 01; get M_bit 15 x1",
+              "= 12345678.; = ABCDEF01.; = 00010100.; = 00."}});
     }
     void readOut() { story(); }
 
