@@ -6,14 +6,10 @@
 
 namespace host {
 
-namespace {
-
 bool hasOwnName(const Driver &driver, const Tag &tag)
 {
     return !tag.name.startsWith(addressText(driver, tag));
 }
-
-}  // namespace
 
 QString addressText(const Driver &driver, const Tag &tag)
 {

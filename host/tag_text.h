@@ -9,6 +9,9 @@
 
 namespace host {
 
+/** False when the tag is called by its address. */
+bool hasOwnName(const Driver &driver, const Tag &tag);
+
 /** The tag's address, its count in values: "D_W:100x2" for two values of any format. */
 QString addressText(const Driver &driver, const Tag &tag);
 

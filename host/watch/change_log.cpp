@@ -39,9 +39,8 @@ void ChangeLog::write(const WatchedValue &value)
     const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
     const QStringList fields =
         m_form == Csv ? QStringList{time, csvField(value.name), value.address, value.text}
-        : value.name.startsWith(value.address)
-            ? QStringList{time, value.name, value.text}
-            : QStringList{time, value.name, value.address, value.text};
+        : value.name == value.address ? QStringList{time, value.name, value.text}
+                                      : QStringList{time, value.name, value.address, value.text};
     m_file.write(fields.join(QLatin1String(m_form == Csv ? "," : "  ")).toUtf8() + '\n');
 }
 

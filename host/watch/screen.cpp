@@ -111,7 +111,8 @@ void Screen::draw(const QVector<WatchedValue> &values, const LoopCounters &count
          size.ws_col);
     for (const WatchedValue &value : values.mid(0, shown))
         line(drawing,
-             row(value.name, value.address, value.text.isEmpty() ? QStringLiteral("-") : value.text,
+             row(value.name, value.address == value.name ? QString() : value.address,
+                 value.text.isEmpty() ? QStringLiteral("-") : value.text,
                  trendText(value.trend, m_unicode), QString::number(value.changes),
                  ageText(value.sinceChange)),
              size.ws_col);

@@ -28,8 +28,10 @@ WatchedValues::WatchedValues(const Driver &driver, const Session &session, const
         const int count = valueCount(tag);
         for (int i = 0; i < count; ++i) {
             WatchedValue value;
-            value.name = count == 1 ? tag.name : QStringLiteral("%1[%2]").arg(tag.name).arg(i);
             value.address = addressText(driver, tag, i);
+            value.name = !hasOwnName(driver, tag) ? value.address
+                         : count == 1             ? tag.name
+                                                  : QStringLiteral("%1[%2]").arg(tag.name).arg(i);
             m_values.append(value);
         }
     }

@@ -12,7 +12,7 @@ namespace host {
 
 struct WatchedValue
 {
-    QString name;  ///< the tag's, with an index where it has several values
+    QString name;  ///< the tag's own, with an index where it has several values; or the address
     QString address;
     QString text;  ///< empty until the value has been read
     int changes = 0;
