@@ -142,7 +142,9 @@ struct _RCP_VAR_PRO
  *
  * - (first property value, station, register type name, address number): a point changed.
  * - (0, -1, "RWI", n): unit n of the recipe buffer was read from the controller.
- * - (-1, -1, "-1", 0 or -1): the latest condition read is done (0) or was given up (-1).
+ * - (-1, -1, "-1", 0 or -1): the last request of the latest condition read is done (0) or was given
+ * up
+ *   (-1). When an earlier one is given up, the rest is dropped without a signal.
  *
  * The text is valid during the call.
  */
@@ -251,9 +253,9 @@ Q_DECL_EXPORT int intf_addrMerge(const QList<KEY_ADDRESS> &keys);
 Q_DECL_EXPORT int intf_addConditionRead(const KEY_ADDRESS &key, int kind);
 
 /**
- * Replaces the recipe by the entries that are this driver's, of known types and at least one
- * value long. Returns how many were kept; when none was, transfers are refused until a later
- * registration keeps one.
+ * Replaces the recipe by the entries that are this driver's, of known types, at least one value
+ * long and with a place in the buffer that is not negative. Returns how many were kept; when none
+ * was, transfers are refused until a later registration keeps one.
  */
 Q_DECL_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries);
 

@@ -121,13 +121,8 @@ Protocol::Protocol()
 
 int getIndexFromRegName(const QString &name)
 {
-    // The driver's own items share the texts of the table: their pointers tell, at no cost.
     for (int number = 0; number < RegisterTypeCount; ++number) {
-        if (name.constData() == REG_LIST[number].constData())
-            return number;
-    }
-    for (int number = 0; number < RegisterTypeCount; ++number) {
-        if (name == REG_LIST[number])
+        if (sameText(name, REG_LIST[number]))
             return number;
     }
     return -1;
@@ -138,8 +133,9 @@ RegisterType registerType(const QString &name)
     const int number = getIndexFromRegName(name);
     if (number >= 0)
         return driver.registerTypes.at(number);
+    // A text of the driver's own: the host's may lie over memory that goes away.
     const RegisterType unknown = {FallbackRow, unitKindOf(name, ADDRESS_RANGE_PRO[FallbackRow]),
-                                  name, FallbackRow, -1};
+                                  QString(name.constData(), int(name.size())), FallbackRow, -1};
     return unknown;
 }
 

@@ -57,6 +57,17 @@ struct RegisterType
     bool isKnown() const { return number != FallbackRow; }
 };
 
+/**
+ * Whether two texts are equal. Most texts compared inside the driver are the register tables' own,
+ * which share their characters or differ in the first one: both are told without a call.
+ */
+inline bool sameText(const QString &a, const QString &b)
+{
+    const QChar *const inA = a.constData();
+    const QChar *const inB = b.constData();
+    return a.size() == b.size() && (inA == inB || (inA[0] == inB[0] && a == b));
+}
+
 /** Register-type number 0 to 17 of a name, compared exactly, or -1. */
 int getIndexFromRegName(const QString &name);
 
@@ -193,7 +204,7 @@ public:
     int lastFrameFailed;
     int frameIndex;              ///< the frame of frameList whose reply is decoded
     QList<FRAME_PRO> frameList;  ///< frames of the current item; the head is in flight
-    QMutex mutex;                ///< guards writeList; never held together with hostMutex
+    QMutex mutex;                ///< guards the removal and the counting of writes
     int rcpIndex;                ///< the recipe block being transferred
     QString propertyPage;
     int itemsInFrame;

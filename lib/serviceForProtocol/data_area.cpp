@@ -19,9 +19,9 @@ void restartIndex()
     index.cells.clear();
 }
 
-/** The value of a key, which is entered with `fresh` when it is new. */
+/** The value of a key, which is inserted with `fresh` when it is new. */
 template <typename Key>
-int valueOf(QHash<Key, int> &hash, const Key &key, int fresh)
+int findOrInsert(QHash<Key, int> &hash, const Key &key, int fresh)
 {
     const typename QHash<Key, int>::const_iterator found = hash.constFind(key);
     if (found != hash.constEnd())
@@ -33,13 +33,10 @@ int valueOf(QHash<Key, int> &hash, const Key &key, int fresh)
 }  // namespace
 
 AreaLookup::AreaLookup(int stationNo, const QString &areaName)
-    : m_stationNo(stationNo),
-      m_areaName(areaName),
-      m_nameText(m_areaName.constData()),
-      m_page(NoPage),
-      m_firstCell(0)
+    : m_stationNo(stationNo), m_areaName(areaName), m_page(NoPage), m_firstCell(0)
 {
-    coverList();
+    if (driver.areaIndex.covered != driver.dataAreaList.size())
+        rebuildIndex();  // somebody else filled or emptied the list
 }
 
 /** The cell of the index where the area belongs; its page is made when missing. */
@@ -47,21 +44,20 @@ int AreaLookup::cellFor(int stationNo, const QString &areaName, int unitAddr)
 {
     DataAreaIndex &index = driver.areaIndex;
     const int table =
-        valueOf(index.tables, qMakePair(stationNo, areaName), int(index.tables.size()));
+        findOrInsert(index.tables, qMakePair(stationNo, areaName), int(index.tables.size()));
     const int room = int(index.cells.size());
     const quint64 page = quint64(quint32(table)) << 32 | quint32(pageOf(unitAddr));
-    const int firstCell = valueOf(index.pages, page, room);
+    const int firstCell = findOrInsert(index.pages, page, room);
     if (firstCell == room)
         index.cells.resize(room + PageUnits);
     return firstCell + cellInPage(unitAddr);
 }
 
-/** Enters the areas that stand in the list but not yet in the index; the first of equals wins. */
-void AreaLookup::coverList()
+/** Enters all areas of the list; the first of equals wins. */
+void AreaLookup::rebuildIndex()
 {
+    restartIndex();
     DataAreaIndex &index = driver.areaIndex;
-    if (index.covered > driver.dataAreaList.size())
-        restartIndex();
     for (; index.covered < driver.dataAreaList.size(); ++index.covered) {
         const _DATA_ &area = driver.dataAreaList.at(index.covered);
         int &cell = index.cells[cellFor(area.stationNo, area.areaName, area.unitAddr)];
@@ -88,8 +84,7 @@ int AreaLookup::findOrAppend(int unitAddr)
     if ((found >= 0 && !isArea(driver.dataAreaList.at(found), unitAddr)) ||
         (found < 0 && !lastAreaIsIndexed())) {
         // Somebody else emptied the list and filled it again to the same length.
-        restartIndex();
-        coverList();
+        rebuildIndex();
         cell = cellFor(m_stationNo, m_areaName, unitAddr);
         found = index.cells.at(cell) - 1;
     }

@@ -8,7 +8,8 @@
 /**
  * Position in `list` of the data area with these keys; the first one when there are several. A
  * missing area is appended with values 0 and no marks. In driver.dataAreaList this is a
- * constant-time look-up, in any other list a search.
+ * constant-time look-up, in any other list a search. Whether somebody else filled or emptied
+ * driver.dataAreaList is told by its length and its last area.
  */
 int getIndexOfDataArea(int stationNo, const QString &areaName, int unitAddr, QList<_DATA_> &list);
 
@@ -53,18 +54,16 @@ private:
     static int cellInPage(int unitAddr) { return unitAddr & (PageUnits - 1); }
     bool isArea(const _DATA_ &area, int unitAddr) const
     {
-        // Areas share the texts of the register tables, so the pointers decide nearly always.
         return area.unitAddr == unitAddr && area.stationNo == m_stationNo &&
-               (area.areaName.constData() == m_nameText || area.areaName == m_areaName);
+               sameText(area.areaName, m_areaName);
     }
     int findOrAppend(int unitAddr);
-    static void coverList();
+    static void rebuildIndex();
     static bool lastAreaIsIndexed();
     static int cellFor(int stationNo, const QString &areaName, int unitAddr);
 
     int m_stationNo;
     QString m_areaName;
-    const QChar *m_nameText;
     int m_page;
     int m_firstCell;
 };
@@ -86,10 +85,6 @@ struct Unit
 
     /** False when the host has emptied the cache from inside a report: area() is gone then. */
     bool stands() const { return cacheNo == driver.cacheNo; }
-
-    /** Word.bit units: the value byte that holds the bit, and its mask there. */
-    int byteOfBit() const { return bit / 8; }
-    unsigned char bitMask() const { return static_cast<unsigned char>(1 << bit % 8); }
 };
 
 /**

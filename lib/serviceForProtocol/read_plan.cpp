@@ -14,7 +14,7 @@ struct LighterFirst
     bool operator()(int a, int b) const { return weights.at(a) < weights.at(b); }
 };
 
-/** How far a merged block may reach. */
+/** How far a block may reach when it is joined. */
 int blockLimit(const AddressSpan &block, int mode)
 {
     if (mode != RecipeMode)
@@ -44,20 +44,9 @@ QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test
     return blocks;
 }
 
-QVector<AddressSpan> inWeightOrder(const QVector<AddressSpan> &spans)
+quint32 weightOf(const AddressSpan &span)
 {
-    QVector<quint32> weights;
-    weights.reserve(spans.size());
-    for (int i = 0; i < spans.size(); ++i) {
-        const AddressSpan &span = spans.at(i);
-        weights.append(addressWeight(span.stationNo, span.regNumber, span.startAddr));
-    }
-    const QVector<int> order = orderByWeight(weights);
-    QVector<AddressSpan> sorted;
-    sorted.reserve(spans.size());
-    for (int i = 0; i < order.size(); ++i)
-        sorted.append(spans.at(order.at(i)));
-    return sorted;
+    return addressWeight(span.stationNo, span.regNumber, span.startAddr);
 }
 
 }  // namespace
@@ -80,7 +69,7 @@ void addrMerge(QVector<AddressSpan> &spans, int mode)
         if (driver.registerTypes.at(spans.at(i).regNumber).unitKind == WordBitUnit)
             spans[i] = wordSpan(spans.at(i));
     }
-    spans = mergePass(inWeightOrder(spans), StrictTest, mode);
+    spans = mergePass(inWeightOrder(spans, weightOf), StrictTest, mode);
     spans = mergePass(spans, GapTolerantTest, mode);
 }
 

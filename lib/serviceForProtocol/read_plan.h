@@ -18,19 +18,32 @@ AddressSpan wordSpan(const AddressSpan &bits);
  * MonitorMode: bit runs become words, spans are put in weight order, and those that overlap,
  * touch or lie at most propItem4 units apart are joined.
  * RecipeMode: spans keep their order and type; only those that overlap or touch are joined, and
- * never beyond what one frame carries. Appends to driver.rcpGroupStarts, for each block, the
- * position of its first span.
+ * not beyond what one frame carries. Appends to driver.rcpGroupStarts, for each block, the position
+ * of its first span.
  */
 void addrMerge(QVector<AddressSpan> &spans, int mode);
 
-/**
- * The positions of `weights` in ascending order; equal weights keep their order. Sorting positions
- * spares the records that belong to them being moved about.
- */
-QVector<int> orderByWeight(const QVector<quint32> &weights);
-
 /** How many units of a type one recipe block may span, so that it can be read and written. */
 int recipeUnitsPerFrame(UnitKind kind);
+
+/** The positions of `weights` in ascending order; equal weights keep their order. */
+QVector<int> orderByWeight(const QVector<quint32> &weights);
+
+/** The records in the order of weightOf(record), which is asked once for each. */
+template <typename Record, typename Weight>
+QVector<Record> inWeightOrder(const QVector<Record> &records, Weight weightOf)
+{
+    QVector<quint32> weights;
+    weights.reserve(records.size());
+    for (int i = 0; i < records.size(); ++i)
+        weights.append(weightOf(records.at(i)));
+    const QVector<int> order = orderByWeight(weights);
+    QVector<Record> sorted;
+    sorted.reserve(records.size());
+    for (int i = 0; i < order.size(); ++i)
+        sorted.append(records.at(order.at(i)));
+    return sorted;
+}
 
 /**
  * Cuts a run of `count` elements into pieces of maxLen (below 1 acts as 1), the last one taking

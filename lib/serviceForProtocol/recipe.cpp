@@ -12,23 +12,30 @@ unsigned char *bufferUnit(int n)
 }
 
 /**
- * Calls step(position, n) for each value of the block's entries, in order: its position counted
- * from the block's first address, and its unit in the recipe buffer. Ends when step returns false.
+ * Calls step(position, n) for each value of the entries that lies in the block, in order: its
+ * position counted from the block's first address, and its unit in the recipe buffer. Ends when
+ * step returns false.
  */
 template <typename Step>
 void forEachRecipeValue(int blockNumber, Step step)
 {
+    const _RCP_VAR_PRO block = driver.rcpBlocks.at(blockNumber);
     const int first = driver.rcpGroupStarts.at(blockNumber);
-    const int end = blockNumber + 1 < driver.rcpGroupStarts.size()
-                        ? driver.rcpGroupStarts.at(blockNumber + 1)
-                        : int(driver.rcpEntries.size());
-    const int base = driver.rcpBlocks.at(blockNumber).startAddr;
+    // The blocks of one long entry share it.
+    int end = int(driver.rcpEntries.size());
+    for (int next = blockNumber + 1; next < driver.rcpGroupStarts.size(); ++next) {
+        if (driver.rcpGroupStarts.at(next) != first) {
+            end = driver.rcpGroupStarts.at(next);
+            break;
+        }
+    }
     for (int e = first; e < end; ++e) {
-        const int offset = driver.rcpEntries.at(e).startAddr - base;
-        const int bufIndex = driver.rcpEntries.at(e).bufIndex;
-        const int count = driver.rcpEntries.at(e).count;
-        for (int j = 0; j < count; ++j) {
-            if (!step(offset + j, bufIndex + j))
+        const _RCP_VAR_PRO entry = driver.rcpEntries.at(e);
+        const qint64 offset = qint64(entry.startAddr) - block.startAddr;
+        const qint64 from = qMax(-offset, qint64(0));
+        const qint64 to = qMin(qint64(entry.count), block.count - offset);
+        for (qint64 j = from; j < to; ++j) {
+            if (!step(int(offset + j), int(entry.bufIndex + j)))
                 return;
         }
     }
@@ -36,8 +43,9 @@ void forEachRecipeValue(int blockNumber, Step step)
 
 }  // namespace
 
-void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &var, int withData)
+void rcpAddrToVar(int blockNumber, VARIABLE &var, int withData)
 {
+    const _RCP_VAR_PRO &block = driver.rcpBlocks.at(blockNumber);
     const RegisterType type = registerType(block.regName);
     AddressSpan span = {block.stationNo, type.number, block.startAddr, block.count, 0};
     if (!withData && type.unitKind == WordBitUnit)
@@ -53,7 +61,7 @@ void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &var, int withData)
         std::memcpy(var.valueBuf, bufferUnit(block.bufIndex), size_t(block.count) * 2);
         return;
     }
-    forEachRecipeValue(driver.rcpIndex, [&](int position, int n) {
+    forEachRecipeValue(blockNumber, [&](int position, int n) -> bool {
         var.valueBuf[position] = *bufferUnit(n) != 0;
         return true;
     });
@@ -65,7 +73,7 @@ void copyRecipeReply(const ReplyWords &words)
     const _RCP_VAR_PRO &block = driver.rcpBlocks.at(driver.rcpIndex);
     const bool isWords = registerType(block.regName).unitKind == WordUnit;
     const int firstBit = bitInWord(block.startAddr);
-    forEachRecipeValue(driver.rcpIndex, [&](int position, int n) {
+    forEachRecipeValue(driver.rcpIndex, [&](int position, int n) -> bool {
         const int value = isWords ? words.word[position] : words.bit(firstBit + position);
         unsigned char *unit = bufferUnit(n);
         unit[0] = static_cast<unsigned char>(value);

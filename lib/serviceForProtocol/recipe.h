@@ -5,11 +5,11 @@
 #include "../tolvane_link/tolvane_link.h"
 
 /**
- * Fills `var` from the block at driver.rcpIndex; its kind stays. withData not 0: a write item with
+ * Fills `var` from a block of driver.rcpBlocks; its kind stays. withData not 0: a write item with
  * the values from the recipe buffer (words from consecutive units, bits each from the unit of its
  * entry). Otherwise a read item; a run of "_bit" bits is read as the words that hold it.
  */
-void rcpAddrToVar(const _RCP_VAR_PRO &block, VARIABLE &var, int withData);
+void rcpAddrToVar(int blockNumber, VARIABLE &var, int withData);
 
 /**
  * Copies the values of a good reply to the block at driver.rcpIndex into the recipe buffer, entry

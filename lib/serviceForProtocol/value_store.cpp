@@ -28,15 +28,10 @@ void reportPoint(int stationNo, const QString &regName, int address)
 /** The word type whose data areas have this name, or null. */
 const RegisterType *wordTypeOfArea(const QString &areaName)
 {
-    const RegisterType *types = driver.registerTypes.constData();
     for (int number = 0; number < RegisterTypeCount; ++number) {
-        // Data areas share the text of their type, so the pointer is enough to look at first.
-        if (types[number].areaName.constData() == areaName.constData())
-            return &types[types[number].wordType];
-    }
-    for (int number = 0; number < RegisterTypeCount; ++number) {
-        if (types[number].areaName == areaName)
-            return &types[types[number].wordType];
+        const RegisterType &type = driver.registerTypes.at(number);
+        if (type.unitKind == WordUnit && sameText(type.areaName, areaName))
+            return &type;
     }
     return 0;
 }
@@ -113,11 +108,9 @@ void settleBitOfWord(const Unit &unit, bool acknowledged)
     area.writeBitMask &= area.writeBitMask & firstMark ? ~firstMark : ~secondMark;
     if (area.writeBitMask == 0)
         area.hasWriteValue = 0;
-    if (acknowledged) {
-        unsigned char &read = area.readValue[unit.byteOfBit()];
-        const unsigned char written = area.writeValue[unit.byteOfBit()];
-        read = static_cast<unsigned char>((read & ~unit.bitMask()) | (written & unit.bitMask()));
-    }
+    const bool written = wordOf(area.writeValue) >> unit.bit & 1;
+    if (acknowledged)
+        setWord(area.readValue, _setBitValue(wordOf(area.readValue), unit.bit, written));
     if (!area.hasWriteValue)
         _wordDataChange(0, 0, unit.index, 0);
 }
@@ -136,22 +129,19 @@ void settleBit(const Unit &unit, const QString &regName, bool acknowledged)
 
 void _wordDataChange(const int *oldValue, const int *newValue, int index, int skipBits)
 {
-    const _DATA_ &area = driver.dataAreaList.at(index);
-    const int changed = oldValue && newValue ? *oldValue ^ *newValue : 0xFFFF;
-    const quint32 bits = skipBits ? 0 : area.bitMonitorMask & quint32(changed);
-    const bool wordMonitored = area.monitorFlags & 1;
-    const RegisterType *type = bits || wordMonitored ? wordTypeOfArea(area.areaName) : 0;
-    if (!type)
-        return;
-    // No look at the data area from here on: the first report may empty the cache.
-    const int stationNo = area.stationNo;
-    const int unitAddr = area.unitAddr;
-    for (int bit = 0; bit < BitsPerWord && type->bitType >= 0; ++bit) {
-        if (bits >> bit & 1)
-            reportPoint(stationNo, REG_LIST[type->bitType], bitAddress(unitAddr, bit));
+    const int changed = skipBits ? 0 : oldValue && newValue ? *oldValue ^ *newValue : 0xFFFF;
+    const RegisterType *type = wordTypeOfArea(driver.dataAreaList.at(index).areaName);
+    const quint32 cacheNo = driver.cacheNo;
+    // Every report may empty the cache or change the marks, so both are looked at again.
+    for (int bit = 0; type && bit < BitsPerWord && cacheNo == driver.cacheNo; ++bit) {
+        const _DATA_ &area = driver.dataAreaList.at(index);
+        if (area.bitMonitorMask & quint32(changed) & quint32(1) << bit && type->bitType >= 0)
+            reportPoint(area.stationNo, REG_LIST[type->bitType], bitAddress(area.unitAddr, bit));
     }
-    if (wordMonitored)
-        reportPoint(stationNo, REG_LIST[type->number], unitAddr);
+    if (type && cacheNo == driver.cacheNo && driver.dataAreaList.at(index).monitorFlags & 1) {
+        const _DATA_ &area = driver.dataAreaList.at(index);
+        reportPoint(area.stationNo, REG_LIST[type->number], area.unitAddr);
+    }
 }
 
 void _bitDataChange(int index)
@@ -167,7 +157,7 @@ void write_saveDataToArea(int stationNo, const QString &regName, int startAddr, 
     int identicalWrites = -1;  // counted once, when a bit turns out to be outstanding already
     forEachUnit(stationNo, registerType(regName), startAddr, count, [&](const Unit &unit) {
         if (unit.kind == WordUnit)
-            return writeWord(unit, values + 2 * unit.i);
+            return writeWord(unit, values + 2 * qptrdiff(unit.i));
         if (unit.kind == BitUnit)
             return writeBit(unit, regName, values[unit.i]);
 

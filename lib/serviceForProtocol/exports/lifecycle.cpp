@@ -6,7 +6,7 @@
 namespace {
 
 /** The block limit in bits, kept within an int whatever the property text says. */
-int bitsOfWords(int words)
+int bitLimit(int words)
 {
     const qint64 bits = qint64(words) * 8;
     return int(qBound(qint64(-0x7FFFFFFF), bits, qint64(0x7FFFFFFF)));
@@ -45,7 +45,7 @@ int intf_initProperty(unsigned char *hostShared, void *hostContext, unsigned cha
     driver.sendState = Idle;
     driver.runCount = 0;
     driver.mergeWords = driver.propItem4;
-    driver.mergeBits = bitsOfWords(driver.propItem4);
+    driver.mergeBits = bitLimit(driver.propItem4);
     driver.handShakeRequest = 0;
     driver.retryCount = 0;
     driver.lastFrameFailed = 0;

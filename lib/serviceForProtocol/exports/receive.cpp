@@ -36,10 +36,11 @@ QString getErrorInfo(const QByteArray &reply)
     return QString::fromLatin1(text, length);
 }
 
-/** Settles the queued write that the frame in flight serves; may call the host. */
+/** Settles the queued write that the frame in flight serves, if it does; may call the host. */
 void settleWrite(int result)
 {
-    if (driver.sendState != QueuedWrite)
+    // A repeated write is settled already; what waits for the same range now is another one.
+    if (driver.sendState != QueuedWrite || !driver.itemIsQueueHead)
         return;
     const VARIABLE &item = driver.frameList.at(0).var;
     const QString regName = item.regName;

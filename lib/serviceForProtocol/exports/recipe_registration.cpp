@@ -4,32 +4,19 @@
 
 namespace {
 
-/** Appends an entry to `entries`, cut to what a frame carries, each piece with its buffer place. */
-void appendEntry(QVector<_RCP_VAR_PRO> &entries, const _RCP_VAR_PRO &entry, UnitKind kind)
+/** Beyond this many 16-bit units no recipe buffer can reach on a 32-bit machine. */
+enum { MaxBufferUnits = 0x3FFFFFFF };
+
+quint32 weightOf(const _RCP_VAR_PRO &entry)
 {
-    groupingKey(entry.count, recipeUnitsPerFrame(kind), [&](int offset, int length) {
-        _RCP_VAR_PRO piece = entry;
-        piece.startAddr = addrPlus(entry.startAddr, offset);
-        piece.bufIndex = addrPlus(entry.bufIndex, offset);
-        piece.count = length;
-        entries.append(piece);
-    });
+    return getRegAddressWeight(entry.stationNo, entry.regName, entry.startAddr);
 }
 
-QVector<_RCP_VAR_PRO> inWeightOrder(const QVector<_RCP_VAR_PRO> &entries)
+bool isKept(const _RCP_VAR_PRO &entry)
 {
-    QVector<quint32> weights;
-    weights.reserve(entries.size());
-    for (int i = 0; i < entries.size(); ++i) {
-        const _RCP_VAR_PRO &entry = entries.at(i);
-        weights.append(getRegAddressWeight(entry.stationNo, entry.regName, entry.startAddr));
-    }
-    const QVector<int> order = orderByWeight(weights);
-    QVector<_RCP_VAR_PRO> sorted;
-    sorted.reserve(entries.size());
-    for (int i = 0; i < order.size(); ++i)
-        sorted.append(entries.at(order.at(i)));
-    return sorted;
+    return entry.ownerKey == driver.propItem0 && getIndexFromRegName(entry.regName) >= 0 &&
+           entry.count >= 1 && entry.bufIndex >= 0 &&
+           qint64(entry.bufIndex) + entry.count <= MaxBufferUnits;
 }
 
 }  // namespace
@@ -37,22 +24,16 @@ QVector<_RCP_VAR_PRO> inWeightOrder(const QVector<_RCP_VAR_PRO> &entries)
 int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
 {
     ++driver.rcpRegistration;
-    int kept = 0;
-    QVector<_RCP_VAR_PRO> pieces;
+    driver.rcpEntries.clear();
     for (int i = 0; i < entries.size(); ++i) {
-        const _RCP_VAR_PRO &entry = entries.at(i);
-        const RegisterType type = registerType(entry.regName);
-        if (entry.ownerKey != driver.propItem0 || !type.isKnown() || entry.count < 1 ||
-            entry.bufIndex < 0)
-            continue;
-        appendEntry(pieces, entry, type.unitKind);
-        ++kept;
+        if (isKept(entries.at(i)))
+            driver.rcpEntries.append(entries.at(i));
     }
-    driver.rcpEntries = inWeightOrder(pieces);
-    driver.rcpRefused = kept == 0;
+    driver.rcpRefused = driver.rcpEntries.isEmpty();
     if (driver.rcpRefused)
         return 0;
 
+    driver.rcpEntries = inWeightOrder(driver.rcpEntries, weightOf);
     QVector<AddressSpan> spans;
     spans.reserve(driver.rcpEntries.size());
     for (int i = 0; i < driver.rcpEntries.size(); ++i) {
@@ -62,17 +43,25 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
         spans.append(span);
     }
     driver.rcpGroupStarts.clear();
-    driver.rcpBlocks.clear();
     addrMerge(spans, RecipeMode);
+
+    // An entry longer than a frame becomes several blocks, which share it.
+    const QList<int> mergedStarts = driver.rcpGroupStarts;
+    driver.rcpGroupStarts.clear();
+    driver.rcpBlocks.clear();
     for (int i = 0; i < spans.size(); ++i) {
         const AddressSpan &span = spans.at(i);
-        _RCP_VAR_PRO block;
-        block.stationNo = span.stationNo;
-        block.regName = REG_LIST[span.regNumber];
-        block.startAddr = span.startAddr;
-        block.count = span.count;
-        block.bufIndex = span.bufIndex;
-        driver.rcpBlocks.append(block);
+        const RegisterType &type = driver.registerTypes.at(span.regNumber);
+        groupingKey(span.count, recipeUnitsPerFrame(type.unitKind), [&](int offset, int length) {
+            _RCP_VAR_PRO block;
+            block.stationNo = span.stationNo;
+            block.regName = REG_LIST[span.regNumber];
+            block.startAddr = addrPlus(span.startAddr, offset);
+            block.count = length;
+            block.bufIndex = addrPlus(span.bufIndex, offset);
+            driver.rcpBlocks.append(block);
+            driver.rcpGroupStarts.append(mergedStarts.at(i));
+        });
     }
-    return kept;
+    return int(driver.rcpEntries.size());
 }

@@ -27,6 +27,7 @@ SendState requestedTransfer()
     return driver.hostShared[RecipeReadRequest] == 1 ? RecipeRead : Idle;
 }
 
+/** Takes both requests back: there is no recipe, or no buffer, that could be transferred. */
 void refuseTransfers()
 {
     driver.rcpIndex = 0;
@@ -45,7 +46,7 @@ void takeRecipeBlock(SendState transfer)
     }
     driver.itemIsQueueHead = false;
     if (driver.rcpIndex < driver.rcpBlocks.size()) {
-        rcpAddrToVar(driver.rcpBlocks.at(driver.rcpIndex), driver.curVar, transfer == RecipeWrite);
+        rcpAddrToVar(driver.rcpIndex, driver.curVar, transfer == RecipeWrite);
         driver.sendState = transfer;
     }
 }

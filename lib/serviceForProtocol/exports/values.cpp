@@ -32,12 +32,12 @@ int intf_getData(int stationNo, QString regName, int startAddr, int count, unsig
     if (!out)
         return 1;
     forEachUnit(stationNo, registerType(regName), startAddr, count, [out](const Unit &unit) {
-        const unsigned char *value = unit.area().currentValue();
+        const unsigned char *value = unit.constArea().currentValue();
         if (unit.kind == WordUnit) {
             out[2 * qptrdiff(unit.i)] = value[0];
             out[2 * qptrdiff(unit.i) + 1] = value[1];
         } else if (unit.kind == WordBitUnit) {
-            out[unit.i] = (value[unit.byteOfBit()] & unit.bitMask()) != 0;
+            out[unit.i] = uchar2int16(value[0], value[1]) >> unit.bit & 1;
         } else {
             out[unit.i] = value[0];
         }
