@@ -56,7 +56,10 @@ void addConnectionOptions(QCommandLineParser &parser)
     add("tcp", "The serial device server that leads to the controller.", "host:port");
     add("simulate", "Start a simulated controller (the default when no line is named).");
     add("serial", "Settings of the serial line (default: the driver's own).", "115200,8,NONE,1");
-    add("baud", "Pace of the simulated controller, 0 for none (default: the line's).", "rate");
+    add("baud",
+        "Pace of a simulated controller, 0 for none (default: the line's with --simulate, none on "
+        "a pseudo-terminal).",
+        "rate");
     add("station", "Number of the controller in the driver's books.", "number", "1");
     add("retries", "Times that a request is sent before it is given up.", "number", "3");
     add("block-limit", "Words that one request may span, 1 to 127.", "words", "64");
@@ -95,8 +98,10 @@ Connection::Connection(const QCommandLineParser &parser)
     m_serial =
         SerialSettings::parse(parser.isSet(serial) ? parser.value(serial) : m_identity.serialLine);
     const QString baud = optionName("baud");
-    m_simulatedBaud =
-        parser.isSet(baud) ? numberOption(parser, baud, 0, HighestBaud) : m_serial.baudRate;
+    if (parser.isSet(baud))
+        m_simulatedBaud = numberOption(parser, baud, 0, HighestBaud);
+    else if (m_device.isEmpty())
+        m_simulatedBaud = m_serial.baudRate;
     m_stationNo = numberOption(parser, optionName("station"), 0, HighestStation);
     m_loopSettings.replyTimeout =
         milliseconds(numberOption(parser, optionName("timeout"), 1, LongestTimeoutMs));
@@ -138,13 +143,11 @@ void Connection::makeLine()
             findController(),
             QStringList{QStringLiteral("--baud"), QString::number(m_simulatedBaud)});
         m_device = m_controller->device();
-        m_loopSettings.paced = m_simulatedBaud > 0;
-        if (m_loopSettings.paced)
-            m_serial.baudRate = m_simulatedBaud;
         say(QStringLiteral("talking to a simulated controller, %1").arg(m_device));
-    } else {
-        m_loopSettings.paced = !isPseudoTerminal(m_device);
     }
+    m_loopSettings.paced = m_simulatedBaud > 0 || !isPseudoTerminal(m_device);
+    if (m_simulatedBaud > 0)
+        m_serial.baudRate = m_simulatedBaud;
     m_place = m_device;
     m_line = std::make_unique<SerialLine>(m_device, m_serial);
 }

@@ -74,7 +74,7 @@ private:
     QString m_device;  // one of these two, or neither: simulated
     QString m_server;
     SerialSettings m_serial;
-    int m_simulatedBaud = 0;
+    int m_simulatedBaud = 0;  // 0: answers at once, or is no simulation
     LoopSettings m_loopSettings;
 
     std::unique_ptr<Trace> m_trace;  // null without --trace

@@ -141,8 +141,10 @@ bool SerialLine::wait(milliseconds timeout)
 
 void SerialLine::lose()
 {
-    m_errorText = m_port.error() == QSerialPort::NoError ? QStringLiteral("the device has gone")
-                                                         : m_port.errorString();
+    // Of a device that was pulled out the system often says nothing that Qt knows a name for.
+    const bool unnamed =
+        m_port.error() == QSerialPort::NoError || m_port.error() == QSerialPort::UnknownError;
+    m_errorText = unnamed ? QStringLiteral("the device has gone") : m_port.errorString();
     m_port.close();
 }
 

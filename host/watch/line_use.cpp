@@ -3,6 +3,12 @@
 
 namespace host {
 
+namespace {
+
+constexpr double FasterThanItsSettings = 1.05;
+
+}  // namespace
+
 LineUse::LineUse(const LoopCounters &now, const LoopCounters &earlier, double elapsed,
                  const Line &line)
     : counters(now - earlier), seconds(elapsed)
@@ -14,6 +20,14 @@ LineUse::LineUse(const LoopCounters &now, const LoopCounters &earlier, double el
     share = seconds > 0 ? bytes * travel.count() / Many / seconds : 0;
 }
 
+QString LineUse::shareText() const
+{
+    // A pseudo-terminal without a pace, or a network, can carry more than the settings say.
+    return share > FasterThanItsSettings
+               ? QStringLiteral("the line is faster than its settings: no share of its capacity")
+               : QStringLiteral("%1 % of the line's capacity used").arg(100 * share, 0, 'f', 1);
+}
+
 QString LineUse::text() const
 {
     return QStringLiteral("%1 exchanges in %2 s (%3/s), %4 words, %5 retries, %6 errors")
@@ -23,7 +37,7 @@ QString LineUse::text() const
                .arg(counters.wordsRead)
                .arg(counters.retries)
                .arg(counters.errors) +
-           QStringLiteral("\n%1 % of the line's capacity used\n").arg(100 * share, 0, 'f', 1);
+           QLatin1Char('\n') + shareText() + QLatin1Char('\n');
 }
 
 }  // namespace host

@@ -18,6 +18,9 @@ struct LineUse
 
     double exchangesPerSecond() const { return seconds > 0 ? counters.exchanges / seconds : 0; }
 
+    /** "97.6 % of the line's capacity used", or that the line is none of its settings' speed. */
+    QString shareText() const;
+
     /** "218 exchanges in 5.0 s (43.6/s), ..., 97.6 % of the line's capacity": the closing counts.
      */
     QString text() const;

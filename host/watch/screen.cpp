@@ -119,11 +119,11 @@ void Screen::draw(const QVector<WatchedValue> &values, const LoopCounters &count
     if (values.size() > shown)
         line(drawing, QStringLiteral("... and %1 more").arg(values.size() - shown), size.ws_col);
     line(drawing,
-         QStringLiteral("%1 exchanges/s   %2 retries   %3 errors   %4 % of the line used")
+         QStringLiteral("%1 exchanges/s   %2 retries   %3 errors   %4")
              .arg(lately.exchangesPerSecond(), 0, 'f', 1)
              .arg(counters.retries)
              .arg(counters.errors)
-             .arg(100 * lately.share, 0, 'f', 1),
+             .arg(lately.shareText()),
          size.ws_col);
     put(drawing + "\x1b[J");
 }
