@@ -1,0 +1,276 @@
+// The bench: loading the driver, handing it what it is given, watching what comes back.
+#include "bench.h"
+
+#include <QtTest>
+
+namespace {
+
+Bench *current = nullptr;
+
+template <typename Function>
+void find(QLibrary &library, const char *name, Function *function)
+{
+    *function = reinterpret_cast<Function>(library.resolve(name));
+    if (!*function)
+        qFatal("%s: %s", name, qPrintable(library.errorString()));
+}
+
+KEY_ADDRESS key(const Range &range)
+{
+    KEY_ADDRESS key;
+    key.stationNo = range.station;
+    key.regName = range.name;
+    key.startAddr = range.start;
+    key.bitMark = isBitType(range.name) ? -1 : 0;
+    key.count = range.count;
+    return key;
+}
+
+char deviceOf(const QString &registerType)
+{
+    return plc::Memory::letter(registerType.section('_', 0, 0).toLatin1());
+}
+
+}  // namespace
+
+Driver::Driver() : library_(TOLVANE_LIBRARY)
+{
+    find(library_, "intf_getProtocolType", &getProtocolType);
+    find(library_, "intf_checkAddrValidity", &checkAddrValidity);
+    find(library_, "intf_checkAddr", &checkAddr);
+    find(library_, "intf_setAddrValueChangeCallBack", &setAddrValueChangeCallBack);
+    find(library_, "intf_initProperty", &initProperty);
+    find(library_, "intf_addrMerge", &addrMerge);
+    find(library_, "intf_addConditionRead", &addConditionRead);
+    find(library_, "intf_setRcpAddress", &setRcpAddress);
+    find(library_, "intf_getData", &getData);
+    find(library_, "intf_setData", &setData);
+    find(library_, "intf_getSendFrame", &getSendFrame);
+    find(library_, "intf_dealRcvFrame", &dealRcvFrame);
+}
+
+Driver::~Driver()
+{
+    if (!library_.unload())
+        qFatal("the driver stays loaded: %s", qPrintable(library_.errorString()));
+}
+
+bool isBitType(const QString &name)
+{
+    return !name.endsWith("_W");
+}
+
+QByteArray valuesIn(const plc::Memory &memory, const Range &range)
+{
+    const char device = deviceOf(range.name);
+    QByteArray values;
+    for (int number = range.start; number < range.start + range.count; ++number) {
+        if (isBitType(range.name)) {
+            values += char(memory.word(device, number / 16) >> number % 16 & 1);
+        } else {
+            values += char(memory.word(device, number) & 0xFF);
+            values += char(memory.word(device, number) >> 8);
+        }
+    }
+    return values;
+}
+
+void putValues(plc::Memory *memory, const Range &range, const QByteArray &values)
+{
+    const char device = deviceOf(range.name);
+    const auto byte = [&values](int i) { return static_cast<unsigned char>(values[i]); };
+    for (int i = 0; i < range.count; ++i) {
+        const int number = range.start + i;
+        if (isBitType(range.name)) {
+            const unsigned others = memory->word(device, number / 16) & ~(1u << number % 16);
+            memory->setWord(device, number / 16,
+                            quint16(others | unsigned(byte(i)) << number % 16));
+        } else {
+            memory->setWord(device, number, quint16(byte(2 * i) | byte(2 * i + 1) << 8));
+        }
+    }
+}
+
+QByteArray asUnits(const Range &range, const QByteArray &values)
+{
+    if (!isBitType(range.name))
+        return values;
+    QByteArray units;
+    for (char bit : values) {
+        units += bit;
+        units += '\0';
+    }
+    return units;
+}
+
+QByteArray wrapped(char open, const QByteArray &body, char close)
+{
+    unsigned sum = 0;
+    for (char c : body)
+        sum += static_cast<unsigned char>(c);
+    const QByteArray checksum = QByteArray(1, char(sum & 0xFF)).toHex().toUpper();
+    return open + body + checksum + close;
+}
+
+Bench::Bench()
+{
+    current = this;
+    driver.setAddrValueChangeCallBack(callBack);
+    controller.setObserver([this](const plc::Request &request, plc::Verdict verdict,
+                                  const QByteArray &) {
+        asked_ = QString::fromLatin1(request.command + plc::Memory::name(request.device) +
+                                     QByteArray::number(request.word));
+        if (request.words > 1)
+            asked_ += QString("x%1").arg(request.words);
+        if (verdict != plc::Verdict::Served)
+            flaws
+                << QString("%1 refused: %2").arg(asked_, QLatin1String(plc::verdictName(verdict)));
+    });
+}
+
+Bench::~Bench()
+{
+    current = nullptr;
+}
+
+void Bench::callBack(int first, int stationNo, const QString &text, int address)
+{
+    Bench &bench = *current;
+    if (bench.mutex.tryLock())
+        bench.mutex.unlock();
+    else
+        bench.flaws << "callback while the panel's mutex is held";
+
+    QString call = QString("%1 %2 %3 %4")
+                       .arg(QString::number(first), QString::number(stationNo), text,
+                            QString::number(address));
+    call.replace(QRegularExpression("^7 1 "), QString());
+    call.replace(QRegularExpression("^0 -1 RWI"), "RWI");
+    call.replace(QRegularExpression("^-1 -1 -1 "), "done ");
+    bench.calls << call;
+    if (bench.reaction)
+        bench.reaction(call);
+}
+
+bool Bench::init(const QByteArray &propertyText)
+{
+    int result = -1;
+    const int returned = driver.initProperty(shared.get(), this, buffer.get(), &result,
+                                             propertyText.constData(), &mutex);
+    return returned == 1 && result == 0;
+}
+
+int Bench::monitor(const QVector<Range> &keys)
+{
+    QList<KEY_ADDRESS> list;
+    for (const Range &range : keys)
+        list << key(range);
+    return driver.addrMerge(list);
+}
+
+void Bench::condition(const Range &range)
+{
+    if (driver.addConditionRead(key(range), range.kind) != 1)
+        flaws << "condition read not taken";
+}
+
+int Bench::recipe(const QVector<Range> &entries)
+{
+    QVector<_RCP_VAR_PRO> list;
+    for (const Range &range : entries) {
+        _RCP_VAR_PRO entry;
+        entry.ownerKey = range.owner;
+        entry.stationNo = range.station;
+        entry.regName = range.name;
+        entry.startAddr = range.start;
+        entry.count = range.count;
+        entry.bufIndex = range.unit;
+        list << entry;
+    }
+    return driver.setRcpAddress(list);
+}
+
+void Bench::write(const Range &range, const QByteArray &values)
+{
+    // A copy of exactly that size, so that a read beyond it can be noticed.
+    const std::unique_ptr<unsigned char[]> exact(new unsigned char[size_t(values.size())]);
+    memcpy(exact.get(), values.constData(), size_t(values.size()));
+    if (driver.setData(range.station, range.name, range.start, range.count, exact.get(),
+                       range.kind) != 1)
+        flaws << "write not taken";
+}
+
+QByteArray Bench::get(const Range &range)
+{
+    const int bytes = qMax(0, range.count) * (isBitType(range.name) ? 1 : 2);
+    QByteArray out(bytes + 1, '\xEE');
+    driver.getData(range.station, range.name, range.start, range.count,
+                   reinterpret_cast<unsigned char *>(out.data()));
+    if (!out.endsWith('\xEE'))
+        flaws << "values written beyond the buffer";
+    return out.left(bytes);
+}
+
+bool Bench::send()
+{
+    FRAME_PRO offered;
+    offered.sendLen = -1;
+    const int result = driver.getSendFrame(&offered);
+    if (result == 1) {
+        frame = offered;
+        checkFrame();
+    } else if (result != 0 || offered.sendLen != -1) {
+        flaws << "nothing to send, but the record was touched";
+    }
+    return result == 1;
+}
+
+void Bench::checkFrame()
+{
+    const QByteArray bytes = request();
+    const char command = bytes.size() < 14 ? '?' : bytes.at(1);
+    const bool reads = command == 'r';
+    const int words = reads || command == 'w' ? bytes.mid(9, 2).toInt(nullptr, 16) / 2 : 0;
+    const int sendLen = reads ? 14 : command == 'w' ? 14 + 4 * words : 16;
+    if (bytes != wrapped(STX, bytes.mid(1, bytes.size() - 4), ETX) || frame.sendLen != sendLen ||
+        words > 127 || frame.replyLen != (reads ? 4 * words + 5 : 5) ||
+        frame.dataStart != (reads ? 2 : 0) || frame.readCount != (reads ? words : 0))
+        flaws << "frame not in order: " + QString::fromLatin1(bytes.toHex());
+}
+
+QByteArray Bench::request() const
+{
+    return QByteArray(reinterpret_cast<const char *>(frame.frame), qBound(0, frame.sendLen, 1024));
+}
+
+QByteArray Bench::answer()
+{
+    return controller.receive(request());
+}
+
+int Bench::reply(const QByteArray &bytes)
+{
+    return driver.dealRcvFrame(bytes, &errorText);
+}
+
+QString Bench::exchange()
+{
+    if (!send())
+        return "-";
+    if (reply(answer()) != 1)
+        flaws << asked_ + ": reply not accepted";
+    return asked_;
+}
+
+void Bench::drain()
+{
+    const QString nothing = "-";
+    QString before;
+    for (int i = 0; i < 3000; ++i) {
+        const QString now = exchange();
+        if (now == nothing && before == nothing)
+            return;
+        before = now;
+    }
+    flaws << "the queues do not run empty";
+}

@@ -1,0 +1,172 @@
+// Ranges longer than a frame, settings and arguments that make no sense.
+#include "tst_exchange.h"
+
+void Exchange::bounds_data()
+{
+    scripts();
+    row("nothing is asked for with a count below 1", R"(
+        monitor D_W 0 x0, D_W 5 x-3, M_bit 3 x0, M_bit 5 x-16, TX 5 x-1 : 0
+        condition D_W 0 x0; condition M_bit 5 x-40; condition TX 0 x-2147483648
+        write D_W 0 x0 = 0100; write M_bit 0 x-5 = 01; write TX 0 x-1 = 01
+        get D_W 0 x-1 :; serve 3 : - - -)");
+    row("a key without length does not hide others", R"(
+        monitor D_W 5 x-3, D_W 4 : 1; serve 1 : rD4)");
+    row("unknown types are cached but never sent", R"(
+        monitor XX 5, D_bit 3, Q_W 3, d_W 1, X_Y_bit 3 : 0; condition XX 5; condition D_bit 5
+        write D_bit 5 = 01; write XX 5 = 01 => XX 5
+        get XX 5 x2 : 01 00; get D_bit 5 : EE; serve 3 : - - -)");
+    row("an unknown type among others is passed over", R"(
+        monitor D_W 7, XX 5, D_W 8 : 1; serve 1 : rD7x2)");
+    row("a property text of 4 parts changes nothing", R"(
+        init 9#1#0#1; monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0
+        send : *; fail => D_W 0)");
+    row("an empty property text changes nothing", "init; monitor D_W 0 x2, D_W 5 : 1");
+    row("more parts than needed", R"(
+        init 7#0#0#1#64#0#99; monitor D_W 0, D_W 50 : 1; send : *; reply none : 2)");
+    row("parts that are no numbers count as 0", R"(
+        init #x#0#1e3#99999999999; monitor D_W 5, D_W 6 : 2
+        send : *; reply data 0100 => 0 1 D_W 5; send : *; reply none : 2)");
+    row("no tries mean one", R"(
+        init 7#0#0#-3#64; monitor D_W 5 : 1; send : *; reply none : 2)");
+    row("report number and station travel with a report", R"(
+        init -5#0#0#3#64; monitor 9#D_W 5 : 1; send : *; reply data 0100 => -5 9 D_W 5)");
+    row("the ends of the number range", R"(
+        monitor D_W 2147483647 x2, D_W -2147483648, 2147483647#M_bit 2147483640 x20 : *
+        write D_W 2147483647 = 0100 0200 => *; write M_bit 2147483647 = 01 01 => *
+        condition D_W 2147483640 x40000; condition TX 2147483640 x100
+        get D_W 2147483647 x2 : *
+        recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");
+    row("a new start empties queues, cache and the frame in flight", R"(
+        monitor D_W 5 : 1; send : *; reply data 0100 => D_W 5
+        flood write 3; flood condition 3; send : *; init 7#0#0#3#64
+        reply ok : 0; get D_W 5 : 0000; serve 2 : - -)");
+}
+
+void Exchange::longRanges_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("start");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("limit");
+    const auto limits = [](const char *name, int start, int count, std::initializer_list<int> all) {
+        for (const int limit : all)
+            QTest::addRow("%s %d x%d, block limit %d", name, start, count, limit)
+                << QString::fromLatin1(name) << start << count << limit;
+    };
+    const int highest = 2147483647;
+    limits("D_W", 3, 300, {8, 64, 127, 200, highest});
+    limits("D_W", 0, 700, {64, 1000});
+    limits("M_bit", 1604, 2000, {8, 64, 200, 268435456, highest});
+    limits("K_bit", 15, 2040, {127, 254, 255});
+    limits("TX", 5, 1500, {8, 200, highest});
+    for (const char *name : {"D_W", "M_bit", "TX"})
+        limits(name, 3, 400, {1, 0, -1, -highest - 1});
+}
+
+/** Every way of moving a range moves all of it and nothing else. */
+void Exchange::longRanges()
+{
+    QFETCH(QString, name);
+    QFETCH(int, start);
+    QFETCH(int, count);
+    QFETCH(int, limit);
+    Range range;
+    range.name = name;
+    range.start = start;
+    range.count = count;
+    range.unit = 1;
+    const int width = isBitType(name) ? 1 : 2;
+    QByteArray values;
+    for (int i = 0; i < count * width; ++i)
+        values += char(isBitType(name) ? i * i / 3 & 1 : i * 7 + i / 251);
+
+    Range around = range;  // with neighbours on either side
+    around.start -= qMin(start, 2);
+    around.count += start - around.start + 2;
+    const QByteArray ones(around.count * width, '\1');
+    QByteArray valuesAround = ones;
+    valuesAround.replace((start - around.start) * width, count * width, values);
+    const QByteArray blank(2 * Bench::RecipeUnits, '\xEE');
+    QByteArray filled = blank;
+    filled.replace(2 * range.unit, 2 * count, asUnits(range, values));
+
+    Bench bench;
+    const auto begin = [&](const QByteArray &held, const QByteArray &buffer) {
+        putValues(&bench.memory, around, held);
+        memcpy(bench.buffer.get(), buffer.constData(), size_t(buffer.size()));
+        return bench.init("7#0#0#3#" + QByteArray::number(limit));
+    };
+
+    QVERIFY(begin(ones, blank));
+    bench.write(range, values);
+    QCOMPARE(bench.get(range), values);
+    bench.drain();
+    QCOMPARE(bench.held(around), valuesAround);
+
+    QVERIFY(begin(valuesAround, blank));
+    bench.calls.clear();
+    bench.condition(range);
+    bench.drain();
+    QCOMPARE(bench.get(range), values);
+    QCOMPARE(bench.calls, QStringList("done 0"));
+
+    QVERIFY(begin(valuesAround, blank));
+    QStringList cycle;
+    const int requests = bench.monitor({range});
+    for (int i = 0; i < 2 * requests; ++i)
+        cycle << bench.exchange();
+    QCOMPARE(cycle.mid(0, requests), cycle.mid(requests));
+    QCOMPARE(bench.get(range), values);
+    bench.monitor({});
+
+    QVERIFY(begin(valuesAround, blank));
+    QCOMPARE(bench.recipe({range}), 1);
+    bench.shared[RecipeReadRequest] = 1;
+    bench.drain();
+    QCOMPARE(QByteArray(reinterpret_cast<char *>(bench.buffer.get()), blank.size()), filled);
+
+    QVERIFY(begin(ones, filled));
+    bench.shared[RecipeWriteRequest] = 1;
+    bench.drain();
+    QCOMPARE(bench.held(around), valuesAround);
+    QCOMPARE(bench.flaws, QStringList());
+}
+
+void Exchange::nullPointers()
+{
+    Bench bench;
+    const Driver &driver = bench.driver;
+    // Before any start: nothing to send or to receive, values still show.
+    QVERIFY(!bench.send());
+    QCOMPARE(bench.reply("x"), 0);
+    QCOMPARE(play(bench, "write D_W 5 = 0100; get D_W 5 : 0100"), QString());
+
+    QCOMPARE(driver.initProperty(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 1);
+    QCOMPARE(driver.initProperty(nullptr, nullptr, nullptr, nullptr, "0#0#0#3#64", nullptr), 1);
+    QCOMPARE(play(bench, "recipe D_W 5 owner 0 : 1; flood write 2; serve 3 : wD0 wD1 -"),
+             QString());
+    int result = -1;
+    unsigned char *const shared = bench.shared.get();
+    QCOMPARE(driver.initProperty(shared, nullptr, nullptr, &result, nullptr, nullptr), 1);
+    QCOMPARE(play(bench, "request both; flood write 2; serve 3 : wD0 wD1 -; request none"),
+             QString());
+
+    QVERIFY(bench.init("7#0#0#3#64"));
+    QCOMPARE(driver.setData(1, "D_W", 5, 2, nullptr, 0), 1);
+    QCOMPARE(driver.getData(1, "D_W", 5, 2, nullptr), 1);
+    QCOMPARE(driver.getSendFrame(nullptr), 0);
+    QCOMPARE(bench.monitor({Range{"D_W", 5}}), 1);
+    driver.getSendFrame(nullptr);
+    QVERIFY(bench.send());
+    QCOMPARE(driver.dealRcvFrame(bench.answer(), nullptr), 1);
+    driver.getProtocolType(nullptr);
+    QCOMPARE(driver.checkAddrValidity("D_W", "5", nullptr, 1, 1), 0);
+    QCOMPARE(driver.checkAddr("D_W", "5", nullptr, 0, 1, 0), 0);
+
+    driver.setAddrValueChangeCallBack(nullptr);
+    QCOMPARE(play(bench,
+                  "plc D 5 = 0100 0200; serve 1 : rD5; write D_W 5 = 0900; write TX 5 = 01;"
+                  "condition D_W 9; recipe D_W 5 @3, D_W 6 @4 : 2; request read;"
+                  "serve 4 : rD5x2 wD5 oTX0 rD9; buffer 3 x2 : 0100 0200"),
+             QString());
+}

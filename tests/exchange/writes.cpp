@@ -1,0 +1,102 @@
+// Writing: frames, the queue, what shows while a write is under way and after it ended.
+#include "tst_exchange.h"
+
+void Exchange::writes_data()
+{
+    scripts();
+    row("words, low byte first", R"(
+        write D_W 100 kind 5 = 1234 ABCD; send : wa C800 00 04 1234ABCD; item : 5 1 D_W 100 x2
+        reply ok; get D_W 100 x2 : 1234 ABCD)");
+    row("set and clear a bit", R"(
+        write M_bit 163 = 01; send : oi 1400 00 0800; reply ok
+        write M_bit 163 = 00; send : ni 1400 00 F7FF; reply ok)");
+    row("a contact", "write TX 35 = 01 => TX 35; send : ol 0400 00 0800; reply ok");
+    row("only 1 shows as a set bit, yet any value but 0 sets it", R"(
+        write M_bit 163 = 02; get M_bit 163 : 00; send : oi 1400 00 0800)");
+    row("several bits: read, merge, write", R"(
+        monitor M_W 5 x2 : 1; write M_bit 94 kind 6 = 01 00 01 => M_W 5, M_W 6
+        send : ri 0A00 00 04; item : 6 1 M_bit 94 x3; reply data 0180 F000
+        send : wi 0A00 00 04 0140 F100; item : 6 1 M_bit 94 x3; reply ok => M_W 5, M_W 6
+        get M_bit 94 x3 : 01 00 01)");
+    row("several contacts", R"(
+        write TX 30 = 01 00 01 => TX 30, TX 32
+        send : rl 0200 00 04; reply data 0180 F000
+        send : wl 0200 00 04 0140 F100; reply ok; get TX 30 x3 : 01 00 01)");
+    row("as many words as the bits reach", R"(
+        write M_bit 0 = 01010101; serve 2 : rM0 wM0
+        write M_bit 0 = 0101010101010101010101010101010101; serve 2 : rM0x2 wM0x2
+        plc M 0 x2 : FFFF 0100)");
+    row("several bits given up while still reading", R"(
+        monitor M_bit 95 : 1; write M_bit 94 = 01 01 => M_bit 95
+        send : ri 0A00 00 02; fail => M_bit 95; get M_bit 94 x2 : 00 00; serve 1 : rM5)");
+    row("several bits: a new count of tries for the second frame", R"(
+        write M_bit 94 = 01 01
+        send : ri 0A00 00 02; reply none : 8; reply none : 8; reply data 0000
+        send : wi 0A00 00 02 00C0; reply none : 8; reply none : 8
+        send : wi 0A00 00 02 00C0; reply ok; send : -)");
+    row("a failed write of words is withdrawn and reported, changed or not", R"(
+        monitor D_W 10, D_W 11 : 1; send : *; reply data 3412 0000 => D_W 10
+        write D_W 10 = 7856 0000 => D_W 10; get D_W 10 : 7856
+        send : wa 1400 00 04 7856 0000; fail => D_W 10, D_W 11
+        error : 1#D_W10(2)(0); get D_W 10 : 3412)");
+    row("a failed write of a contact is reported though nobody monitors it", R"(
+        write TX 5 = 01 => TX 5; send : *; fail => TX 5; get TX 5 : 00)");
+    row("an acknowledged write is kept without a report", R"(
+        monitor D_W 10 : 1; write D_W 10 = 7856 => D_W 10
+        serve 1 : wD10; get D_W 10 : 7856; serve 1 : rD10)");
+    row("a write goes on showing when a read brings nothing new", R"(
+        monitor D_W 10 : 1; send : ra 1400 00 02; write D_W 10 = 7856 => D_W 10
+        reply data 0000; get D_W 10 : 7856)");
+    row("a write is hidden by a new value from the controller until it is acknowledged", R"(
+        monitor D_W 10 : 1; send : ra 1400 00 02; write D_W 10 = 7856 => D_W 10
+        reply data 3412 => D_W 10; get D_W 10 : 3412
+        send : wa 1400 00 02 7856; reply ok; get D_W 10 : 7856)");
+    row("two writes of one bit under way", R"(
+        monitor M_bit 1609 : 1; write M_bit 1609 = 01 => M_bit 1609; send : oi C800 00 0002
+        write M_bit 1609 = 00 => M_bit 1609; reply ok; get M_bit 1609 : 00
+        send : ni C800 00 FFFD; reply ok => M_bit 1609; get M_bit 1609 : 00)");
+    row("two writes of one bit, the second fails", R"(
+        monitor M_bit 1609, M_bit 1610 : 1; write M_bit 1609 = 01 => M_bit 1609
+        send : oi C800 00 0002; write M_bit 1609 = 01; reply ok
+        send : oi C800 00 0002; fail => M_bit 1609, M_bit 1610; get M_bit 1609 : 01)");
+    row("bits of one word: nothing is reported until the last is settled", R"(
+        monitor M_bit 1600 x2 : 1
+        write M_bit 1600 = 01 => M_bit 1600; write M_bit 1601 = 01 => M_bit 1601
+        serve 1 : oM100; get M_bit 1600 x2 : 01 01
+        serve 1 : oM100 => M_bit 1600, M_bit 1601; plc M 100 : 0300)");
+    row("a changed word stays hidden while bits of it are being written", R"(
+        monitor M_W 100 : 1; send : ri C800 00 02; write M_bit 1600 = 01 => M_W 100
+        reply data 0080 => M_W 100; get M_W 100 : 0100
+        send : oi C800 00 0100; reply ok => M_W 100; get M_W 100 : 0180)");
+    row("marks reset under way: the bit is settled at once", R"(
+        monitor M_bit 1600 : 1; write M_bit 1600 = 01 => M_bit 1600; write M_bit 1601 = 01
+        monitor M_bit 1600 : 1; serve 1 : oM100 => M_bit 1600; get M_bit 1600 x2 : 01 00
+        serve 1 : oM100 => M_bit 1600; get M_bit 1600 x2 : 01 01)");
+    row("a newer value takes the place of one that waits", R"(
+        write D_W 1 = 0100; write D_W 5 kind 1 = 0200; write D_W 6 = 0300
+        write D_W 5 kind 2 = 0400; serve 1 : wD1
+        send : wa 0A00 00 02 0400; item : 2 1 D_W 5 x1; reply ok; serve 2 : wD6 -)");
+    row("a newer value queues behind the one in service", R"(
+        write D_W 5 = 0200; write D_W 5 = 0400; send : wa 0A00 00 02 0200; reply ok
+        send : wa 0A00 00 02 0400; reply ok; send : -)");
+    row("another length or station is another write", R"(
+        write D_W 1 = 0100; write D_W 5 = 0200; write 2#D_W 5 = 0300; write D_W 5 = 0400 0500
+        serve 5 : wD1 wD5 wD5 wD5x2 -)");
+    row("a long write is cut, each piece with its values", R"(
+        init 7#0#0#3#2; write D_W 0 = 0100 0200 0300 0400 0500
+        send : wa 0000 00 04 0100 0200; reply ok
+        send : wa 0400 00 04 0300 0400; reply ok
+        send : wa 0800 00 02 0500; reply ok
+        write M_bit 1600 = 01010101 01010101 01010101 01010101 0101
+        send : ri C800 00 02; item : 0 1 M_bit 1600 x16; reply plc; serve 1 : wM100
+        send : ri CA00 00 02; item : 0 1 M_bit 1616 x2)");
+    row("shown but not sent", R"(
+        init 7#1#0#3#64; monitor D_W 5 : 1; write D_W 5 = 0100 => D_W 5
+        serve 1 : rD5; get D_W 5 : 0100
+        plc D 5 = 0200; serve 1 : rD5 => D_W 5; get D_W 5 : 0200)");
+    row("513 writes at most, the last place for the newest", R"(
+        flood write 600; serve 564 : *; serve 2 : - -
+        plc D 510 x3 : FF01 0002 0000; plc D 598 x2 : 0000 5802)");
+    row("513 condition reads at most, the last place for the newest", R"(
+        flood condition 600; serve 682 : *; serve 3 : rD599 - - => done 0)");
+}
