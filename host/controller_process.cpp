@@ -52,19 +52,37 @@ ControllerProcess::ControllerProcess(const QString &program, const QStringList &
         const QByteArray said = line + m_process.readAllStandardError().trimmed();
         const QString why = said.isEmpty() ? m_process.errorString() : QString::fromLocal8Bit(said);
         throw Failure(
-            QStringLiteral("the simulated controller %1 does not serve: %2").arg(program, why));
+            QStringLiteral("the simulated controller %1 does not serve: %2").arg(program, why),
+            m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == BadInput
+                ? BadInput
+                : SomethingFailed);
     }
     m_device = QString::fromLocal8Bit(line.mid(greeting.size()));
 }
 
 ControllerProcess::~ControllerProcess()
 {
-    resume();  // a suspended process would not notice that it is to end
-    m_process.terminate();
-    if (!m_process.waitForFinished(EndPatienceMs)) {
+    if (!end()) {
         m_process.kill();
         m_process.waitForFinished(EndPatienceMs);
     }
+}
+
+bool ControllerProcess::end()
+{
+    resume();  // a suspended process would not notice that it is to end
+    m_process.terminate();
+    return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(EndPatienceMs);
+}
+
+QString ControllerProcess::finish()
+{
+    const bool ended = end();
+    const QString report = QString::fromLocal8Bit(m_process.readAllStandardError());
+    if (!ended || m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
+        throw Failure(
+            QStringLiteral("the simulated controller did not end well: %1").arg(report.trimmed()));
+    return report;
 }
 
 void ControllerProcess::suspend()
@@ -75,6 +93,11 @@ void ControllerProcess::suspend()
 void ControllerProcess::resume()
 {
     signal(SIGCONT);
+}
+
+void ControllerProcess::heal()
+{
+    signal(SIGUSR2);
 }
 
 void ControllerProcess::signal(int number)

@@ -21,7 +21,10 @@ protected:
 class ControllerProcess
 {
 public:
-    /** Starts the program and waits until it serves. Throws Failure when it does not. */
+    /**
+     * Starts the program and waits until it serves. Throws Failure when it does not: bad input
+     * when it refused its arguments, with what it said of them.
+     */
     ControllerProcess(const QString &program, const QStringList &arguments);
     ~ControllerProcess();  ///< ends the process
 
@@ -30,9 +33,14 @@ public:
 
     void suspend();  ///< the controller stops answering; requests wait for it
     void resume();   ///< and answers what has waited
+    void heal();     ///< no more faults
+
+    /** Ends the process in good order; returns its closing report. Throws Failure if it fails. */
+    QString finish();
 
 private:
     void signal(int number);
+    bool end();
 
     BoundProcess m_process;
     QString m_device;

@@ -18,6 +18,7 @@ struct Command
 
 constexpr Command Commands[] = {
     {"demo", "a tour of the driver against a simulated controller", host::demoCommand},
+    {"soak", "random traffic on a bad line, and the proof of what came of it", host::soakCommand},
     {"read", "one value of each address", host::readCommand},
     {"recipe", "many values at once, to a file or from it", host::recipeCommand},
     {"watch", "values as they change, in a live table or as lines", host::watchCommand},

@@ -15,7 +15,6 @@ namespace {
 
 constexpr int RecipeUnits = 65536;
 constexpr int ConditionReadKind = 3;  // kinds only travel with the frames, for traces
-constexpr int WriteKind = 2;
 
 int bytesPerUnit(const Point &point)
 {
@@ -91,7 +90,7 @@ void Session::readOnce(const Point &point)
     m_driver.addConditionRead(keyOf(point), ConditionReadKind);
 }
 
-void Session::write(const Point &point, const QVector<int> &values)
+void Session::write(const Point &point, const QVector<int> &values, int kind)
 {
     Q_ASSERT(values.size() == point.count);
     std::vector<unsigned char> bytes;
@@ -101,7 +100,7 @@ void Session::write(const Point &point, const QVector<int> &values)
             bytes.push_back(static_cast<unsigned char>(value >> 8 & 0xFF));
     }
     m_driver.setData(point.stationNo, point.regName, point.address, point.count, bytes.data(),
-                     WriteKind);
+                     kind);
 }
 
 QVector<int> Session::values(const Point &point) const

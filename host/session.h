@@ -50,8 +50,13 @@ public:
     /** Queues one read of the point; conditionReadEnded announces its end. */
     void readOnce(const Point &point);
 
-    /** Queues a write: one value (0 to 65535, or 0 and 1) for each word or bit of the point. */
-    void write(const Point &point, const QVector<int> &values);
+    static constexpr int WriteKind = 2;  ///< the kind of writes that nobody needs to tell apart
+
+    /**
+     * Queues a write: one value (0 to 65535, or 0 and 1) for each word or bit of the point. The
+     * kind travels with its frames, for whoever wants to know which write a frame serves.
+     */
+    void write(const Point &point, const QVector<int> &values, int kind = WriteKind);
 
     /** What the driver holds for the point: words as 0 to 65535, bits as 0 and 1. */
     QVector<int> values(const Point &point) const;

@@ -8,6 +8,7 @@
 namespace host {
 
 int demoCommand(const QStringList &arguments);
+int soakCommand(const QStringList &arguments);
 int readCommand(const QStringList &arguments);
 int recipeCommand(const QStringList &arguments);
 int watchCommand(const QStringList &arguments);

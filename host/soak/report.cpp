@@ -1,0 +1,160 @@
+// Lays the soak's result out in 100 columns, or as one JSON object.
+#include "host/soak/report.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QRegularExpression>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr int FindingsShown = 10;  // of each claim
+
+constexpr const char *Claims[ClaimCount] = {
+    "every write that was acknowledged is in the controller",
+    "no bit or word that nobody wrote has changed",
+    "what the host reads is what the controller holds",
+    "no request was lost without a failure report",
+};
+constexpr const char *ClaimNames[ClaimCount] = {"kept", "untouched", "readRight", "accounted"};
+
+QStringList findingsAgainst(const Soak &soak, int claim)
+{
+    QStringList texts;
+    for (const Finding &finding : soak.findings())
+        if (int(finding.claim) == claim)
+            texts.append(finding.text);
+    return texts;
+}
+
+// "served: total=7 read=4" as {"served": {"total": 7, "read": 4}}
+QJsonObject countsOf(const QString &controllerReport)
+{
+    static const QRegularExpression pair(QStringLiteral("([a-z-]+)=([0-9]+)"));
+    QJsonObject counts;
+    for (const QString &line : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        QJsonObject pairs;
+        for (auto match = pair.globalMatch(line); match.hasNext();) {
+            const QRegularExpressionMatch found = match.next();
+            pairs[found.captured(1)] = found.captured(2).toInt();
+        }
+        if (!pairs.isEmpty())
+            counts[line.section(QLatin1Char(':'), 0, 0)] = pairs;
+    }
+    return counts;
+}
+
+class Rows
+{
+public:
+    explicit Rows(QTextStream &out) : m_out(out) {}
+
+    void title(const char *text) { m_out << '\n' << text << '\n'; }
+    void row(const char *name, const QString &text)
+    {
+        m_out << "   " << QString::fromLatin1(name).leftJustified(17) << text << '\n';
+    }
+
+private:
+    QTextStream &m_out;
+};
+
+}  // namespace
+
+void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
+               const QString &controllerReport)
+{
+    const Soak::Counts &counts = soak.counts();
+    const WriteLedger::Counts &writes = soak.writes();
+    const LoopCounters &line = soak.line();
+    out << "A soak of the driver: a panel at random on a line with faults, and what is left of it."
+        << '\n';
+    Rows rows(out);
+    rows.row("library", setup.driver);
+    rows.row("controller", setup.controller);
+    rows.row("faults", QStringLiteral("%1, seed %2").arg(setup.faults).arg(setup.seed));
+    rows.row("waits", QStringLiteral("%1 ms for a reply, %2 ms of silence after a bad one")
+                          .arg(setup.loop.replyTimeout.count())
+                          .arg(setup.loop.quietTime.count()));
+
+    rows.title("What the panel did");
+    rows.row("monitored", QStringLiteral("%1 sets of addresses").arg(counts.registrations));
+    rows.row("wrote", QStringLiteral("%1 times: %2 acknowledged, %3 given up, %4 replaced by newer")
+                          .arg(writes.made)
+                          .arg(writes.acknowledged)
+                          .arg(writes.givenUp)
+                          .arg(writes.replaced));
+    rows.row("condition reads", QStringLiteral("%1, of which %2 failed")
+                                    .arg(counts.conditionReads)
+                                    .arg(counts.conditionReadsFailed));
+    rows.row("recipes", QStringLiteral("%1 written, %2 read, of which %3 failed")
+                            .arg(counts.recipesWritten)
+                            .arg(counts.recipesRead)
+                            .arg(counts.recipesFailed));
+
+    rows.title("What the line did");
+    rows.row("requests", QStringLiteral("%1 sent: %2 answered well, %3 to be repeated, %4 given up")
+                             .arg(counts.requests)
+                             .arg(line.exchanges)
+                             .arg(line.retries)
+                             .arg(line.errors));
+    for (const QString &text : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        static const QRegularExpression none(QStringLiteral(" (?!total)[a-z-]+=0\\b"));
+        rows.row(text.section(QLatin1Char(':'), 0, 0).toLatin1().constData(),
+                 text.section(QLatin1Char(':'), 1).remove(none).trimmed());
+    }
+
+    rows.title("What came of it");
+    rows.row("compared", QStringLiteral("%1 words of replies, %2 values that the driver showed, "
+                                        "the whole memory")
+                             .arg(counts.wordsCompared)
+                             .arg(counts.valuesCompared));
+    for (int claim = 0; claim < ClaimCount; ++claim) {
+        const QStringList findings = findingsAgainst(soak, claim);
+        out << "   " << (findings.isEmpty() ? "ok     " : "WRONG  ") << Claims[claim] << '\n';
+        for (const QString &text : findings.mid(0, FindingsShown))
+            out << "          " << text << '\n';
+        if (findings.size() > FindingsShown)
+            out << "          and " << findings.size() - FindingsShown << " more\n";
+    }
+}
+
+void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
+                     const QString &controllerReport)
+{
+    const Soak::Counts &counts = soak.counts();
+    const WriteLedger::Counts &writes = soak.writes();
+    QJsonObject claims;
+    for (int claim = 0; claim < ClaimCount; ++claim)
+        claims[QLatin1String(ClaimNames[claim])] =
+            QJsonArray::fromStringList(findingsAgainst(soak, claim));
+    const QJsonObject result{
+        {QStringLiteral("right"), soak.findings().isEmpty()},
+        {QStringLiteral("faults"), setup.faults},
+        {QStringLiteral("seed"), qint64(setup.seed)},
+        {QStringLiteral("requests"), QJsonObject{{QStringLiteral("sent"), counts.requests},
+                                                 {QStringLiteral("good"), soak.line().exchanges},
+                                                 {QStringLiteral("repeated"), soak.line().retries},
+                                                 {QStringLiteral("givenUp"), soak.line().errors}}},
+        {QStringLiteral("writes"),
+         QJsonObject{{QStringLiteral("made"), writes.made},
+                     {QStringLiteral("acknowledged"), writes.acknowledged},
+                     {QStringLiteral("givenUp"), writes.givenUp},
+                     {QStringLiteral("replaced"), writes.replaced}}},
+        {QStringLiteral("conditionReads"),
+         QJsonObject{{QStringLiteral("made"), counts.conditionReads},
+                     {QStringLiteral("failed"), counts.conditionReadsFailed}}},
+        {QStringLiteral("recipes"), QJsonObject{{QStringLiteral("written"), counts.recipesWritten},
+                                                {QStringLiteral("read"), counts.recipesRead},
+                                                {QStringLiteral("failed"), counts.recipesFailed}}},
+        {QStringLiteral("controller"), countsOf(controllerReport)},
+        {QStringLiteral("findings"), claims},
+    };
+    out << QJsonDocument(result).toJson();
+}
+
+}  // namespace host

@@ -1,0 +1,29 @@
+// What a soak came to, as text for people and as JSON for programs.
+#ifndef TOLVANE_HOST_SOAK_REPORT_H
+#define TOLVANE_HOST_SOAK_REPORT_H
+
+#include "host/soak/soak.h"
+
+#include <QtCore/QTextStream>
+
+namespace host {
+
+/** What the soak was run with. */
+struct SoakSetup
+{
+    QString driver;
+    QString controller;
+    QString faults;
+    quint32 seed = 1;
+    LoopSettings loop;
+};
+
+/** controllerReport: the controller's closing counts, lines of "title: name=number ...". */
+void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
+               const QString &controllerReport);
+void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
+                     const QString &controllerReport);
+
+}  // namespace host
+
+#endif
