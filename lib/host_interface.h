@@ -49,12 +49,14 @@ struct VARIABLE
     }
     VARIABLE &operator=(const VARIABLE &other)
     {
+        if (this == &other)
+            return *this;
         kind = other.kind;
         stationNo = other.stationNo;
         regName = other.regName;
         startAddr = other.startAddr;
         count = other.count;
-        std::memmove(valueBuf, other.valueBuf, sizeof valueBuf);
+        std::memcpy(valueBuf, other.valueBuf, sizeof valueBuf);
         return *this;
     }
 };
@@ -91,7 +93,9 @@ struct FRAME_PRO
     }
     FRAME_PRO &operator=(const FRAME_PRO &other)
     {
-        std::memmove(frame, other.frame, sizeof frame);
+        if (this == &other)
+            return *this;
+        std::memcpy(frame, other.frame, sizeof frame);
         sendLen = other.sendLen;
         replyLen = other.replyLen;
         dataStart = other.dataStart;

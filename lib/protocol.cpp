@@ -134,8 +134,8 @@ RegisterType registerType(const QString &name)
     if (number >= 0)
         return driver.registerTypes.at(number);
     // A text of the driver's own: the host's may lie over memory that goes away.
-    const RegisterType unknown = {FallbackRow, unitKindOf(name, ADDRESS_RANGE_PRO[FallbackRow]),
-                                  QString(name.constData(), int(name.size())), FallbackRow, -1};
+    RegisterType unknown = {FallbackRow, unitKindOf(name, ADDRESS_RANGE_PRO[FallbackRow]),
+                            QString(name.constData(), int(name.size())), FallbackRow, -1};
     return unknown;
 }
 
