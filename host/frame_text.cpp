@@ -14,6 +14,7 @@ constexpr char Etx = 0x03;
 constexpr char Eot = 0x04;
 constexpr char Ack = 0x06;
 constexpr int ReplyFraming = 5;  // ACK, a byte for the controller's own use, checksum, EOT
+constexpr int ClosingBytes = 3;  // checksum and the last byte
 constexpr int BitsPerWord = 16;
 
 struct Device
@@ -32,6 +33,15 @@ constexpr Device Devices[] = {
 QString hexPair(char byte)
 {
     return QStringLiteral("%1").arg(static_cast<uchar>(byte), 2, 16, QLatin1Char('0')).toUpper();
+}
+
+// The checksum over the bytes from the second one up to `end`.
+char sumOf(const QByteArray &frame, int end)
+{
+    int sum = 0;
+    for (int i = 1; i < end; ++i)
+        sum += static_cast<uchar>(frame[i]);
+    return static_cast<char>(sum);
 }
 
 QString wordCount(int words)
@@ -98,14 +108,12 @@ public:
     // The checksum covers what lies between the opening byte and itself.
     void close(char last, const char *lastName)
     {
-        int sum = 0;
-        for (int i = 1; i < m_position; ++i)
-            sum += static_cast<uchar>(m_frame[i]);
         const int at = m_position;
-        const int found = byteField();
-        if (found != sum % 256)
+        const char sum = sumOf(m_frame, at);
+        const char found = static_cast<char>(byteField());
+        if (found != sum)
             fail(at, QStringLiteral("checksum %1, but the bytes add up to %2")
-                         .arg(hexPair(char(found)), hexPair(char(sum % 256))));
+                         .arg(hexPair(found), hexPair(sum)));
         expect(last, lastName);
         if (remaining() > 0)
             fail(m_position, QStringLiteral("%1 bytes too many").arg(remaining()));
@@ -251,15 +259,40 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
     return reading;
 }
 
+QString checksumText(const QByteArray &frame)
+{
+    const int at = int(frame.size()) - ClosingBytes;
+    if (at < 1)
+        return QStringLiteral("no checksum: the frame is too short");
+    const QByteArray found = frame.mid(at, 2);
+    const QString sum = hexPair(sumOf(frame, at));
+    if (found == sum.toLatin1())
+        return QStringLiteral("checksum %1: right").arg(sum);
+    return QStringLiteral("checksum bytes %1: wrong, the bytes before add up to %2 (%3)")
+        .arg(hexText(found, 2), sum, hexText(sum.toLatin1(), 2));
+}
+
+QByteArray blankReply(const QByteArray &request)
+{
+    Asked asked;
+    readRequest(request, 0, asked);
+    QByteArray reply;
+    reply += Ack;
+    reply += asked.command;
+    reply += QByteArray(4 * asked.words * (asked.command == 'r'), '0');
+    reply += hexPair(sumOf(reply, int(reply.size()))).toLatin1();
+    reply += Eot;
+    return reply;
+}
+
 QString hexText(const QByteArray &bytes, int maxBytes)
 {
     if (bytes.size() <= maxBytes)
         return QString::fromLatin1(bytes.toHex(' ').toUpper());
-    const int tail = 3;  // checksum and closing byte
-    const int head = std::max(0, maxBytes - tail - 2);
+    const int head = std::max(0, maxBytes - ClosingBytes - 2);
     return QStringLiteral("%1 .. %2")
         .arg(QString::fromLatin1(bytes.left(head).toHex(' ').toUpper()),
-             QString::fromLatin1(bytes.right(tail).toHex(' ').toUpper()));
+             QString::fromLatin1(bytes.right(ClosingBytes).toHex(' ').toUpper()));
 }
 
 }  // namespace host

@@ -26,6 +26,13 @@ FrameReading readRequest(const QByteArray &frame, int maxValues = 8);
  */
 FrameReading readReply(const QByteArray &frame, const QByteArray &request, int maxValues = 8);
 
+/** The checksum as a receiver judges it, by its place before the closing byte: "checksum 72:
+ * right". */
+QString checksumText(const QByteArray &frame);
+
+/** A well-formed reply to a well-formed request; the words that it asks for are all 0. */
+QByteArray blankReply(const QByteArray &request);
+
 /** The bytes as hex pairs, at most maxBytes of them: the middle of a longer frame is left out. */
 QString hexText(const QByteArray &bytes, int maxBytes);
 

@@ -18,6 +18,10 @@ struct Command
 
 constexpr Command Commands[] = {
     {"demo", "a tour of the driver against a simulated controller", host::demoCommand},
+    {"info", "the driver and its register types", host::infoCommand},
+    {"check", "addresses: valid, or why not", host::checkCommand},
+    {"series", "the addresses that a multiple copy gets", host::seriesCommand},
+    {"explain", "frames in plain words, and what is wrong with them", host::explainCommand},
     {"soak", "random traffic on a bad line, and the proof of what came of it", host::soakCommand},
     {"read", "one value of each address", host::readCommand},
     {"recipe", "many values at once, to a file or from it", host::recipeCommand},

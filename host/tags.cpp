@@ -78,14 +78,13 @@ bool isHeader(const QString &line)
     return line.startsWith(QLatin1String("name,address"), Qt::CaseInsensitive);
 }
 
-QVector<Tag> readTagFile(const Driver &driver, const Identity &identity, const QString &path,
-                         int stationNo)
+QVector<TagText> readTagFile(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw refuse(
             QStringLiteral("cannot read the tag file %1: %2").arg(path, file.errorString()));
-    QVector<Tag> tags;
+    QVector<TagText> tags;
     const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
     for (int i = 0; i < int(lines.size()); ++i) {
         const QString line = lines[i].trimmed();
@@ -99,7 +98,7 @@ QVector<Tag> readTagFile(const Driver &driver, const Identity &identity, const Q
         const QString format = fields.value(2).trimmed();
         const QString address =
             fields[1].trimmed() + (format.isEmpty() ? QString() : QLatin1Char(':') + format);
-        tags += parseTag(driver, identity, fields[0].trimmed(), address, stationNo, source);
+        tags += TagText{fields[0].trimmed(), address, source};
     }
     if (tags.isEmpty())
         throw refuse(QStringLiteral("there is no tag in %1").arg(path));
@@ -178,6 +177,21 @@ QString expectation(const Tag &tag)
 
 }  // namespace
 
+QVector<TagText> collectTags(const QStringList &arguments)
+{
+    QVector<TagText> tags;
+    for (int i = 0; i < int(arguments.size()); ++i) {
+        const QString &argument = arguments[i];
+        const int equals = int(argument.indexOf(QLatin1Char('=')));
+        if (argument.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
+            tags += readTagFile(argument);
+        else
+            tags += TagText{argument.left(std::max(0, equals)), argument.mid(equals + 1),
+                            QStringLiteral("argument %1").arg(i + 1)};
+    }
+    return tags;
+}
+
 Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
              const QString &address, int stationNo, const QString &source)
 {
@@ -197,17 +211,8 @@ QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QSt
                        int stationNo)
 {
     QVector<Tag> tags;
-    for (int i = 0; i < int(arguments.size()); ++i) {
-        const QString &argument = arguments[i];
-        if (argument.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
-            tags += readTagFile(driver, identity, argument, stationNo);
-            continue;
-        }
-        const int equals = int(argument.indexOf(QLatin1Char('=')));
-        tags +=
-            parseTag(driver, identity, argument.left(std::max(0, equals)), argument.mid(equals + 1),
-                     stationNo, QStringLiteral("argument %1").arg(i + 1));
-    }
+    for (const TagText &text : collectTags(arguments))
+        tags += parseTag(driver, identity, text.name, text.address, stationNo, text.source);
     return tags;
 }
 

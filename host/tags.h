@@ -26,21 +26,30 @@ struct Tag
     QString source;  ///< where it was given, such as "tags.csv:3" or "argument 2"
 };
 
+/** A tag as it was given, not judged yet. */
+struct TagText
+{
+    QString name;     ///< may be empty
+    QString address;  ///< with the format, if any: "D_W:100x10:float"
+    QString source;   ///< as Tag::source
+};
+
 /**
- * Reads one address with an optional format behind it, such as "D_W:100x10:float"; the tag's name
- * may be empty. Throws Failure (bad input) that names the tag, where it was given, and what is
- * wrong or the range of the type.
+ * Collects what is to be read or written: each argument is an address with an optional name before
+ * it and an optional format behind it, such as "level=D_W:100x10:float", or the path of a tag file
+ * (*.csv: name,address,format; the format may be missing; empty lines, lines starting with # and
+ * the header are passed over). Throws Failure (bad input) for files that are no tag files.
+ */
+QVector<TagText> collectTags(const QStringList &arguments);
+
+/**
+ * Reads one address, its count in values, and has the driver check it. Throws Failure (bad input)
+ * that names the tag, where it was given, and what is wrong or the range of the type.
  */
 Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
              const QString &address, int stationNo, const QString &source);
 
-/**
- * Reads what is to be read or written: each argument is an address with an optional name before
- * it and an optional format behind it, such as "level=D_W:100x10:float", or the path of a tag file
- * (*.csv: name,address,format; the format may be missing; empty lines, lines starting with # and
- * the header are passed over). The count is in values. Throws Failure (bad input) that names the
- * tag, where it was given, and what is wrong or the range of the type.
- */
+/** Collects the tags and reads them all; throws as both do. */
 QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
                        int stationNo);
 

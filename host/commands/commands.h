@@ -8,6 +8,10 @@
 namespace host {
 
 int demoCommand(const QStringList &arguments);
+int seriesCommand(const QStringList &arguments);
+int infoCommand(const QStringList &arguments);
+int explainCommand(const QStringList &arguments);
+int checkCommand(const QStringList &arguments);
 int soakCommand(const QStringList &arguments);
 int readCommand(const QStringList &arguments);
 int recipeCommand(const QStringList &arguments);

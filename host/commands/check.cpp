@@ -1,0 +1,136 @@
+// tolvane-host check and series: what the driver makes of addresses.
+#include "host/commands/command_line.h"
+#include "host/commands/commands.h"
+#include "host/connection.h"
+#include "host/failure.h"
+#include "host/tags.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTextStream>
+
+#include <limits>
+
+namespace host {
+
+namespace {
+
+constexpr int LongestSeries = 100000;
+constexpr int LongestStep = 65535;
+constexpr int DoubleWordStep = -2;
+enum SeriesResult { UnknownType = 0, Complete = 1, Capped = 2 };
+
+QString unitsText(const Point &point)
+{
+    const char *unit = point.isBit ? "bit" : "word";
+    return QStringLiteral("%1 %2%3")
+        .arg(point.count)
+        .arg(QLatin1String(unit), QLatin1String(point.count == 1 ? "" : "s"));
+}
+
+}  // namespace
+
+int checkCommand(const QStringList &arguments)
+{
+    CommandLine commandLine(
+        QStringLiteral("check"),
+        QStringLiteral("Asks the driver about each address: valid, or why not.\n"
+                       "Exit status 1 when one of them is not valid."));
+    commandLine.addPositionalArgument(
+        QStringLiteral("addresses"),
+        QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
+        QStringLiteral("ADDRESS..."));
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Print a JSON array, an object an address."));
+    commandLine.addOption(json);
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    const QStringList addresses = commandLine.positionalArguments().mid(1);
+    if (addresses.isEmpty())
+        throw Failure(QStringLiteral("nothing to check; expected ADDRESS..."), BadInput);
+
+    const Driver driver = loadDriver(commandLine.driverPath());
+    const Identity identity = identify(driver);
+    QTextStream out(stdout);
+    QJsonArray array;
+    int refused = 0;
+    for (const TagText &text : collectTags(addresses)) {
+        const QString label = text.name.isEmpty() ? text.address : text.name;
+        QJsonObject object{{QStringLiteral("name"), label},
+                           {QStringLiteral("source"), text.source}};
+        QString verdict;
+        try {
+            const Point point =
+                parseTag(driver, identity, text.name, text.address, 0, text.source).point;
+            verdict = QStringLiteral("%1: valid, %2 from address number %3")
+                          .arg(label, unitsText(point))
+                          .arg(point.address);
+            object.insert(QStringLiteral("address"), point.address);
+            object.insert(QStringLiteral("units"), point.count);
+        } catch (const Failure &failure) {
+            ++refused;
+            verdict = QString::fromUtf8(failure.what());
+            object.insert(QStringLiteral("error"), verdict);
+        }
+        if (!commandLine.isSet(json))
+            out << verdict << '\n';
+        array.append(object);
+    }
+    if (commandLine.isSet(json))
+        out << QJsonDocument(array).toJson();
+    return refused == 0 ? AllRight : SomethingFailed;
+}
+
+int seriesCommand(const QStringList &arguments)
+{
+    CommandLine commandLine(
+        QStringLiteral("series"),
+        QStringLiteral("The addresses that a multiple copy of a screen object gets."));
+    commandLine.addPositionalArgument(QStringLiteral("address"),
+                                      QStringLiteral("The first one, such as D_W:100."),
+                                      QStringLiteral("ADDRESS"));
+    const QCommandLineOption count(QStringLiteral("count"),
+                                   QStringLiteral("How many addresses (default: 10)."),
+                                   QStringLiteral("n"), QStringLiteral("10"));
+    const QCommandLineOption step(
+        QStringLiteral("step"),
+        QStringLiteral("Address numbers from one to the next; -1 is one 16-bit value, -2 one "
+                       "32-bit value (default: 1)."),
+        QStringLiteral("s"), QStringLiteral("1"));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON array."));
+    commandLine.addOptions({count, step, json});
+    commandLine.read(arguments, 1);
+    if (commandLine.positionalArguments().size() < 2)
+        throw Failure(QStringLiteral("no address given; expected ADDRESS, such as D_W:100"),
+                      BadInput);
+    const int wanted = numberOption(commandLine, QStringLiteral("count"), 1, LongestSeries);
+    const int distance =
+        numberOption(commandLine, QStringLiteral("step"), DoubleWordStep, LongestStep);
+
+    const Driver driver = loadDriver(commandLine.driverPath());
+    const Point first =
+        parsePoint(driver, identify(driver), commandLine.positionalArguments().at(1), 0);
+    QVector<QString> texts;
+    QVector<int> numbers;
+    const int result =
+        driver.multiCopy(first.regName, first.address, wanted, distance, texts, numbers);
+
+    QTextStream out(stdout);
+    if (commandLine.isSet(json)) {
+        QJsonArray array;
+        for (int i = 0; i < int(texts.size()); ++i)
+            array.append(QJsonObject{{QStringLiteral("address"), texts[i]},
+                                     {QStringLiteral("number"), numbers[i]}});
+        out << QJsonDocument(array).toJson();
+    } else {
+        for (int i = 0; i < int(texts.size()); ++i)
+            out << first.regName << ':' << texts[i].leftJustified(10) << "address number "
+                << numbers[i] << '\n';
+    }
+    if (result == Capped)
+        QTextStream(stderr) << "tolvane-host: addresses beyond " << first.regName << ':'
+                            << texts.last() << ", the last there is, were replaced by it\n";
+    return AllRight;
+}
+
+}  // namespace host

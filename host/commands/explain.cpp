@@ -1,0 +1,133 @@
+// tolvane-host explain: frames in plain words, and what is wrong with them.
+#include "host/commands/command_line.h"
+#include "host/commands/commands.h"
+#include "host/explain/frames.h"
+#include "host/failure.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTextStream>
+
+#include <limits>
+
+namespace host {
+
+namespace {
+
+constexpr int BytesPerLine = 32;
+constexpr int Columns = 100;
+constexpr char Indent[] = "   ";
+constexpr int IndentWidth = 3;
+
+// A line too long for the terminal goes on, at a blank, in the next one.
+void printWrapped(QString text, QTextStream &out)
+{
+    const int width = Columns - IndentWidth;
+    while (text.size() > width) {
+        const int blank = int(text.lastIndexOf(QLatin1Char(' '), width));
+        out << Indent << text.left(blank) << '\n';
+        text = QLatin1String("  ") + text.mid(blank + 1);
+    }
+    out << Indent << text << '\n';
+}
+
+// The bytes in lines of a hex dump, with a caret below the byte where the fault is seen.
+void printBytes(const ExplainedFrame &frame, QTextStream &out)
+{
+    const int size = int(frame.bytes.size());
+    const int faultAt = frame.reading.faultAt;
+    for (int first = 0; first < size; first += BytesPerLine) {
+        out << (first > 0         ? Indent
+                : frame.isRequest ? "-> "
+                                  : "<- ")
+            << hexText(frame.bytes.mid(first, BytesPerLine), BytesPerLine) << '\n';
+        const bool endsHere = first + BytesPerLine >= size;
+        if (faultAt >= first && (faultAt < first + BytesPerLine || endsHere))
+            out << Indent << QString(3 * (faultAt - first), QLatin1Char(' ')) << "^^\n";
+    }
+}
+
+void print(const ExplainedFrame &frame, QTextStream &out)
+{
+    if (!frame.time.isEmpty())
+        out << frame.time << '\n';
+    if (frame.bytes.isEmpty()) {
+        out << "<- no reply\n\n";
+        return;
+    }
+    printBytes(frame, out);
+    if (!frame.reading.fault.isEmpty())
+        printWrapped(QStringLiteral("wrong: ") + frame.reading.fault, out);
+    if (!frame.reading.text.isEmpty())
+        printWrapped(frame.reading.text, out);
+    printWrapped(checksumText(frame.bytes), out);
+    out << '\n';
+}
+
+QJsonObject toJson(const ExplainedFrame &frame)
+{
+    const QJsonValue none;
+    const FrameReading &reading = frame.reading;
+    return {
+        {QStringLiteral("time"), frame.time.isEmpty() ? none : QJsonValue(frame.time)},
+        {QStringLiteral("direction"), QLatin1String(frame.isRequest ? "request" : "reply")},
+        {QStringLiteral("bytes"), hexText(frame.bytes, int(frame.bytes.size()))},
+        {QStringLiteral("text"), reading.text},
+        {QStringLiteral("checksum"), checksumText(frame.bytes)},
+        {QStringLiteral("fault"), reading.fault.isEmpty() ? none : QJsonValue(reading.fault)},
+        {QStringLiteral("faultAt"), reading.fault.isEmpty() ? none : QJsonValue(reading.faultAt)}};
+}
+
+}  // namespace
+
+int explainCommand(const QStringList &arguments)
+{
+    CommandLine commandLine(
+        QStringLiteral("explain"),
+        QStringLiteral(
+            "Frames in plain words, their checksums judged; ^^ points at what is wrong.\n"
+            "-> is a request, <- a reply; a reply is judged by the request before it.\n"
+            "Exit status 1 when a frame is wrong or a reply is missing."));
+    commandLine.addPositionalArgument(
+        QStringLiteral("frames"),
+        QStringLiteral("Bytes as hex pairs, with blanks or without, or a file that --trace made."),
+        QStringLiteral("HEX...|TRACEFILE"));
+    const QCommandLineOption wrong(QStringLiteral("wrong"),
+                                   QStringLiteral("Print only frames that are wrong."));
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Print a JSON array, an object a frame."));
+    commandLine.addOptions({wrong, json});
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    const QStringList given = commandLine.positionalArguments().mid(1);
+    if (given.isEmpty())
+        throw Failure(QStringLiteral("nothing to explain; expected bytes as hex pairs or a trace "
+                                     "file"),
+                      BadInput);
+
+    const bool isFile = given.size() == 1 && QFileInfo(given.first()).isFile();
+    const QVector<ExplainedFrame> frames =
+        isFile ? framesFromTrace(given.first()) : framesFromText(given);
+    QTextStream out(stdout);
+    QJsonArray array;
+    int faulty = 0;
+    for (const ExplainedFrame &frame : frames) {
+        const bool isWrong = !frame.reading.fault.isEmpty();
+        faulty += isWrong;
+        if (!isWrong && commandLine.isSet(wrong))
+            continue;
+        if (commandLine.isSet(json))
+            array.append(toJson(frame));
+        else
+            print(frame, out);
+    }
+    if (commandLine.isSet(json))
+        out << QJsonDocument(array).toJson();
+    else
+        out << frames.size() << (frames.size() == 1 ? " frame, " : " frames, ")
+            << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong\n";
+    return faulty == 0 ? AllRight : SomethingFailed;
+}
+
+}  // namespace host

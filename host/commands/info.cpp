@@ -1,0 +1,82 @@
+// tolvane-host info: what the driver says of itself.
+#include "host/commands/command_line.h"
+#include "host/commands/commands.h"
+#include "host/failure.h"
+#include "host/identity.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTextStream>
+
+namespace host {
+
+namespace {
+
+QString width(const RegisterType &type)
+{
+    return QLatin1String(type.isBit ? "bit" : "word");
+}
+
+QJsonObject toJson(const Identity &identity)
+{
+    QJsonArray types;
+    for (const RegisterType &type : identity.types)
+        types.append(QJsonObject{{QStringLiteral("name"), type.name},
+                                 {QStringLiteral("pattern"), type.pattern},
+                                 {QStringLiteral("first"), type.firstAddress},
+                                 {QStringLiteral("last"), type.lastAddress},
+                                 {QStringLiteral("width"), width(type)},
+                                 {QStringLiteral("access"), type.access}});
+    return {{QStringLiteral("name"), identity.name},
+            {QStringLiteral("version"), identity.version},
+            {QStringLiteral("serial"), identity.serialLine},
+            {QStringLiteral("network"), identity.networkLine},
+            {QStringLiteral("types"), types}};
+}
+
+void print(const Identity &identity, const QString &path, QTextStream &out)
+{
+    const auto item = [&](const char *name, const QString &text) {
+        out << QString::fromLatin1(name).leftJustified(10) << text << '\n';
+    };
+    const auto row = [&](const QString &name, const QString &pattern, const QString &first,
+                         const QString &last, const QString &unit, const QString &access) {
+        out << name.leftJustified(10) << pattern.leftJustified(12) << first.rightJustified(6)
+            << last.rightJustified(12) << QLatin1String("  ") << unit.leftJustified(7) << access
+            << '\n';
+    };
+    item("driver", identity.name + QLatin1Char(' ') + identity.version);
+    item("library", path);
+    item("serial", identity.serialLine + QLatin1String(" by default"));
+    item("network", identity.networkLine + QLatin1String(" by default"));
+    out << '\n';
+    row(QStringLiteral("type"), QStringLiteral("pattern"), QStringLiteral("first"),
+        QStringLiteral("last"), QStringLiteral("width"), QStringLiteral("access"));
+    for (const RegisterType &type : identity.types)
+        row(type.name, type.pattern, type.firstAddress, type.lastAddress, width(type), type.access);
+}
+
+}  // namespace
+
+int infoCommand(const QStringList &arguments)
+{
+    CommandLine commandLine(
+        QStringLiteral("info"),
+        QStringLiteral("The driver's name and version, its default line, and its register types.\n"
+                       "A pattern has a letter for each digit: D is a decimal one."));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON object."));
+    commandLine.addOption(json);
+    commandLine.read(arguments);
+
+    const QString path = commandLine.driverPath();
+    const Identity identity = identify(loadDriver(path));
+    QTextStream out(stdout);
+    if (commandLine.isSet(json))
+        out << QJsonDocument(toJson(identity)).toJson();
+    else
+        print(identity, path, out);
+    return AllRight;
+}
+
+}  // namespace host

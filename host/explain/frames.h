@@ -1,0 +1,32 @@
+// Frames to be explained: from bytes that were typed or pasted, or from a trace file.
+#ifndef TOLVANE_HOST_EXPLAIN_FRAMES_H
+#define TOLVANE_HOST_EXPLAIN_FRAMES_H
+
+#include "host/frame_text.h"
+
+#include <QtCore/QStringList>
+
+namespace host {
+
+/** A frame with what it says. */
+struct ExplainedFrame
+{
+    QString time;  ///< as the trace has it; empty otherwise
+    bool isRequest = false;
+    QByteArray bytes;  ///< empty: a reply that never came
+    FrameReading reading;
+};
+
+/**
+ * Reads bytes as hex pairs, with blanks or without. Arguments of one byte each are taken together,
+ * any other is a frame or several; a frame that begins with ACK is a reply to the one before.
+ * Throws Failure (bad input) that names what is no byte.
+ */
+QVector<ExplainedFrame> framesFromText(const QStringList &arguments);
+
+/** Reads a trace file. Throws Failure (bad input) that names the line that is none of a trace. */
+QVector<ExplainedFrame> framesFromTrace(const QString &path);
+
+}  // namespace host
+
+#endif
