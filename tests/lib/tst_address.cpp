@@ -221,5 +221,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(AddressTest)
+QTEST_GUILESS_MAIN(AddressTest)
 #include "tst_address.moc"

@@ -341,5 +341,5 @@ private:
     }
 };
 
-QTEST_APPLESS_MAIN(CacheTest)
+QTEST_GUILESS_MAIN(CacheTest)
 #include "tst_cache.moc"

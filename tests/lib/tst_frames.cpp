@@ -202,5 +202,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(FramesTest)
+QTEST_GUILESS_MAIN(FramesTest)
 #include "tst_frames.moc"

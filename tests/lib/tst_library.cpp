@@ -117,7 +117,7 @@ private slots:
     void layout()
     {
         if (sizeof(void *) != 8)
-            QSKIP("figures for 64 bits");
+            return;
         typedef QVector<size_t> Offsets;
         const size_t s = sizeof(QString);
         QCOMPARE(
@@ -150,5 +150,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(LibraryTest)
+QTEST_GUILESS_MAIN(LibraryTest)
 #include "tst_library.moc"

@@ -339,5 +339,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(PlanningTest)
+QTEST_GUILESS_MAIN(PlanningTest)
 #include "tst_planning.moc"
