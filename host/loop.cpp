@@ -4,6 +4,8 @@
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QThread>
 
+#include <utility>
+
 namespace host {
 
 using std::chrono::duration_cast;
@@ -60,10 +62,11 @@ Outcome Loop::exchange()
     clock.start();
     m_exchange.reply.clear();
     if (m_line.send(request)) {
-        const QByteArray early = earlyBytes(clock);
-        m_exchange.stale += early;
-        if (early.isEmpty())
-            m_exchange.reply = m_line.collect(replyLen, travel + m_settings.replyTimeout);
+        if (replyIsEarly(clock))
+            m_exchange.stale += std::exchange(m_exchange.reply, QByteArray());
+        else
+            m_exchange.reply += m_line.collect(replyLen - int(m_exchange.reply.size()),
+                                               travel + m_settings.replyTimeout);
     }
     m_exchange.outcome = m_line.isOpen() ? judge() : Outcome::LineLost;
     m_exchange.duration = duration_cast<microseconds>(nanoseconds(clock.nsecsElapsed()));
@@ -121,16 +124,19 @@ QByteArray Loop::settleLine()
     return stale;
 }
 
-// What arrives while the request is still leaving answers an earlier one.
-QByteArray Loop::earlyBytes(const QElapsedTimer &sending)
+// A reply begins when its request has left. What is there sooner, or is more than the line can have
+// carried since, answers an earlier request; what is not becomes the beginning of the reply.
+bool Loop::replyIsEarly(const QElapsedTimer &sending)
 {
     if (!m_settings.paced)
-        return QByteArray();
-    const microseconds travel = m_line.wireTime(m_exchange.frame.sendLen);
-    QThread::usleep(static_cast<unsigned long>((travel * 4 / 5).count()));
-    // Whoever overslept cannot tell early bytes from the beginning of the reply.
-    const bool leaving = nanoseconds(sending.nsecsElapsed()) < travel;
-    return leaving ? m_line.discard() : QByteArray();
+        return false;
+    const microseconds leaving = m_line.wireTime(m_exchange.frame.sendLen);
+    QThread::usleep(static_cast<unsigned long>((leaving * 4 / 5).count()));
+    m_exchange.reply = m_line.discard();
+    const nanoseconds sinceLeft = nanoseconds(sending.nsecsElapsed()) - leaving;
+    const int bytes = int(m_exchange.reply.size());
+    // Of a complete one nobody can tell any more: this thread has slept for too long.
+    return bytes > 0 && (bytes >= m_exchange.frame.replyLen || m_line.wireTime(bytes) > sinceLeft);
 }
 
 Outcome Loop::judge()

@@ -99,7 +99,7 @@ public:
 
 private:
     QByteArray settleLine();
-    QByteArray earlyBytes(const QElapsedTimer &sending);
+    bool replyIsEarly(const QElapsedTimer &sending);
     Outcome judge();
     void count(const Exchange &exchange);
 

@@ -25,7 +25,7 @@ double secondsOf(const QElapsedTimer &clock)
     return double(clock.nsecsElapsed()) * 1e-9;
 }
 
-/** The line's use over the last whole second. */
+/** The line's use over the last whole second, or over the first one so far. */
 class LatelyUsed
 {
 public:
@@ -33,9 +33,11 @@ public:
 
     const LineUse &at(Connection &connection)
     {
-        if (m_since.hasExpired(RateEveryMs)) {
+        const bool whole = m_since.hasExpired(RateEveryMs);
+        if (whole || m_use.seconds < 1)
             m_use =
                 LineUse(connection.counters(), m_earlier, secondsOf(m_since), connection.line());
+        if (whole) {
             m_earlier = connection.counters();
             m_since.start();
         }

@@ -24,7 +24,7 @@ QString LineUse::shareText() const
 {
     // A pseudo-terminal without a pace, or a network, can carry more than the settings say.
     return share > FasterThanItsSettings
-               ? QStringLiteral("the line is faster than its settings: no share of its capacity")
+               ? QStringLiteral("line faster than its settings")
                : QStringLiteral("%1 % of the line's capacity used").arg(100 * share, 0, 'f', 1);
 }
 

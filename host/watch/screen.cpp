@@ -13,12 +13,15 @@ namespace host {
 
 namespace {
 
-constexpr int NameWidth = 24;
-constexpr int AddressWidth = 14;
-constexpr int ValueWidth = 14;
+constexpr int LeastNameWidth = 8;
+constexpr int AddressWidth = 12;
+constexpr int ValueWidth = 13;
 constexpr int TrendWidth = 16;
-constexpr int ChangesWidth = 8;
-constexpr int AgeWidth = 8;
+constexpr int ChangesWidth = 7;
+constexpr int AgeWidth = 6;
+constexpr int Gap = 2;
+constexpr int RightOfName =
+    AddressWidth + ValueWidth + TrendWidth + ChangesWidth + AgeWidth + 5 * Gap;
 
 constexpr int LinesBesideValues = 4;  // heading, "more", status, the cursor's own
 constexpr winsize UsualTerminal{24, 80, 0, 0};
@@ -65,10 +68,10 @@ QString ageText(const QElapsedTimer &since)
                           : QStringLiteral("%1 h").arg(int(seconds / 3600));
 }
 
-QString row(const QString &name, const QString &address, const QString &value, const QString &trend,
-            const QString &changes, const QString &age)
+QString row(int nameWidth, const QString &name, const QString &address, const QString &value,
+            const QString &trend, const QString &changes, const QString &age)
 {
-    return QStringList{name.leftJustified(NameWidth, QLatin1Char(' '), true),
+    return QStringList{name.leftJustified(nameWidth, QLatin1Char(' '), true),
                        address.leftJustified(AddressWidth),
                        value.rightJustified(ValueWidth),
                        trend.leftJustified(TrendWidth),
@@ -100,18 +103,22 @@ void Screen::draw(const QVector<WatchedValue> &values, const LoopCounters &count
     const winsize size = terminalSize();
     const int shown =
         std::clamp(size.ws_row - LinesBesideValues, 1, std::max(1, int(values.size())));
+    int nameWidth = LeastNameWidth;
+    for (const WatchedValue &value : values)
+        nameWidth = std::max(nameWidth, int(value.name.size()));
+    nameWidth = std::min(nameWidth, std::max(LeastNameWidth, size.ws_col - 1 - RightOfName));
     QByteArray drawing = "\r";
     if (m_linesAbove > 0)
         drawing += "\x1b[" + QByteArray::number(m_linesAbove) + "A";
     m_linesAbove = 0;
 
     line(drawing,
-         row(QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("value"),
+         row(nameWidth, QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("value"),
              QStringLiteral("trend"), QStringLiteral("changes"), QStringLiteral("age")),
          size.ws_col);
     for (const WatchedValue &value : values.mid(0, shown))
         line(drawing,
-             row(value.name, value.address == value.name ? QString() : value.address,
+             row(nameWidth, value.name, value.address == value.name ? QString() : value.address,
                  value.text.isEmpty() ? QStringLiteral("-") : value.text,
                  trendText(value.trend, m_unicode), QString::number(value.changes),
                  ageText(value.sinceChange)),
