@@ -7,6 +7,7 @@
 #include "host/serial_line.h"
 #include "host/soak/report.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 
@@ -142,6 +143,10 @@ int soakCommand(const QStringList &arguments)
     setup.driver = commandLine.driverPath();
     const QString controller = commandLine.value(QStringLiteral("controller"));
     setup.controller = controller.isEmpty() ? findController() : controller;
+    if (!QFileInfo(setup.controller).isExecutable())
+        throw Failure(
+            QStringLiteral("--controller \"%1\": expected a program").arg(setup.controller),
+            BadInput);
     return judge(setup, requests, commandLine.isSet(QStringLiteral("json")));
 }
 
