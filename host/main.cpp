@@ -22,6 +22,7 @@ constexpr Command Commands[] = {
     {"check", "addresses: valid, or why not", host::checkCommand},
     {"series", "the addresses that a multiple copy gets", host::seriesCommand},
     {"explain", "frames in plain words, and what is wrong with them", host::explainCommand},
+    {"plan", "what one poll cycle will be, and what it will cost", host::planCommand},
     {"soak", "random traffic on a bad line, and the proof of what came of it", host::soakCommand},
     {"read", "one value of each address", host::readCommand},
     {"recipe", "many values at once, to a file or from it", host::recipeCommand},

@@ -10,6 +10,7 @@ namespace host {
 int demoCommand(const QStringList &arguments);
 int seriesCommand(const QStringList &arguments);
 int infoCommand(const QStringList &arguments);
+int planCommand(const QStringList &arguments);
 int explainCommand(const QStringList &arguments);
 int checkCommand(const QStringList &arguments);
 int soakCommand(const QStringList &arguments);

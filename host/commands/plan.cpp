@@ -1,0 +1,105 @@
+// tolvane-host plan: what one poll cycle will be, before any cable is plugged in.
+#include "host/commands/command_line.h"
+#include "host/commands/commands.h"
+#include "host/connection.h"
+#include "host/failure.h"
+#include "host/plan/picture.h"
+#include "host/plan/plan_text.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QJsonDocument>
+
+#include <limits>
+
+namespace host {
+
+namespace {
+
+constexpr int LongestTurnaroundMs = 10000;
+constexpr int HighestStation = 255;
+
+void save(const QString &path, const QByteArray &picture)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(picture) != picture.size() || !file.flush())
+        throw Failure(
+            QStringLiteral("cannot write the picture %1: %2").arg(path, file.errorString()),
+            BadInput);
+}
+
+}  // namespace
+
+int planCommand(const QStringList &arguments)
+{
+    CommandLine commandLine(
+        QStringLiteral("plan"),
+        QStringLiteral("What one poll cycle of these tags will be: the driver's requests, what "
+                       "they cost on the\nline, and what is saved by reading tags together. "
+                       "No line is opened."));
+    commandLine.addPositionalArgument(
+        QStringLiteral("tags"),
+        QStringLiteral("A tag file (CSV: name,address,format), or addresses such as D_W:100x10."),
+        QStringLiteral("TAGS..."));
+    const QCommandLineOption serial(
+        QStringLiteral("serial"),
+        QStringLiteral("Baud rate, data bits, parity, stop bits (default: the driver's)."),
+        QStringLiteral("settings"));
+    const QCommandLineOption turnaround(
+        QStringLiteral("turnaround"),
+        QStringLiteral("What the controller takes from a request to its reply (default: 0)."),
+        QStringLiteral("ms"), QStringLiteral("0"));
+    const QCommandLineOption blockLimit(QStringLiteral("block-limit"),
+                                        QStringLiteral("Words a request may span (default: 64)."),
+                                        QStringLiteral("words"), QStringLiteral("64"));
+    const QCommandLineOption station(QStringLiteral("station"),
+                                     QStringLiteral("The controller's number (default: 0)."),
+                                     QStringLiteral("n"), QStringLiteral("0"));
+    const QCommandLineOption suggest(
+        QStringLiteral("suggest"),
+        QStringLiteral("Also find the block limit with the shortest cycle."));
+    const QCommandLineOption svg(QStringLiteral("svg"),
+                                 QStringLiteral("Draw the cycle into this file."),
+                                 QStringLiteral("file"));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON object."));
+    commandLine.addOptions({serial, turnaround, blockLimit, station, suggest, svg, json});
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    const QStringList given = commandLine.positionalArguments().mid(1);
+    if (given.isEmpty())
+        throw Failure(QStringLiteral("nothing to plan; expected a tag file or addresses"),
+                      BadInput);
+
+    const Driver driver = loadDriver(commandLine.driverPath());
+    const Identity identity = identify(driver);
+    Plan plan;
+    plan.lineText = commandLine.isSet(serial) ? commandLine.value(serial) : identity.serialLine;
+    plan.line.serial = SerialSettings::parse(plan.lineText);
+    plan.line.turnaround = std::chrono::milliseconds(
+        numberOption(commandLine, QStringLiteral("turnaround"), 0, LongestTurnaroundMs));
+    plan.blockLimit = numberOption(commandLine, QStringLiteral("block-limit"), 1, LongestBlock);
+    plan.tags = parseTags(driver, identity, given,
+                          numberOption(commandLine, QStringLiteral("station"), 0, HighestStation));
+    QVector<Point> points;
+    for (const Tag &tag : std::as_const(plan.tags))
+        points.append(tag.point);
+
+    SessionSettings settings;
+    settings.blockLimit = plan.blockLimit;
+    Session session(driver, settings);
+    plan.blocks = walkCycle(driver, session, identity, points);
+    assignTags(plan.blocks, plan.tags);
+    plan.costs = costsOf(plan.blocks, plan.line);
+    plan.oneByOne = costsOneByOne(driver, session, identity, points, plan.line);
+    if (commandLine.isSet(suggest))
+        plan.best = bestBlockLimit(driver, session, identity, points, plan.line);
+
+    if (commandLine.isSet(svg))
+        save(commandLine.value(svg), drawPlan(driver, plan));
+    QTextStream out(stdout);
+    if (commandLine.isSet(json))
+        out << QJsonDocument(planToJson(driver, plan)).toJson();
+    else
+        printPlan(driver, plan, out);
+    return AllRight;
+}
+
+}  // namespace host

@@ -1,0 +1,17 @@
+// The planned cycle as a picture.
+#ifndef TOLVANE_HOST_PLAN_PICTURE_H
+#define TOLVANE_HOST_PLAN_PICTURE_H
+
+#include "host/plan/plan_text.h"
+
+namespace host {
+
+/**
+ * An SVG document: a lane for each station and register type along the address axis, tags above,
+ * blocks below in the colour of their wire time, bridged gaps hatched.
+ */
+QByteArray drawPlan(const Driver &driver, const Plan &plan);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,175 @@
+// Lays the planned cycle out in 100 columns.
+#include "host/plan/plan_text.h"
+
+#include <QtCore/QJsonArray>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr int Columns = 100;
+constexpr int TagColumn = 68;  // 3 + 2 + 16 + 5 * 9 + 2
+constexpr int LabelColumn = 20;
+
+double milliseconds(std::chrono::microseconds time)
+{
+    return static_cast<double>(time.count()) / 1000;
+}
+
+// Names with commas between, in lines of what is left of the terminal's width.
+QStringList wrappedNames(const Block &block, const QVector<Tag> &tags)
+{
+    QStringList lines(QString{});
+    for (const int index : block.tags) {
+        const QString name = tags[index].name + QLatin1Char(index == block.tags.last() ? ' ' : ',');
+        const int width = int(lines.last().size() + 1 + name.size());
+        if (!lines.last().isEmpty() && width > Columns - TagColumn)
+            lines.append(QString());
+        lines.last() += (lines.last().isEmpty() ? QString() : QStringLiteral(" ")) + name;
+    }
+    lines.last() = lines.last().trimmed();
+    return lines;
+}
+
+void printRow(const QStringList &cells, const QString &tags, QTextStream &out)
+{
+    out << cells[0].rightJustified(3) << QLatin1String("  ") << cells[1].leftJustified(16);
+    for (const QString &cell : cells.mid(2))
+        out << cell.rightJustified(9);
+    out << QLatin1String("  ") << tags << '\n';
+}
+
+void printBlocks(const Driver &driver, const Plan &plan, QTextStream &out)
+{
+    printRow({QStringLiteral("#"), QStringLiteral("block"), QStringLiteral("words"),
+              QStringLiteral("bridged"), QStringLiteral("request"), QStringLiteral("reply"),
+              QStringLiteral("wire")},
+             QStringLiteral("tags"), out);
+    for (int i = 0; i < int(plan.blocks.size()); ++i) {
+        const Block &block = plan.blocks[i];
+        const QStringList names = wrappedNames(block, plan.tags);
+        const int bridged = block.bridgedCount();
+        printRow(
+            {QString::number(i + 1), pointText(driver, block.point), QString::number(block.words),
+             bridged == 0 ? QStringLiteral("-") : QString::number(bridged),
+             QString::number(block.requestBytes), QString::number(block.replyBytes),
+             timeText(plan.line.wireTime(block.bytes()))},
+            names.first(), out);
+        for (const QString &more : names.mid(1))
+            out << QString(TagColumn, QLatin1Char(' ')) << more << '\n';
+    }
+}
+
+QString costsText(const CycleCosts &costs)
+{
+    return QStringLiteral("%1 %2, %3 bytes, %4")
+        .arg(costs.requests)
+        .arg(QLatin1String(costs.requests == 1 ? "request" : "requests"))
+        .arg(costs.bytes)
+        .arg(timeText(costs.time));
+}
+
+QString ratioText(const CycleCosts &costs, const CycleCosts &plan)
+{
+    return QString::number(static_cast<double>(costs.time.count()) /
+                               static_cast<double>(std::max<qint64>(1, plan.time.count())),
+                           'f', 1);
+}
+
+double percentShorter(const CycleCosts &costs, const CycleCosts &plan)
+{
+    return 100 - 100 * static_cast<double>(costs.time.count()) /
+                     static_cast<double>(std::max<qint64>(1, plan.time.count()));
+}
+
+void printTotals(const Plan &plan, QTextStream &out)
+{
+    const auto row = [&](const char *label, const QString &text) {
+        out << QString::fromLatin1(label).leftJustified(LabelColumn) << text << '\n';
+    };
+    const double seconds = static_cast<double>(plan.costs.time.count()) / 1e6;
+    row("one poll cycle", QStringLiteral("%1: %2 cycles a second")
+                              .arg(costsText(plan.costs), QString::number(1 / seconds, 'f', 1)));
+    row("a request per tag",
+        QStringLiteral("%1: %2 times as long")
+            .arg(costsText(plan.oneByOne), ratioText(plan.oneByOne, plan.costs)));
+    if (plan.best.words == 0)
+        return;
+    const double percent = percentShorter(plan.best.costs, plan.costs);
+    row("shortest cycle", QStringLiteral("with a block limit of %1: %2")
+                              .arg(plan.best.words)
+                              .arg(costsText(plan.best.costs)));
+    row("", percent > 0 ? QStringLiteral("%1 % shorter than with %2")
+                              .arg(QString::number(percent, 'f', 1))
+                              .arg(plan.blockLimit)
+                        : QStringLiteral("as long as with %1").arg(plan.blockLimit));
+}
+
+QJsonObject toJson(const CycleCosts &costs)
+{
+    return {{QStringLiteral("requests"), costs.requests},
+            {QStringLiteral("bytes"), costs.bytes},
+            {QStringLiteral("wireMs"), milliseconds(costs.wireTime)},
+            {QStringLiteral("ms"), milliseconds(costs.time)}};
+}
+
+QJsonObject toJson(const Driver &driver, const Plan &plan, const Block &block)
+{
+    QJsonArray names;
+    for (const int index : block.tags)
+        names.append(plan.tags[index].name);
+    return {{QStringLiteral("block"), pointText(driver, block.point)},
+            {QStringLiteral("words"), block.words},
+            {QStringLiteral("bridged"), block.bridgedCount()},
+            {QStringLiteral("requestBytes"), block.requestBytes},
+            {QStringLiteral("replyBytes"), block.replyBytes},
+            {QStringLiteral("wireMs"), milliseconds(plan.line.wireTime(block.bytes()))},
+            {QStringLiteral("tags"), names}};
+}
+
+}  // namespace
+
+QString timeText(std::chrono::microseconds time)
+{
+    return QString::number(milliseconds(time), 'f', 2) + QStringLiteral(" ms");
+}
+
+QString settingsText(const Plan &plan)
+{
+    return QStringLiteral("%1 words a block at most; %2, %3 bits a byte; turnaround %4 ms")
+        .arg(QString::number(plan.blockLimit), plan.lineText,
+             QString::number(plan.line.serial.bitsPerByte()),
+             QString::number(plan.line.turnaround.count()));
+}
+
+void printPlan(const Driver &driver, const Plan &plan, QTextStream &out)
+{
+    out << settingsText(plan) << "\n\n";
+    printBlocks(driver, plan, out);
+    out << '\n';
+    printTotals(plan, out);
+}
+
+QJsonObject planToJson(const Driver &driver, const Plan &plan)
+{
+    QJsonArray blocks;
+    for (const Block &block : plan.blocks)
+        blocks.append(toJson(driver, plan, block));
+    QJsonObject object{
+        {QStringLiteral("blockLimit"), plan.blockLimit},
+        {QStringLiteral("serial"), plan.lineText},
+        {QStringLiteral("turnaroundMs"), static_cast<double>(plan.line.turnaround.count())},
+        {QStringLiteral("blocks"), blocks},
+        {QStringLiteral("cycle"), toJson(plan.costs)},
+        {QStringLiteral("requestPerTag"), toJson(plan.oneByOne)}};
+    if (plan.best.words > 0) {
+        QJsonObject best = toJson(plan.best.costs);
+        best.insert(QStringLiteral("blockLimit"), plan.best.words);
+        object.insert(QStringLiteral("suggestion"), best);
+    }
+    return object;
+}
+
+}  // namespace host
