@@ -60,7 +60,7 @@ void addConnectionOptions(QCommandLineParser &parser)
         "Pace of a simulated controller, 0 for none (default: the line's with --simulate, none on "
         "a pseudo-terminal).",
         "rate");
-    add("station", "Number of the controller in the driver's books.", "number", "1");
+    add("station", "Station number that the values are kept under.", "number", "1");
     add("retries", "Times that a request is sent before it is given up.", "number", "3");
     add("block-limit", "Words that one request may span, 1 to 127.", "words", "64");
     add("timeout", "How long the controller may think, in milliseconds.", "ms", "500");
@@ -81,11 +81,12 @@ int numberOption(const QCommandLineParser &parser, const QString &name, int lowe
 }
 
 Connection::Connection(const QCommandLineParser &parser)
-    : m_device(parser.value(optionName("port"))), m_server(parser.value(optionName("tcp")))
+    : m_device(parser.value(optionName("port"))),
+      m_server(parser.value(optionName("tcp"))),
+      m_simulationAsked(parser.isSet(optionName("simulate")))
 {
-    const bool simulate = parser.isSet(optionName("simulate"));
     if (int(parser.isSet(optionName("port"))) + int(parser.isSet(optionName("tcp"))) +
-            int(simulate) >
+            int(m_simulationAsked) >
         1)
         throw Failure(QStringLiteral("more than one line; expected --port, --tcp or --simulate"),
                       BadInput);
@@ -143,10 +144,12 @@ void Connection::makeLine()
             findController(),
             QStringList{QStringLiteral("--baud"), QString::number(m_simulatedBaud)});
         m_device = m_controller->device();
-        say(QStringLiteral("talking to a simulated controller, %1").arg(m_device));
+        say(QLatin1String(m_simulationAsked ? "" : "no line named: ") +
+            QStringLiteral("talking to a simulated controller on %1").arg(m_device));
     }
-    m_loopSettings.paced = m_simulatedBaud > 0 || !isPseudoTerminal(m_device);
-    if (m_simulatedBaud > 0)
+    const bool hasPaceOfItsOwn = !isPseudoTerminal(m_device);
+    m_loopSettings.paced = hasPaceOfItsOwn || m_simulatedBaud > 0;
+    if (!hasPaceOfItsOwn && m_simulatedBaud > 0)
         m_serial.baudRate = m_simulatedBaud;
     m_place = m_device;
     m_line = std::make_unique<SerialLine>(m_device, m_serial);

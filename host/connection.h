@@ -73,6 +73,7 @@ private:
     int m_stationNo = 0;
     QString m_device;  // one of these two, or neither: simulated
     QString m_server;
+    bool m_simulationAsked = false;
     SerialSettings m_serial;
     int m_simulatedBaud = 0;  // 0: answers at once, or is no simulation
     LoopSettings m_loopSettings;
