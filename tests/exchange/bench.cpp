@@ -1,8 +1,6 @@
 // The bench: loading the driver, handing it what it is given, watching what comes back.
 #include "bench.h"
 
-#include <QtTest>
-
 namespace {
 
 Bench *current = nullptr;
@@ -58,6 +56,11 @@ Driver::~Driver()
 bool isBitType(const QString &name)
 {
     return !name.endsWith("_W");
+}
+
+int widthOf(const Range &range)
+{
+    return isBitType(range.name) ? 1 : 2;
 }
 
 QByteArray valuesIn(const plc::Memory &memory, const Range &range)
@@ -141,12 +144,11 @@ void Bench::callBack(int first, int stationNo, const QString &text, int address)
     else
         bench.flaws << "callback while the panel's mutex is held";
 
-    QString call = QString("%1 %2 %3 %4")
-                       .arg(QString::number(first), QString::number(stationNo), text,
-                            QString::number(address));
-    call.replace(QRegularExpression("^7 1 "), QString());
-    call.replace(QRegularExpression("^0 -1 RWI"), "RWI");
-    call.replace(QRegularExpression("^-1 -1 -1 "), "done ");
+    QString call = text + ' ' + QString::number(address);
+    if (first == -1 && stationNo == -1 && text == "-1")
+        call = "done " + QString::number(address);
+    else if (!(first == 7 && stationNo == 1) && !(first == 0 && stationNo == -1))
+        call.prepend(QString("%1 %2 ").arg(first).arg(stationNo));
     bench.calls << call;
     if (bench.reaction)
         bench.reaction(call);
@@ -202,7 +204,7 @@ void Bench::write(const Range &range, const QByteArray &values)
 
 QByteArray Bench::get(const Range &range)
 {
-    const int bytes = qMax(0, range.count) * (isBitType(range.name) ? 1 : 2);
+    const int bytes = qMax(0, range.count) * widthOf(range);
     QByteArray out(bytes + 1, '\xEE');
     driver.getData(range.station, range.name, range.start, range.count,
                    reinterpret_cast<unsigned char *>(out.data()));
@@ -233,8 +235,9 @@ void Bench::checkFrame()
     const int words = reads || command == 'w' ? bytes.mid(9, 2).toInt(nullptr, 16) / 2 : 0;
     const int sendLen = reads ? 14 : command == 'w' ? 14 + 4 * words : 16;
     if (bytes != wrapped(STX, bytes.mid(1, bytes.size() - 4), ETX) || frame.sendLen != sendLen ||
-        words > 127 || frame.replyLen != (reads ? 4 * words + 5 : 5) ||
-        frame.dataStart != (reads ? 2 : 0) || frame.readCount != (reads ? words : 0))
+        words > 127 || (words < 1 && sendLen != 16) ||
+        frame.replyLen != (reads ? 4 * words + 5 : 5) || frame.dataStart != (reads ? 2 : 0) ||
+        frame.readCount != (reads ? words : 0))
         flaws << "frame not in order: " + QString::fromLatin1(bytes.toHex());
 }
 

@@ -48,6 +48,8 @@ struct Range
 
 /** Whether values of the type are bits, a byte each, rather than words of two bytes. */
 bool isBitType(const QString &name);
+/** Bytes of one of the range's values as the host passes it. */
+int widthOf(const Range &range);
 
 /** The values of a range as `memory` holds them, laid out as the host passes values. */
 QByteArray valuesIn(const plc::Memory &memory, const Range &range);

@@ -21,6 +21,9 @@ void Exchange::callbacks_data()
     row("a write made inside a report is sent", R"(
         monitor D_W 10 : 1; on D_W 10 do write D_W 11 = 0900
         send : *; reply data 7856 => D_W 10; send : wa 1600 00 02 0900)");
+    row("a neighbouring bit written inside a report stays written", R"(
+        monitor M_bit 0 : 1; on M_bit 0 do write M_bit 1 = 01; write M_bit 0 = 01 => M_bit 0
+        get M_bit 0 x2 : 01 01)");
     row("a write made inside the report of a failed write outlives it", R"(
         monitor D_W 10 : 1; write D_W 10 = 7856 => D_W 10; on D_W 10 do write D_W 10 = 0900
         send : *; fail => *; send : wa 1400 00 02 0900)");
@@ -42,6 +45,7 @@ void Exchange::anyExportInAnyCallback_data()
         "%1; write M_bit 3 = 010101 => *",
         "%1; write TX 5 = 010101 => *",
         "%1; plc D 10 = 0100 0200 0300; serve 3 : * => *",
+        "%1; plc TX 0 = E000; serve 3 : * => *",
         "write D_W 10 = 0100 0200 0300 => *; %1; send : *; fail : * => *",
         "write M_bit 3 = 010101 => *; serve 1 : *; %1; serve 1 : * => *",
         "monitor : 0; request read; %1; serve 1 : * => *",
@@ -87,7 +91,7 @@ void Exchange::anyExportInAnyCallback()
     QVERIFY(bench.init("7#0#0#3#64"));
     QCOMPARE(play(bench,
                   "monitor D_W 10 x3, M_bit 3 x3, TX 5 x3 : 3;"
-                  "recipe D_W 10 x3 @1, M_bit 3 x3 @7 : 2;" +
+                  "recipe D_W 10 @1, D_W 11 x2 @2, M_bit 3 x3 @7 : 3;" +
                       callback.arg("on * do " + action)),
              QString());
     QVERIFY2(!bench.reaction, "no callback came");

@@ -36,10 +36,12 @@ void Exchange::bounds_data()
         condition D_W 2147483640 x40000; condition TX 2147483640 x100
         get D_W 2147483647 x2 : *
         recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");
-    row("a new start empties queues, cache and the frame in flight", R"(
-        monitor D_W 5 : 1; send : *; reply data 0100 => D_W 5
-        flood write 3; flood condition 3; send : *; init 7#0#0#3#64
-        reply ok : 0; get D_W 5 : 0000; serve 2 : - -)");
+    row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
+        monitor D_W 5 : 1; send : *; reply data 0100 => D_W 5; flood condition 6; serve 3 : *
+        flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
+        init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000
+        request write; serve 2 : - -; request none; flood condition 1; send : *; fail => done -1
+        monitor D_W 5 : 1; flood condition 3; serve 4 : rD0 rD1 rD5 rD2 => done 0)");
 }
 
 void Exchange::longRanges_data()
@@ -75,7 +77,7 @@ void Exchange::longRanges()
     range.start = start;
     range.count = count;
     range.unit = 1;
-    const int width = isBitType(name) ? 1 : 2;
+    const int width = widthOf(range);
     QByteArray values;
     for (int i = 0; i < count * width; ++i)
         values += char(isBitType(name) ? i * i / 3 & 1 : i * 7 + i / 251);

@@ -32,7 +32,7 @@ QVector<Range> ranges(const QString &text)
 }
 
 /** The values behind "="; empty when there are none. */
-QByteArray valuesIn(const QString &text)
+QByteArray valuesBehind(const QString &text)
 {
     return QByteArray::fromHex(text.section('=', 1).toLatin1());
 }
@@ -50,10 +50,10 @@ QString unless(int usual, int result)
 
 QString write(Bench &bench, const QString &text)
 {
-    const QByteArray values = valuesIn(text);
+    const QByteArray values = valuesBehind(text);
     Range range = ranges(text.section('=', 0, 0)).first();
     if (!text.contains(" x"))
-        range.count = int(values.size()) / (isBitType(range.name) ? 1 : 2);
+        range.count = int(values.size()) / widthOf(range);
     bench.write(range, values);
     return QString();
 }
@@ -75,7 +75,7 @@ QString buffer(Bench &bench, const QString &text)
 {
     const Range range = ranges("unit " + text).first();
     char *const at = reinterpret_cast<char *>(bench.buffer.get()) + 2 * range.start;
-    const QByteArray values = valuesIn(text);
+    const QByteArray values = valuesBehind(text);
     memcpy(at, values.constData(), size_t(values.size()));
     return values.isEmpty() ? hex(QByteArray(at, 2 * range.count)) : QString();
 }
@@ -84,7 +84,7 @@ QString plcWords(Bench &bench, const QString &text)
 {
     Range range = ranges(text).first();
     range.name += "_W";
-    const QByteArray values = valuesIn(text);
+    const QByteArray values = valuesBehind(text);
     if (values.isEmpty())
         return hex(bench.held(range));
     range.count = int(values.size()) / 2;

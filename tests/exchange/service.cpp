@@ -25,9 +25,14 @@ void Exchange::service_data()
         monitor D_W 100 : 1; flood condition 3; flood write 2
         serve 7 : wD0 wD1 rD0 rD100 rD1 rD2 rD100 => done 0)");
     row("cyclic reads take turns, ordered by station, type, address", R"(
-        monitor 2#P_W 9, D_W 500, D_W 0, M_W 3 : 4; serve 6 : rM3 rD0 rD500 rP9 rM3 rD0)");
+        monitor 2#P_W 9, D_W 500, D_W 0, M_W 3 : 4; serve 6 : rM3 rD0 rD500 rP9 rM3 rD0
+        monitor D_W 500, D_W 0 : 2; serve 1 : rD0)");
     row("a given-up cyclic read waits for its next turn", R"(
-        monitor D_W 0, D_W 500 : 2; send : ra 0000 00 02; fail; serve 2 : rD500 rD0)");
+        monitor D_W 0, D_W 500 : 2; send : ra 0000 00 02; fail; send : ra E803 00 02; fail
+        serve 1 : rD0)");
+    row("what is no longer monitored is not reported", R"(
+        monitor D_W 5, M_bit 3 : 2; monitor : 0; condition M_bit 0 x16; condition D_W 5
+        send : *; reply data FFFF; send : *; reply data FFFF => done 0)");
     row("a write waits until the frame in flight is done", R"(
         monitor D_W 100 : 1; send : ra C800 00 02; write D_W 5 = 0100
         send : ra C800 00 02; reply plc; serve 1 : wD5)");
@@ -50,6 +55,8 @@ void Exchange::service_data()
         init 7#0#0#3#32; condition D_W 0 x100 kind 9
         send : ra 0000 00 40; item : 9 1 D_W 0 x32
         serve 5 : rD0x32 rD32x32 rD64x32 - rD96x4 => done 0)");
+    row("a condition read of bits is cut at eight times the block limit", R"(
+        init 7#0#0#3#4; condition M_bit 0 x64; serve 2 : rM0x2 rM2x2 => done 0)");
     row("condition reads of bits and contacts", R"(
         condition M_bit 1604 x21 kind 3
         send : ri C800 00 04; item : 3 1 M_W 100 x2; reply data 1000 0100 => done 0
@@ -64,7 +71,8 @@ void Exchange::service_data()
         init 7#0#0#3#32; condition D_W 0 x96
         serve 1 : rD0x32; send : ra 4000 00 40; fail; serve 2 : - -)");
     row("the failure of the last condition read is announced", R"(
-        condition D_W 0; condition D_W 9; serve 1 : rD0; send : *; fail => done -1; send : -)");
+        monitor D_W 9 : 1; condition D_W 0; condition D_W 9; serve 1 : rD0
+        send : *; fail => done -1; serve 1 : rD9)");
     row("a good reply starts the count of tries anew", R"(
         condition D_W 9; condition D_W 10; send : ra 1200 00 02; reply none : 8; reply none : 8
         send : ra 1200 00 02; reply data 0100; send : ra 1400 00 02; fail => done -1)");

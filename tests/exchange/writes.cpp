@@ -93,7 +93,12 @@ void Exchange::writes_data()
     row("shown but not sent", R"(
         init 7#1#0#3#64; monitor D_W 5 : 1; write D_W 5 = 0100 => D_W 5
         serve 1 : rD5; get D_W 5 : 0100
-        plc D 5 = 0200; serve 1 : rD5 => D_W 5; get D_W 5 : 0200)");
+        plc D 5 = 0200; serve 1 : rD5 => D_W 5; get D_W 5 : 0200
+        monitor M_bit 3 : 1; write M_bit 3 = 01 => M_bit 3; get M_bit 3 : 01
+        plc M 0 = 0100; serve 1 : rM0; get M_bit 3 : 00)");
+    row("a written contact shows as it was written until the controller says something new", R"(
+        monitor TX 5 : 1; send : *; write TX 5 = 09 => TX 5; get TX 5 : 09
+        reply data 2000 => TX 5; get TX 5 : 01)");
     row("513 writes at most, the last place for the newest", R"(
         flood write 600; serve 564 : *; serve 2 : - -
         plc D 510 x3 : FF01 0002 0000; plc D 598 x2 : 0000 5802)");
