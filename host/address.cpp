@@ -44,7 +44,7 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
         throw refuse(text, QStringLiteral("expected a count of 1 or more"));
     const RegisterType *type = identity.type(point.regName);
     if (!type)
-        throw refuse(text, QStringLiteral("no register type \"%1\"; there are %2")
+        throw refuse(text, QStringLiteral("no register type \"%1\"; there are\n  %2")
                                .arg(point.regName, typeNames(identity)));
     point.isBit = type->isBit;
 

@@ -60,7 +60,7 @@ private:
                 pieces.append(next);
         }
         // Short pieces are drawn wider than their units; the others share what is left.
-        double room = m_width - (pieces.size() - 1) * BreakWidth;
+        double room = m_width - (int(pieces.size()) - 1) * BreakWidth;
         int units = 0;
         for (const Span &piece : std::as_const(pieces)) {
             if (piece.count <= ShortPiece)

@@ -173,19 +173,30 @@ private:
             m_svg.rectangle(
                 QRectF(m_left + gap.left, place.top() + 0.5, gap.width(), place.height() - 1),
                 text(Svg::Hatch), text("none"));
+        nameBlock(bar, place, time, text(colour >= FirstDarkColour ? "#fff" : "#111"));
+    }
+
+    void nameBlock(const Bar &bar, const QRectF &place, microseconds time, const QString &colour)
+    {
         const Extent free = widestColoured(bar);
-        if (free.width() < RoomForNumber)
-            return;
         TextStyle style;
         style.size = 10;
         style.anchor = text("middle");
-        style.colour = text(colour >= FirstDarkColour ? "#fff" : "#111");
+        style.colour = colour;
+        QPointF at(m_left + free.middle(), place.center().y() + 3.6);
         const QString number = QString::number(bar.index + 1);
-        m_svg.text({m_left + free.middle(), place.center().y() + 3.6},
-                   free.width() < RoomForTime
-                       ? number
-                       : QStringLiteral("%1: %2").arg(number, timeText(time)),
-                   style);
+        const bool isPatched = free.width() < RoomForNumber && place.width() >= RoomForTime;
+        if (isPatched) {  // gaps everywhere: make room in the middle
+            at.setX(place.center().x());
+            style.colour = text("#111");
+            m_svg.rectangle(
+                QRectF(at.x() - RoomForTime / 2, place.top() + 3, RoomForTime, place.height() - 6),
+                text("#fff"), text("none"));
+        }
+        if (isPatched || free.width() >= RoomForTime)
+            m_svg.text(at, QStringLiteral("%1: %2").arg(number, timeText(time)), style);
+        else if (free.width() >= RoomForNumber)
+            m_svg.text(at, number, style);
     }
 
     void drawAxis(const Row &row, double y, double top)
