@@ -24,11 +24,11 @@ inline void table(const Cells &columns, const std::vector<Cells> &rows)
     }
 }
 
-/** One range as a row writes it: "M_bit 1604 x21", "2:D_W 0 x2 @5", "TX 3 x2 0001". */
+/** One range as a row writes it: "M_bit 1604 x21", "2:D_W 0 x2 @5", "TX 3 0001"; a count of 1 may
+ * be left out. */
 struct Range
 {
     int station;
-    bool foreign;  ///< "other:": a recipe entry that belongs to another driver
     QString name;
     int start;
     int count;
@@ -40,15 +40,14 @@ struct Range
 inline QList<Range> ranges(const QString &text)
 {
     static const QRegularExpression form(
-        "(?:(\\w+):)?(\\w+) (-?\\d+) x(-?\\d+)(?: @(\\d+))?(?: ([0-9A-F]+)(?![^,;\\s]))?");
+        "(?:(\\d+):)?(\\w+) (-?\\d+)(?: x(-?\\d+))?(?: @(\\d+))?(?: ([0-9A-F]+)(?![^,;\\s]))?");
     QList<Range> result;
     for (auto all = form.globalMatch(text); all.hasNext();) {
         const QRegularExpressionMatch match = all.next();
-        const QString before = match.captured(1);
-        const bool foreign = before == "other";
-        result.append({before.isEmpty() || foreign ? 1 : before.toInt(), foreign, match.captured(2),
-                       match.captured(3).toInt(), match.captured(4).toInt(),
-                       match.captured(5).toInt(),
+        const auto number = [&match](int group) {
+            return match.captured(group).isEmpty() ? 1 : match.captured(group).toInt();
+        };
+        result.append({number(1), match.captured(2), number(3), number(4), number(5),
                        QByteArray::fromHex(match.captured(6).toLatin1())});
     }
     return result;
@@ -69,15 +68,6 @@ template <typename Record>
 QString rangeText(const Record &record)
 {
     return rangeText(record.stationNo, record.regName, record.startAddr, record.count);
-}
-
-template <typename Records>
-QString rangeTexts(const Records &records)
-{
-    QStringList texts;
-    for (const auto &record : records)
-        texts.append(rangeText(record));
-    return texts.join(", ");
 }
 
 /** Bytes of one element in a value buffer; a name that is no word type's is a bit type's. */
@@ -140,18 +130,16 @@ public:
         return reinterpret_cast<unsigned char *>(array.data());
     }
 
-    /** The driver as after loading, initialised with this text. */
-    void start(const QByteArray &propertyText = "7#0#0#3#64")
+    /** The driver as after loading, initialised with this block limit. */
+    void start(const QString &blockLimit = "64")
     {
         shared.fill('\0');
         buffer.fill('\x5A');
         reports.clear();
         intf_setAddrValueChangeCallBack(hear);
-        initProperty(propertyText);
+        initProperty("7#0#0#3#" + blockLimit.toLatin1());
         intf_setRcpAddress({});
     }
-
-    void startWithLimit(const QString &blockLimit) { start("7#0#0#3#" + blockLimit.toLatin1()); }
 
     /** The result of intf_initProperty(), or -1 when it left its result pointer alone. */
     int initProperty(const QByteArray &propertyText)
