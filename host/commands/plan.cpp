@@ -52,8 +52,8 @@ int planCommand(const QStringList &arguments)
                                         QStringLiteral("Words a request may span (default: 64)."),
                                         QStringLiteral("words"), QStringLiteral("64"));
     const QCommandLineOption station(QStringLiteral("station"),
-                                     QStringLiteral("The controller's number (default: 0)."),
-                                     QStringLiteral("n"), QStringLiteral("0"));
+                                     QStringLiteral("The station number of the tags (default: 1)."),
+                                     QStringLiteral("n"), QStringLiteral("1"));
     const QCommandLineOption suggest(
         QStringLiteral("suggest"),
         QStringLiteral("Also find the block limit with the shortest cycle."));

@@ -67,6 +67,7 @@ private slots:
     void everyTagIsReadAndNothingOverlaps();
     void bestBlockLimitIsTheBest();
     void picture();
+    void everyOptionIsDocumented();
 
 private:
     QString file(const char *name) const { return m_folder.filePath(QString(name)); }
@@ -214,7 +215,8 @@ void TestOffline::command_data()
     row("check what is not valid", {"check", "D_W:32767x2", "M_bit:1.16", "X:1", file("wrong.csv")},
         1,
         "^argument 1: .*from 0 to 32767\nargument 2: .*\"1\\.16\".*DDDD\\.DD\n"
-        "argument 3: .*\"X\".*\n  P_W, .*\nlevel: valid.*\nwrong\\.csv:4: tag \"flood\": .*32767\n$");
+        "argument 3: .*\"X\".*\n  P_W, .*\nlevel: valid.*\nwrong\\.csv:4: tag \"flood\": "
+        ".*32767\n$");
     refused("check no tag file", {"check", file("none.csv")}, "none\\.csv: No such file");
     refused("check another file", {"check", file("columns.csv")},
             "columns\\.csv:1: .*expected name,address,format");
@@ -384,6 +386,36 @@ void TestOffline::picture()
         QVERIFY2(texts.contains(text), text);
     for (const char *address : {"100", "900", "20", "35"})
         QVERIFY2(texts.contains(address), address);
+}
+
+void TestOffline::everyOptionIsDocumented()
+{
+    QByteArray manual;
+    QByteArray completion;
+    for (const auto &[name, text] : {std::make_pair("tolvane-host.1", &manual),
+                                     std::make_pair("tolvane-host.bash", &completion)}) {
+        QFile in(QString(HOST_SOURCES "/") + name);
+        QVERIFY(in.open(QIODevice::ReadOnly));
+        *text = in.readAll().replace("\\-", "-");
+    }
+    static const QRegularExpression commandRow("^  ([a-z]+) +",
+                                               QRegularExpression::MultilineOption);
+    static const QRegularExpression optionRow("^  (?:-h, )?(--[a-z-]+)",
+                                              QRegularExpression::MultilineOption);
+    int commands = 0;
+    for (auto rows = commandRow.globalMatch(runHost({"--help"}).out); rows.hasNext(); ++commands) {
+        const QString command = rows.next().captured(1);
+        QVERIFY2(manual.contains(command.toLatin1()), qPrintable(command));
+        QVERIFY2(completion.contains(command.toLatin1()), qPrintable(command));
+        auto options = optionRow.globalMatch(runHost({command, "--help"}).out);
+        QVERIFY(options.hasNext());
+        while (options.hasNext()) {
+            const QString option = options.next().captured(1);
+            QVERIFY2(manual.contains(option.toLatin1()), qPrintable(command + ' ' + option));
+            QVERIFY2(completion.contains(option.toLatin1()), qPrintable(command + ' ' + option));
+        }
+    }
+    QVERIFY(commands >= 11);
 }
 
 QTEST_GUILESS_MAIN(TestOffline)

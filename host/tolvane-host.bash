@@ -1,0 +1,60 @@
+# Bash completion for tolvane-host.
+_tolvane_host()
+{
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=${COMP_WORDS[1]} candidates
+    local line="--port --tcp --simulate --serial --baud --station --retries --block-limit
+        --timeout --trace"
+    if [[ $COMP_CWORD == 1 ]]; then
+        candidates="check demo explain info plan read recipe series soak watch write
+            --help --version"
+        mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
+        return
+    fi
+    case $previous in
+    --driver | --port | --trace | --svg | --csv | --controller)
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        return
+        ;;
+    --serial)
+        candidates="9600,8,NONE,1 19200,8,NONE,1 38400,8,NONE,1 57600,8,NONE,1 115200,8,NONE,1"
+        mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
+        return
+        ;;
+    --faults)
+        compopt -o nospace
+        candidates="loss= cut= flip= late= double= noise= mute="
+        mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
+        return
+        ;;
+    --tcp | --baud | --station | --retries | --block-limit | --timeout | --turnaround | --count | \
+        --step | --for | --exchanges | --seed)
+        return
+        ;;
+    esac
+    case $command in
+    info | check) candidates="--json" ;;
+    series) candidates="--count --step --json" ;;
+    explain) candidates="--wrong --json" ;;
+    plan)
+        candidates="--serial --turnaround --block-limit --station --suggest --svg --json"
+        ;;
+    read | write) candidates="$line --json" ;;
+    watch) candidates="$line --csv --for" ;;
+    recipe)
+        candidates=$line
+        if [[ $COMP_CWORD == 2 ]]; then
+            candidates="pull push $line"
+        fi
+        ;;
+    soak) candidates="--exchanges --faults --seed --timeout --controller --json" ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$candidates --driver --help" -- "$word")
+    # Tag files, recipes and traces.
+    if [[ $word != -* && $command =~ ^(check|explain|plan|read|recipe|watch)$ ]]; then
+        compopt -o filenames
+        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "$word")
+    fi
+}
+complete -F _tolvane_host tolvane-host
