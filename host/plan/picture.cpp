@@ -5,7 +5,6 @@
 #include "host/plan/svg.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace host {
 
