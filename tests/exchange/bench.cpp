@@ -5,14 +5,6 @@ namespace {
 
 Bench *current = nullptr;
 
-template <typename Function>
-void find(QLibrary &library, const char *name, Function *function)
-{
-    *function = reinterpret_cast<Function>(library.resolve(name));
-    if (!*function)
-        qFatal("%s: %s", name, qPrintable(library.errorString()));
-}
-
 KEY_ADDRESS key(const Range &range)
 {
     KEY_ADDRESS key;
@@ -31,20 +23,12 @@ char deviceOf(const QString &registerType)
 
 }  // namespace
 
-Driver::Driver() : library_(TOLVANE_LIBRARY)
+QFunctionPointer Driver::find(const char *name)
 {
-    find(library_, "intf_getProtocolType", &getProtocolType);
-    find(library_, "intf_checkAddrValidity", &checkAddrValidity);
-    find(library_, "intf_checkAddr", &checkAddr);
-    find(library_, "intf_setAddrValueChangeCallBack", &setAddrValueChangeCallBack);
-    find(library_, "intf_initProperty", &initProperty);
-    find(library_, "intf_addrMerge", &addrMerge);
-    find(library_, "intf_addConditionRead", &addConditionRead);
-    find(library_, "intf_setRcpAddress", &setRcpAddress);
-    find(library_, "intf_getData", &getData);
-    find(library_, "intf_setData", &setData);
-    find(library_, "intf_getSendFrame", &getSendFrame);
-    find(library_, "intf_dealRcvFrame", &dealRcvFrame);
+    const QFunctionPointer function = library_.resolve(name);
+    if (!function)
+        qFatal("%s: %s", name, qPrintable(library_.errorString()));
+    return function;
 }
 
 Driver::~Driver()

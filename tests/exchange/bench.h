@@ -13,25 +13,27 @@
 /** The exports, looked up by name. Loads the library and, at the end, unloads it again. */
 class Driver
 {
+    QLibrary library_{TOLVANE_LIBRARY};  // first: the exports below are found in it
+    QFunctionPointer find(const char *name);
+
 public:
-    Driver();
     ~Driver();
 
-    decltype(&intf_getProtocolType) getProtocolType;
-    decltype(&intf_checkAddrValidity) checkAddrValidity;
-    decltype(&intf_checkAddr) checkAddr;
-    decltype(&intf_setAddrValueChangeCallBack) setAddrValueChangeCallBack;
-    decltype(&intf_initProperty) initProperty;
-    decltype(&intf_addrMerge) addrMerge;
-    decltype(&intf_addConditionRead) addConditionRead;
-    decltype(&intf_setRcpAddress) setRcpAddress;
-    decltype(&intf_getData) getData;
-    decltype(&intf_setData) setData;
-    decltype(&intf_getSendFrame) getSendFrame;
-    decltype(&intf_dealRcvFrame) dealRcvFrame;
-
-private:
-    QLibrary library_;
+#define TOLVANE_EXPORT(name) \
+    decltype(&intf_##name) name = reinterpret_cast<decltype(name)>(find("intf_" #name))
+    TOLVANE_EXPORT(getProtocolType);
+    TOLVANE_EXPORT(checkAddrValidity);
+    TOLVANE_EXPORT(checkAddr);
+    TOLVANE_EXPORT(setAddrValueChangeCallBack);
+    TOLVANE_EXPORT(initProperty);
+    TOLVANE_EXPORT(addrMerge);
+    TOLVANE_EXPORT(addConditionRead);
+    TOLVANE_EXPORT(setRcpAddress);
+    TOLVANE_EXPORT(getData);
+    TOLVANE_EXPORT(setData);
+    TOLVANE_EXPORT(getSendFrame);
+    TOLVANE_EXPORT(dealRcvFrame);
+#undef TOLVANE_EXPORT
 };
 
 /** A range of addresses as tests name it. */

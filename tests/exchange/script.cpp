@@ -1,40 +1,28 @@
 // Reading and playing scripts.
 #include "script.h"
 
-#include <QHash>
 #include <QRegularExpression>
 
 namespace {
 
-QVector<Range> ranges(const QString &text)
+/** All ranges in a step; "buffer 3 x2" and "serve 4" have the form of one as well. */
+QVector<Range> rangesIn(const QString &text)
 {
     static const QRegularExpression pattern(
-        "(?:(\\d+)#)?(\\w+) (-?\\d+)(?: x(-?\\d+))?(?: @(\\d+))?(?: owner (\\d+))?(?: kind "
-        "(\\d+))?");
+        "(?:(\\d+)#)?(\\w+) (-?\\d+)(?![\\d#])(?: x(\\d+))?(?: @(\\d+))?(?: owner (\\d+))?"
+        "(?: kind (\\d+))?");
     QVector<Range> result;
-    QRegularExpressionMatchIterator found = pattern.globalMatch(text);
-    while (found.hasNext()) {
+    for (auto found = pattern.globalMatch(text); found.hasNext();) {
         const QRegularExpressionMatch match = found.next();
         const auto number = [&match](int group, int otherwise) {
             return match.captured(group).isEmpty() ? otherwise : match.captured(group).toInt();
         };
-        Range range;
-        range.station = number(1, range.station);
-        range.name = match.captured(2);
-        range.start = number(3, 0);
-        range.count = number(4, range.count);
-        range.unit = number(5, range.unit);
-        range.owner = number(6, range.owner);
-        range.kind = number(7, range.kind);
-        result << range;
+        const Range usual;
+        result << Range{match.captured(2),        number(3, 0),          number(4, usual.count),
+                        number(1, usual.station), number(7, usual.kind), number(5, usual.unit),
+                        number(6, usual.owner)};
     }
     return result;
-}
-
-/** The values behind "="; empty when there are none. */
-QByteArray valuesBehind(const QString &text)
-{
-    return QByteArray::fromHex(text.section('=', 1).toLatin1());
 }
 
 QString hex(const QByteArray &bytes)
@@ -43,144 +31,102 @@ QString hex(const QByteArray &bytes)
 }
 
 /** Result codes show only when they are not the usual one. */
-QString unless(int usual, int result)
+QString unlessOne(int result)
 {
-    return result == usual ? QString() : QString::number(result);
+    return result == 1 ? QString() : QString::number(result);
 }
 
-QString write(Bench &bench, const QString &text)
+QByteArray replyFor(Bench &bench, const QString &what, const QByteArray &data)
 {
-    const QByteArray values = valuesBehind(text);
-    Range range = ranges(text.section('=', 0, 0)).first();
-    if (!text.contains(" x"))
-        range.count = int(values.size()) / widthOf(range);
-    bench.write(range, values);
-    return QString();
+    if (what == "plc")
+        return bench.answer();
+    if (what == "data")
+        return wrapped(ACK, 'r' + data, EOT);
+    if (what == "raw")
+        return QByteArray::fromHex(data);
+    return what == "ok" ? wrapped(ACK, "w", EOT) : QByteArray();
 }
 
-QString flood(Bench &bench, const QString &text)
+void flood(Bench &bench, bool writes, int count)
 {
-    const int count = text.section(' ', 1).toInt();
     for (int i = 0; i < count; ++i) {
         const Range range{"D_W", i};
-        if (text.startsWith("write"))
+        if (writes)
             bench.write(range, QByteArray(1, char((i + 1) & 0xFF)) + char((i + 1) >> 8));
         else
             bench.condition(range);
     }
-    return QString();
 }
 
-QString buffer(Bench &bench, const QString &text)
+/** Does "VERB ARGUMENTS" and returns its outcome. */
+QString outcomeOf(Bench &bench, const QString &action)
 {
-    const Range range = ranges("unit " + text).first();
-    char *const at = reinterpret_cast<char *>(bench.buffer.get()) + 2 * range.start;
-    const QByteArray values = valuesBehind(text);
-    memcpy(at, values.constData(), size_t(values.size()));
-    return values.isEmpty() ? hex(QByteArray(at, 2 * range.count)) : QString();
-}
-
-QString plcWords(Bench &bench, const QString &text)
-{
-    Range range = ranges(text).first();
-    range.name += "_W";
-    const QByteArray values = valuesBehind(text);
-    if (values.isEmpty())
-        return hex(bench.held(range));
-    range.count = int(values.size()) / 2;
-    putValues(&bench.memory, range, values);
-    return QString();
-}
-
-QString send(Bench &bench, const QString &)
-{
-    const bool offered = bench.send();
-    const QByteArray request = bench.request();
-    return offered ? QString(request.mid(1, request.size() - 4)) : QString("-");
-}
-
-QString item(Bench &bench, const QString &)
-{
-    const VARIABLE &item = bench.frame.var;
-    return QString("%1 %2 %3 %4 x%5")
-        .arg(QString::number(item.kind), QString::number(item.stationNo), item.regName,
-             QString::number(item.startAddr), QString::number(item.count));
-}
-
-QString reply(Bench &bench, const QString &text)
-{
-    const QString what = text.section(' ', 0, 0);
-    const QByteArray data = text.section(' ', 1).remove(' ').toLatin1();
-    if (what == "plc")
-        return unless(1, bench.reply(bench.answer()));
-    if (what == "data")
-        return unless(1, bench.reply(wrapped(ACK, 'r' + data, EOT)));
-    if (what == "raw")
-        return unless(1, bench.reply(QByteArray::fromHex(data)));
-    return unless(1, bench.reply(what == "ok" ? wrapped(ACK, "w", EOT) : QByteArray()));
-}
-
-/** The scripts' property text allows three tries. */
-QString fail(Bench &bench, const QString &)
-{
-    QString results;
-    for (int i = 0; i < 3; ++i)
-        results += QString::number(bench.reply(QByteArray()));
-    return results == "882" ? QString() : results;
-}
-
-QString serve(Bench &bench, const QString &count)
-{
-    QStringList requests;
-    for (int i = 0; i < count.toInt(); ++i)
-        requests << bench.exchange();
-    return requests.join(' ');
-}
-
-const char *const requestNames[] = {"none", "write", "read", "both"};
-
-QString request(Bench &bench, const QString &text)
-{
-    for (int i = 0; i < 4; ++i) {
-        if (text == requestNames[i]) {
-            bench.shared[RecipeWriteRequest] = i == 1 || i == 3;
-            bench.shared[RecipeReadRequest] = i >= 2;
-        }
+    const QString verb = action.section(' ', 0, 0);
+    const QString text = action.section(' ', 1).trimmed();
+    const QVector<Range> ranges = rangesIn(action.section('=', 0, 0));
+    const QByteArray values = QByteArray::fromHex(action.section('=', 1).toLatin1());
+    Range range = ranges.value(0);
+    QStringList results;
+    if (verb == "init")
+        return unlessOne(bench.init(text.toLatin1()));
+    if (verb == "monitor")
+        return QString::number(bench.monitor(ranges));
+    if (verb == "recipe")
+        return QString::number(bench.recipe(ranges));
+    if (verb == "get")
+        return hex(bench.get(range));
+    if (verb == "error")
+        return bench.errorText;
+    if (verb == "send")
+        return bench.send() ? bench.request().mid(1).chopped(3) : "-";
+    if (verb == "item") {
+        const VARIABLE &item = bench.frame.var;
+        return QString("%1 %2 %3 %4 x%5")
+            .arg(QString::number(item.kind), QString::number(item.stationNo), item.regName,
+                 QString::number(item.startAddr), QString::number(item.count));
+    }
+    if (verb == "reply")
+        return unlessOne(bench.reply(
+            replyFor(bench, text.section(' ', 0, 0), text.section(' ', 1).remove(' ').toLatin1())));
+    if (verb == "serve") {
+        for (int i = 0; i < range.start; ++i)
+            results << bench.exchange();
+        return results.join(' ');
+    }
+    if (verb == "fail") {
+        for (int i = 0; i < 3; ++i)  // the scripts' property text allows three tries
+            results << QString::number(bench.reply(QByteArray()));
+        return results.join(' ') == "8 8 2" ? QString() : results.join(' ');
+    }
+    if (verb == "requested")
+        return bench.shared[RecipeWriteRequest]  ? "write"
+               : bench.shared[RecipeReadRequest] ? "read"
+                                                 : "none";
+    if (verb == "buffer") {
+        char *const at = reinterpret_cast<char *>(bench.buffer.get()) + 2 * range.start;
+        memcpy(at, values.constData(), size_t(values.size()));
+        return values.isEmpty() ? hex(QByteArray(at, 2 * range.count)) : QString();
+    }
+    if (verb == "plc") {
+        range.name += "_W";
+        if (values.isEmpty())
+            return hex(bench.held(range));
+        range.count = int(values.size()) / 2;
+        putValues(&bench.memory, range, values);
+    } else if (verb == "write") {
+        range.count = int(values.size()) / widthOf(range);
+        bench.write(range, values);
+    } else if (verb == "condition") {
+        bench.condition(range);
+    } else if (verb == "flood") {
+        flood(bench, range.name == "write", range.start);
+    } else if (verb == "request") {
+        bench.shared[RecipeWriteRequest] = text.contains("write");
+        bench.shared[RecipeReadRequest] = text.contains("read");
+    } else {
+        return "no such step";
     }
     return QString();
-}
-
-QString requested(Bench &bench, const QString &)
-{
-    return requestNames[bench.shared[RecipeWriteRequest] | bench.shared[RecipeReadRequest] << 1];
-}
-
-using Verb = QString (*)(Bench &, const QString &);
-
-const QHash<QString, Verb> &verbs()
-{
-    static const QHash<QString, Verb> table = {
-        {"init", [](Bench &b, const QString &t) { return unless(1, b.init(t.toLatin1())); }},
-        {"monitor",
-         [](Bench &b, const QString &t) { return QString::number(b.monitor(ranges(t))); }},
-        {"condition",
-         [](Bench &b, const QString &t) { return b.condition(ranges(t)[0]), QString(); }},
-        {"recipe", [](Bench &b, const QString &t) { return QString::number(b.recipe(ranges(t))); }},
-        {"get", [](Bench &b, const QString &t) { return hex(b.get(ranges(t)[0])); }},
-        {"error", [](Bench &b, const QString &) { return b.errorText; }},
-        {"write", write},
-        {"flood", flood},
-        {"buffer", buffer},
-        {"plc", plcWords},
-        {"send", send},
-        {"item", item},
-        {"reply", reply},
-        {"fail", fail},
-        {"serve", serve},
-        {"request", request},
-        {"requested", requested},
-    };
-    return table;
 }
 
 /** Empty when alike, else what came and what was expected. */
@@ -196,12 +142,8 @@ QString difference(const QString &what, QString expected, QString got)
 QString step(Bench &bench, const QString &text)
 {
     const QString padded = text + ' ';  // the outcome may be empty
-    const QString action = padded.section(" : ", 0, 0).trimmed();
-    const Verb verb = verbs().value(action.section(' ', 0, 0));
-    if (!verb)
-        return "no such step";
     return difference("outcome", padded.section(" : ", 1),
-                      verb(bench, action.section(' ', 1).trimmed()));
+                      outcomeOf(bench, padded.section(" : ", 0, 0).trimmed()));
 }
 
 /** Keeps a step for the callback that it waits for; false when the text is no such thing. */

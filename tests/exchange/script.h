@@ -11,7 +11,7 @@
 //     get RANGE : VALUES                 recipe RANGE @UNIT [owner O], ... : KEPT
 //     buffer UNIT [xCOUNT] : VALUES      plc DEVICE WORD [xCOUNT] : VALUES
 //     buffer UNIT = VALUES               plc DEVICE WORD = VALUES
-//     request read|write|both|none       requested : the same
+//     request none|[write] [read]         requested : write|read|none, the next
 //     flood write|condition COUNT        D_W 0, 1, 2 ..., one word each; the values 1, 2, 3 ...
 //     send : BODY                        the frame without opening byte, checksum, closing byte
 //     item : KIND STATION RANGE          what the frame says it serves

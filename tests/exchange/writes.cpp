@@ -4,28 +4,11 @@
 void Exchange::writes_data()
 {
     scripts();
-    row("words, low byte first", R"(
-        write D_W 100 kind 5 = 1234 ABCD; send : wa C800 00 04 1234ABCD; item : 5 1 D_W 100 x2
-        reply ok; get D_W 100 x2 : 1234 ABCD)");
-    row("set and clear a bit", R"(
-        write M_bit 163 = 01; send : oi 1400 00 0800; reply ok
-        write M_bit 163 = 00; send : ni 1400 00 F7FF; reply ok)");
-    row("a contact", "write TX 35 = 01 => TX 35; send : ol 0400 00 0800; reply ok");
-    row("only 1 shows as a set bit, yet any value but 0 sets it", R"(
-        write M_bit 163 = 02; get M_bit 163 : 00; send : oi 1400 00 0800)");
     row("several bits: read, merge, write", R"(
         monitor M_W 5 x2 : 1; write M_bit 94 kind 6 = 01 00 01 => M_W 5, M_W 6
         send : ri 0A00 00 04; item : 6 1 M_bit 94 x3; reply data 0180 F000
         send : wi 0A00 00 04 0140 F100; item : 6 1 M_bit 94 x3; reply ok => M_W 5, M_W 6
         get M_bit 94 x3 : 01 00 01)");
-    row("several contacts", R"(
-        write TX 30 = 01 00 01 => TX 30, TX 32
-        send : rl 0200 00 04; reply data 0180 F000
-        send : wl 0200 00 04 0140 F100; reply ok; get TX 30 x3 : 01 00 01)");
-    row("as many words as the bits reach", R"(
-        write M_bit 0 = 01010101; serve 2 : rM0 wM0
-        write M_bit 0 = 0101010101010101010101010101010101; serve 2 : rM0x2 wM0x2
-        plc M 0 x2 : FFFF 0100)");
     row("several bits given up while still reading", R"(
         monitor M_bit 95 : 1; write M_bit 94 = 01 01 => M_bit 95
         send : ri 0A00 00 02; fail => M_bit 95; get M_bit 94 x2 : 00 00; serve 1 : rM5)");
@@ -41,12 +24,6 @@ void Exchange::writes_data()
         error : 1#D_W10(2)(0); get D_W 10 : 3412)");
     row("a failed write of a contact is reported though nobody monitors it", R"(
         write TX 5 = 01 => TX 5; send : *; fail => TX 5; get TX 5 : 00)");
-    row("an acknowledged write is kept without a report", R"(
-        monitor D_W 10 : 1; write D_W 10 = 7856 => D_W 10
-        serve 1 : wD10; get D_W 10 : 7856; serve 1 : rD10)");
-    row("a write goes on showing when a read brings nothing new", R"(
-        monitor D_W 10 : 1; send : ra 1400 00 02; write D_W 10 = 7856 => D_W 10
-        reply data 0000; get D_W 10 : 7856)");
     row("a write is hidden by a new value from the controller until it is acknowledged", R"(
         monitor D_W 10 : 1; send : ra 1400 00 02; write D_W 10 = 7856 => D_W 10
         reply data 3412 => D_W 10; get D_W 10 : 3412
@@ -82,23 +59,12 @@ void Exchange::writes_data()
     row("another length or station is another write", R"(
         write D_W 1 = 0100; write D_W 5 = 0200; write 2#D_W 5 = 0300; write D_W 5 = 0400 0500
         serve 5 : wD1 wD5 wD5 wD5x2 -)");
-    row("a long write is cut, each piece with its values", R"(
-        init 7#0#0#3#2; write D_W 0 = 0100 0200 0300 0400 0500
-        send : wa 0000 00 04 0100 0200; reply ok
-        send : wa 0400 00 04 0300 0400; reply ok
-        send : wa 0800 00 02 0500; reply ok
-        write M_bit 1600 = 01010101 01010101 01010101 01010101 0101
-        send : ri C800 00 02; item : 0 1 M_bit 1600 x16; reply plc; serve 1 : wM100
-        send : ri CA00 00 02; item : 0 1 M_bit 1616 x2)");
     row("shown but not sent", R"(
         init 7#1#0#3#64; monitor D_W 5 : 1; write D_W 5 = 0100 => D_W 5
         serve 1 : rD5; get D_W 5 : 0100
         plc D 5 = 0200; serve 1 : rD5 => D_W 5; get D_W 5 : 0200
         monitor M_bit 3 : 1; write M_bit 3 = 01 => M_bit 3; get M_bit 3 : 01
         plc M 0 = 0100; serve 1 : rM0; get M_bit 3 : 00)");
-    row("a written contact shows as it was written until the controller says something new", R"(
-        monitor TX 5 : 1; send : *; write TX 5 = 09 => TX 5; get TX 5 : 09
-        reply data 2000 => TX 5; get TX 5 : 01)");
     row("513 writes at most, the last place for the newest", R"(
         flood write 600; serve 564 : *; serve 2 : - -
         plc D 510 x3 : FF01 0002 0000; plc D 598 x2 : 0000 5802)");
