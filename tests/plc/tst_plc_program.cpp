@@ -100,155 +100,122 @@ class TestPlcProgram : public QObject
     Q_OBJECT
 
 private slots:
-    void serves_data();
-    void serves();
-    void linksAndCleansUp();
-    void takesTheLinesTime();
-    void keepsWhatAReplyLostSaid();
-    void healsOnSignal();
-    void refusesBadInput_data();
-    void refusesBadInput();
-    void documentsEveryOption_data();
-    void documentsEveryOption();
-};
+    void serves()
+    {
+        for (const char *arguments : {"--still", "--still --tcp 0"}) {
+            Plc plc(arguments);
+            for (int host = 0; host < 3; ++host) {
+                const auto line = connectTo(plc.place());
+                QVERIFY2(line, arguments);
+                QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
+                line->write(
+                    readD0.left(5));  // the next host is not to suffer from what this one left
+                line->waitForBytesWritten(1000);
+            }
+            plc.raise(SIGUSR1);
+            QVERIFY(plc.errors("stray bytes").startsWith("served: total=3 read=3 "));
+            QCOMPARE(plc.end(SIGINT), 0);
+            QVERIFY(plc.errorsAtEnd().count("served: total=3 ") == 2);
+        }
+    }
 
-void TestPlcProgram::serves_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::newRow("terminal") << QStringLiteral("--still");
-    QTest::newRow("port") << QStringLiteral("--still --tcp 0");
-}
+    void linksAndCleansUp()
+    {
+        QTemporaryDir folder;
+        const QString link = folder.filePath(QStringLiteral("plc"));
+        for (const bool replaced : {false, true}) {
+            Plc plc(QStringLiteral("--link ") + link);
+            const auto line = connectTo(link);
+            QVERIFY(line);
+            QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
+            if (replaced)
+                QVERIFY(QFile::remove(link) && QFile::link(folder.path(), link));
+            QCOMPARE(plc.end(), 0);
+            QCOMPARE(QFileInfo(link).isSymLink(), replaced);
+        }
+    }
 
-void TestPlcProgram::serves()
-{
-    QFETCH(QString, arguments);
-    Plc plc(arguments);
-    for (int host = 0; host < 3; ++host) {
+    void takesTheLinesTime()
+    {
+        Plc plc(QStringLiteral("--still --baud 1200 --turnaround 100"));
         const auto line = connectTo(plc.place());
         QVERIFY(line);
+        QElapsedTimer clock;
+        clock.start();
         QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
-        line->write(readD0.left(5));  // the next host is not to suffer from what this one left
-        line->waitForBytesWritten(1000);
+        const qint64 shortest = 100 + (14 + 9) * 10 * 1000 / 1200;
+        QVERIFY2(clock.elapsed() >= shortest, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(clock.elapsed() < 4 * shortest, qPrintable(QString::number(clock.elapsed())));
     }
-    plc.raise(SIGUSR1);
-    QVERIFY(plc.errors("stray bytes").startsWith("served: total=3 read=3 "));
-    QCOMPARE(plc.end(SIGINT), 0);
-    QVERIFY(plc.errorsAtEnd().count("served: total=3 ") == 2);
-}
 
-void TestPlcProgram::linksAndCleansUp()
-{
-    QTemporaryDir folder;
-    const QString link = folder.filePath(QStringLiteral("plc"));
-    for (const bool replaced : {false, true}) {
-        Plc plc(QStringLiteral("--link ") + link);
-        const auto line = connectTo(link);
+    void keepsWhatAReplyLostSaid()
+    {
+        QTemporaryDir folder;
+        const QString image = folder.filePath(QStringLiteral("image.csv"));
+        Plc plc(QStringLiteral("--still --save --faults loss=100% --image ") + image);
+        const auto line = connectTo(plc.place());
         QVERIFY(line);
-        QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
-        if (replaced)
-            QVERIFY(QFile::remove(link) && QFile::link(folder.path(), link));
+        QCOMPARE(exchange(line.get(), setM10Bit3, 1, 200), QByteArray());
         QCOMPARE(plc.end(), 0);
-        QCOMPARE(QFileInfo(link).isSymLink(), replaced);
+        QFile file(image);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("device,word,value\nM,10,8\n"));
     }
-}
 
-void TestPlcProgram::takesTheLinesTime()
-{
-    Plc plc(QStringLiteral("--still --baud 1200 --turnaround 100"));
-    const auto line = connectTo(plc.place());
-    QVERIFY(line);
-    QElapsedTimer clock;
-    clock.start();
-    QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
-    const qint64 shortest = 100 + (14 + 9) * 10 * 1000 / 1200;
-    QVERIFY2(clock.elapsed() >= shortest, qPrintable(QString::number(clock.elapsed())));
-    QVERIFY2(clock.elapsed() < 4 * shortest, qPrintable(QString::number(clock.elapsed())));
-}
-
-void TestPlcProgram::keepsWhatAReplyLostSaid()
-{
-    QTemporaryDir folder;
-    const QString image = folder.filePath(QStringLiteral("image.csv"));
-    Plc plc(QStringLiteral("--still --save --faults loss=100% --image ") + image);
-    const auto line = connectTo(plc.place());
-    QVERIFY(line);
-    QCOMPARE(exchange(line.get(), setM10Bit3, 1, 200), QByteArray());
-    QCOMPARE(plc.end(), 0);
-    QFile file(image);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("device,word,value\nM,10,8\n"));
-}
-
-void TestPlcProgram::healsOnSignal()
-{
-    Plc plc(QStringLiteral("--verbose --faults mute=100%:1s"));
-    const auto line = connectTo(plc.place());
-    QVERIFY(line);
-    QCOMPARE(exchange(line.get(), setM10Bit3, 1, 100), QByteArray());
-    QVERIFY(plc.errors("\n").startsWith("set M 10 mask 0008"));
-    plc.raise(SIGUSR2);
-    QTRY_COMPARE(exchange(line.get(), setM10Bit3, 5, 100), setReply);
-}
-
-void TestPlcProgram::refusesBadInput_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<QByteArray>("said");
-    const auto row = [](const char *arguments, const char *said) {
-        QTest::newRow(arguments) << QString::fromLatin1(arguments) << QByteArray(said);
-    };
-    row("extra", "\"extra\": expected options only");
-    row("--bogus", "'bogus'");
-    row("--tcp 65536", "--tcp \"65536\": expected a whole number from 0 to 65535");
-    row("--tcp 0 --link x", "--tcp: expected neither");
-    row("--any-address", "expected --tcp PORT");
-    row("--baud fast", "--baud \"fast\": expected a whole number");
-    row("--turnaround -1", "--turnaround \"-1\"");
-    row("--faults los=1%", "unknown fault \"los\"");
-    row("--save", "expected --image FILE");
-    row("--image /no/such.csv", "/no/such.csv: ");
-    row("--link /dev/null", "--link \"/dev/null\": expected a path where nothing is yet");
-}
-
-void TestPlcProgram::refusesBadInput()
-{
-    QFETCH(QString, arguments);
-    QFETCH(QByteArray, said);
-    QProcess process;
-    process.start(QStringLiteral(TOLVANE_PLC), arguments.split(QLatin1Char(' ')));
-    QVERIFY(process.waitForFinished(5000));
-    QCOMPARE(process.exitCode(), 2);
-    QCOMPARE(process.readAllStandardOutput(), QByteArray());
-    const QByteArray errors = process.readAllStandardError();
-    QVERIFY2(errors.startsWith("tolvane-plc: ") && errors.contains(said), errors.constData());
-}
-
-void TestPlcProgram::documentsEveryOption_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::newRow("manual page") << QStringLiteral(TOLVANE_PLC_SOURCE "/tolvane-plc.1");
-    QTest::newRow("completion") << QStringLiteral(TOLVANE_PLC_SOURCE "/tolvane-plc.bash");
-}
-
-void TestPlcProgram::documentsEveryOption()
-{
-    QFETCH(QString, file);
-    QFile document(file);
-    QVERIFY(document.open(QIODevice::ReadOnly));
-    const QByteArray text = document.readAll().replace("\\-", "-");
-    QProcess process;
-    process.start(QStringLiteral(TOLVANE_PLC), {QStringLiteral("--help")});
-    QVERIFY(process.waitForFinished(5000));
-    QCOMPARE(process.exitCode(), 0);
-    static const QRegularExpression option(QStringLiteral("^  (?:-., )?(--[a-z-]+) "),
-                                           QRegularExpression::MultilineOption);
-    auto options = option.globalMatch(QString::fromLocal8Bit(process.readAllStandardOutput()));
-    QVERIFY(options.hasNext());
-    while (options.hasNext()) {
-        const QByteArray name = options.next().captured(1).toLatin1();
-        QVERIFY2(text.contains(name), name.constData());
+    void healsOnSignal()
+    {
+        Plc plc(QStringLiteral("--verbose --faults mute=100%:1s"));
+        const auto line = connectTo(plc.place());
+        QVERIFY(line);
+        QCOMPARE(exchange(line.get(), setM10Bit3, 1, 100), QByteArray());
+        QVERIFY(plc.errors("\n").startsWith("set M 10 mask 0008"));
+        plc.raise(SIGUSR2);
+        QTRY_COMPARE(exchange(line.get(), setM10Bit3, 5, 100), setReply);
     }
-}
+
+    void refusesBadInput()
+    {
+        const std::pair<const char *, const char *> inputs[] = {
+            {"extra", "\"extra\": expected options only"},
+            {"--bogus", "'bogus'"},
+            {"--tcp 65536", "--tcp \"65536\": expected a whole number from 0 to 65535"},
+            {"--tcp 0 --link x", "--tcp: expected neither"},
+            {"--baud fast", "--baud \"fast\": expected a whole number"},
+            {"--faults los=1%", "unknown fault \"los\""},
+            {"--save", "expected --image FILE"},
+            {"--image /no/such.csv", "/no/such.csv: "},
+            {"--link /dev/null", "--link \"/dev/null\": expected a path where nothing is yet"}};
+        for (const auto &[arguments, said] : inputs) {
+            QProcess process;
+            process.start(QStringLiteral(TOLVANE_PLC), QString(arguments).split(' '));
+            QVERIFY2(process.waitForFinished(5000) && process.exitCode() == 2, arguments);
+            QCOMPARE(process.readAllStandardOutput(), QByteArray());
+            const QByteArray errors = process.readAllStandardError();
+            QVERIFY2(errors.startsWith("tolvane-plc: ") && errors.contains(said),
+                     errors.constData());
+        }
+    }
+
+    void documentsEveryOption()
+    {
+        QProcess process;
+        process.start(QStringLiteral(TOLVANE_PLC), {"--help"});
+        QVERIFY(process.waitForFinished(5000));
+        const QString help = QString::fromLocal8Bit(process.readAllStandardOutput());
+        const QRegularExpression option("^  (?:-., )?(--[a-z-]+) ",
+                                        QRegularExpression::MultilineOption);
+        QVERIFY(help.contains(option));
+        for (const char *file : {"/tolvane-plc.1", "/tolvane-plc.bash"}) {
+            QFile document(TOLVANE_PLC_SOURCE + QString(file));
+            QVERIFY(document.open(QIODevice::ReadOnly));
+            const QByteArray text = document.readAll().replace("\\-", "-");
+            for (auto options = option.globalMatch(help); options.hasNext();) {
+                const QByteArray name = options.next().captured(1).toLatin1();
+                QVERIFY2(text.contains(name), name.constData());
+            }
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(TestPlcProgram)
 #include "tst_plc_program.moc"
