@@ -39,23 +39,20 @@ void Exchange::anyExportInAnyCallback_data()
         "write M_bit 3 = 010101 => *; serve 1 : *; %1; serve 1 : * => *",
         "monitor : 0; request read; %1; serve 1 : * => *",
         "monitor : 0; request read; serve 1 : * => *; %1; serve 1 : * => *",
-        "condition D_W 500 x3; %1; send : *; fail : * => *",
-    };
-    const char *const actions[] = {
-        "get M_W 0 x400 : *",
-        "write M_bit 4 = 00",
-        "flood write 600",
-        "flood condition 600",
-        "monitor : *",
-        "monitor D_W 0 x300, M_bit 0 x99, TX 5 x99 : *",
-        "recipe TX 9 x3 @4000, D_W 10 x9 @9, M_bit 40 x9 @99 : *",
-        "recipe XX 1 : *",
-        "request write",
-        "init 7#1#0#0#0",
-        "send : *",
-        "reply none : *",
-        "reply data 01000200 : *",
-    };
+        "condition D_W 500 x3; %1; send : *; fail : * => *"};
+    const char *const actions[] = {"get M_W 0 x400 : *",
+                                   "write M_bit 4 = 00",
+                                   "flood write 600",
+                                   "flood condition 600",
+                                   "monitor : *",
+                                   "monitor D_W 0 x300, M_bit 0 x99, TX 5 x99 : *",
+                                   "recipe TX 9 x3 @4000, D_W 10 x9 @9, M_bit 40 x9 @99 : *",
+                                   "recipe XX 1 : *",
+                                   "request write",
+                                   "init 7#1#0#0#0",
+                                   "send : *",
+                                   "reply none : *",
+                                   "reply data 01000200 : *"};
     QTest::addColumn<QString>("callback");
     QTest::addColumn<QString>("action");
     for (const char *callback : callbacks) {

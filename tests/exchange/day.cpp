@@ -215,6 +215,7 @@ void Day::go()
 void Day::heal()
 {
     badLine_ = false;
+    polls_ = 0;
     for (int i = 0; i < 5000 && polls_ <= 2 * requests_; ++i)
         exchange();
     const int announced = counts.announced;

@@ -1,4 +1,6 @@
 // Ranges longer than a frame, settings and arguments that make no sense.
+#include <climits>
+
 #include "tst_exchange.h"
 
 void Exchange::bounds_data()
@@ -34,19 +36,19 @@ void Exchange::longRanges_data()
     QTest::addColumn<int>("start");
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("limit");
-    const auto limits = [](const char *name, int start, int count, std::initializer_list<int> all) {
+    const std::pair<Range, QVector<int>> limits[] = {
+        {{"D_W", 3, 700}, {8, 64, 127, 200, 1000, INT_MAX}},
+        {{"M_bit", 1604, 2000}, {8, 64, 200, 268435456, INT_MAX}},
+        {{"D_W", 3, 400}, {INT_MIN, -1, 0, 1}},
+        {{"M_bit", 3, 400}, {INT_MIN, 0, 1}},
+        {{"TX", 3, 400}, {-1, 0, 1}},
+        {{"K_bit", 15, 2040}, {127, 254, 255}},
+        {{"TX", 5, 1500}, {8, 200, INT_MAX}}};
+    for (const auto &[range, all] : limits) {
         for (const int limit : all)
-            QTest::addRow("%s %d x%d, block limit %d", name, start, count, limit)
-                << QString::fromLatin1(name) << start << count << limit;
-    };
-    const int highest = 2147483647;
-    limits("D_W", 3, 300, {8, 64, 127, 200, highest});
-    limits("D_W", 0, 700, {64, 1000});
-    limits("M_bit", 1604, 2000, {8, 64, 200, 268435456, highest});
-    limits("K_bit", 15, 2040, {127, 254, 255});
-    limits("TX", 5, 1500, {8, 200, highest});
-    for (const char *name : {"D_W", "M_bit", "TX"})
-        limits(name, 3, 400, {1, 0, -1, -highest - 1});
+            QTest::addRow("%s x%d, block limit %d", qPrintable(range.name), range.count, limit)
+                << range.name << range.start << range.count << limit;
+    }
 }
 
 /** Every way of moving a range moves all of it and nothing else. */
@@ -56,10 +58,7 @@ void Exchange::longRanges()
     QFETCH(int, start);
     QFETCH(int, count);
     QFETCH(int, limit);
-    Range range;
-    range.name = name;
-    range.start = start;
-    range.count = count;
+    Range range{name, start, count};
     range.unit = 1;
     const int width = widthOf(range);
     QByteArray values;

@@ -86,7 +86,7 @@ void Exchange::recipeChangedUnderWay_data()
                  {"D_W 50", "D_W 50 @4095", "D_W 10 x60 @4000, D_W 90 @1",
                   "D_W 10, D_W 20, D_W 30, D_W 40, D_W 50", "M_bit 5 x40", "TX 9 x9 @4087", "XX 5"})
                 QTest::addRow("%s, %s then %s", request, moment, recipe)
-                    << QStringLiteral(
+                    << QString(
                            "recipe D_W 10 @0, D_W 20 x9 @1, D_W 40 @10, D_W 60 @11 : 4;"
                            "request %1; serve 2 : * => *; %2; recipe %3 : *;"
                            "serve 20 : * => *; requested : none;"

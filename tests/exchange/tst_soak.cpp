@@ -25,7 +25,7 @@ private slots:
         QCOMPARE(day.discrepancies().join("; "), QString());
         // A day on which nothing happened proves nothing.
         const Day::Counts &counts = day.counts;
-        QVERIFY(counts.pushed > 50 && counts.pulled > 50 && counts.announced > 50);
+        QVERIFY(counts.pushed > 30 && counts.pulled > 30 && counts.announced > 30);
         QVERIFY(counts.retries > 500 && counts.givenUp > 10);
     }
 };
