@@ -8,7 +8,8 @@
 
 namespace {
 
-enum { BufferUnits = 20000, MostElements = 3000 };
+/** A cache up to AreasWatched is looked through after every step, a larger one at the end. */
+enum { BufferUnits = 20000, MostElements = 3000, AreasWatched = 200 };
 
 unsigned char shared[SharedBlockBytes];
 unsigned char recipeBuffer[2 * (BufferUnits + MostElements + MaxBitsPerWrite)];
@@ -180,6 +181,12 @@ void step()
     }
     writesSettle &= driver.propItem1 == 0 && driver.writeList.size() < QueueLimit;
     checkQueuesAndFrames();
+    if (depth > 0)
+        return;
+    if (driver.dataAreaList.size() <= AreasWatched)
+        checkDataAreas();
+    if (writesSettle)
+        checkWritesSettled();
 }
 
 void onChange(int, int, const QString &, int)
