@@ -154,6 +154,12 @@ private slots:
                 "D_W 0 x127 @0, D_W 127 x73 @127", "0 1"},
                {"an entry beyond a frame is cut, with its place", "64", "D_W 0 x300 @10",
                 "D_W 0 x127 @10, D_W 127 x127 @137, D_W 254 x46 @264", "0 0 0"},
+               {"what follows a cut entry keeps its own place", "64",
+                "D_W 0 x130 @0, D_W 130 x2 @500", "D_W 0 x127 @0, D_W 127 x3 @127, D_W 130 x2 @500",
+                "0 0 1"},
+               {"weights wrap: nothing is joined backwards", "64",
+                "10922:F_bit 0 x1 @0, 10922:F_bit 3 x1 @1",
+                "10922:F_bit 3 x1 @1, 10922:F_bit 0 x1 @0", "0 1"},
                {"limit 0 joins nothing", "0", "D_W 0 x1 @0, D_W 1 x1 @1",
                 "D_W 0 x1 @0, D_W 1 x1 @1", "0 1"}});
     }
