@@ -304,11 +304,13 @@ void TestOnline::guards_data()
 {
     QTest::addColumn<QString>("faults");
     QTest::newRow("late replies") << "late=15%:70ms";
-    QTest::newRow("doubled replies") << "double=20%";
     QTest::newRow("cut replies") << "cut=15%";
-    QTest::newRow("all of them") << "late=5%:70ms,double=5%,cut=5%,noise=5%,loss=3%";
+    QTest::newRow("all of them") << "late=5%:70ms,cut=5%,noise=5%,loss=3%";
 }
 
+// Doubled replies are told by the microseconds in which they arrive, which processes on a busy
+// machine do not keep; the test of the loop has them, and the soak.
+//
 // Three words of different values are polled in turn, a request each: a reply that was taken for
 // another's would show as a change.
 void TestOnline::guards()
