@@ -41,6 +41,16 @@ int judgeReply(QByteArray reply, QString *)
     return reply.endsWith('\x04') ? 1 : 8;
 }
 
+/** A driver that always asks for the same and notes what it is given. */
+Driver scriptedDriver()
+{
+    Driver driver;
+    driver.getSendFrame = offerRequest;
+    driver.dealRcvFrame = judgeReply;
+    handedOver.clear();
+    return driver;
+}
+
 /** A line on which each wait brings the next of a list of arrivals, and every call is noted. */
 class ScriptedLine : public Line
 {
@@ -263,10 +273,7 @@ void TestHost::guards()
 {
     QFETCH(QByteArray, waiting);
     QFETCH(QList<QByteArray>, arrivals);
-    Driver driver;
-    driver.getSendFrame = offerRequest;
-    driver.dealRcvFrame = judgeReply;
-    handedOver.clear();
+    const Driver driver = scriptedDriver();
     ScriptedLine line;
     line.waiting = waiting;
     line.arrivals = arrivals;
@@ -283,10 +290,7 @@ void TestHost::guards()
 
 void TestHost::replyBeforeTheRequestHasLeftCountsAsNone()
 {
-    Driver driver;
-    driver.getSendFrame = offerRequest;
-    driver.dealRcvFrame = judgeReply;
-    handedOver.clear();
+    const Driver driver = scriptedDriver();
     ScriptedLine line;
     line.whileSending = ReplyB;
     line.arrivals = {QByteArray(), ReplyA};
@@ -300,9 +304,7 @@ void TestHost::replyBeforeTheRequestHasLeftCountsAsNone()
 
 void TestHost::babblingLineDoesNotStopTheLoop()
 {
-    Driver driver;
-    driver.getSendFrame = offerRequest;
-    driver.dealRcvFrame = judgeReply;
+    const Driver driver = scriptedDriver();
     ScriptedLine line;
     line.waiting = "x";
     line.babbles = true;
@@ -313,10 +315,7 @@ void TestHost::babblingLineDoesNotStopTheLoop()
 
 void TestHost::lostLineKeepsTheRequest()
 {
-    Driver driver;
-    driver.getSendFrame = offerRequest;
-    driver.dealRcvFrame = judgeReply;
-    handedOver.clear();
+    const Driver driver = scriptedDriver();
     ScriptedLine line;
     line.sendsUntilLost = 1;
     Loop loop(driver, line, LoopSettings());
