@@ -5,27 +5,20 @@ namespace {
 
 Bench *current = nullptr;
 
-KEY_ADDRESS key(const Range &range)
-{
-    KEY_ADDRESS key;
-    key.stationNo = range.station;
-    key.regName = range.name;
-    key.startAddr = range.start;
-    key.bitMark = isBitType(range.name) ? -1 : 0;
-    key.count = range.count;
-    return key;
-}
-
 char deviceOf(const QString &registerType)
 {
     return plc::Memory::letter(registerType.section('_', 0, 0).toLatin1());
 }
 
+int hexAt(const QByteArray &bytes, int at)
+{
+    return bytes.mid(at, 2).toInt(nullptr, 16);
+}
+
 }  // namespace
 
-QFunctionPointer Driver::find(const char *name)
+void *Driver::require(void *function, const char *name)
 {
-    const QFunctionPointer function = library_.resolve(name);
     if (!function)
         qFatal("%s: %s", name, qPrintable(library_.errorString()));
     return function;
@@ -65,7 +58,7 @@ QByteArray valuesIn(const plc::Memory &memory, const Range &range)
 void putValues(plc::Memory *memory, const Range &range, const QByteArray &values)
 {
     const char device = deviceOf(range.name);
-    const auto byte = [&values](int i) { return static_cast<unsigned char>(values[i]); };
+    const auto byte = [&values](int i) { return static_cast<unsigned char>(values.at(i)); };
     for (int i = 0; i < range.count; ++i) {
         const int number = range.start + i;
         if (isBitType(range.name)) {
@@ -78,41 +71,42 @@ void putValues(plc::Memory *memory, const Range &range, const QByteArray &values
     }
 }
 
-QByteArray asUnits(const Range &range, const QByteArray &values)
-{
-    if (!isBitType(range.name))
-        return values;
-    QByteArray units;
-    for (char bit : values) {
-        units += bit;
-        units += '\0';
-    }
-    return units;
-}
-
 QByteArray wrapped(char open, const QByteArray &body, char close)
 {
     unsigned sum = 0;
-    for (char c : body)
-        sum += static_cast<unsigned char>(c);
+    for (int i = 0; i < body.size(); ++i)
+        sum += static_cast<unsigned char>(body.at(i));
     const QByteArray checksum = QByteArray(1, char(sum & 0xFF)).toHex().toUpper();
     return open + body + checksum + close;
 }
 
-Bench::Bench()
+KEY_ADDRESS keyOf(const Range &range)
+{
+    KEY_ADDRESS key;
+    key.stationNo = range.station;
+    key.regName = range.name;
+    key.startAddr = range.start;
+    key.bitMark = isBitType(range.name) ? -1 : 0;
+    key.count = range.count;
+    return key;
+}
+
+_RCP_VAR_PRO entryOf(const Range &range)
+{
+    _RCP_VAR_PRO entry;
+    entry.ownerKey = range.owner;
+    entry.stationNo = range.station;
+    entry.regName = range.name;
+    entry.startAddr = range.start;
+    entry.count = range.count;
+    entry.bufIndex = range.unit;
+    return entry;
+}
+
+Bench::Bench() : controller(memory), shared(SharedBlockBytes), buffer(2 * RecipeUnits)
 {
     current = this;
     driver.setAddrValueChangeCallBack(callBack);
-    controller.setObserver([this](const plc::Request &request, plc::Verdict verdict,
-                                  const QByteArray &) {
-        asked_ = QString::fromLatin1(request.command + plc::Memory::name(request.device) +
-                                     QByteArray::number(request.word));
-        if (request.words > 1)
-            asked_ += QString("x%1").arg(request.words);
-        if (verdict != plc::Verdict::Served)
-            flaws
-                << QString("%1 refused: %2").arg(asked_, QLatin1String(plc::verdictName(verdict)));
-    });
 }
 
 Bench::~Bench()
@@ -141,47 +135,38 @@ void Bench::callBack(int first, int stationNo, const QString &text, int address)
 bool Bench::init(const QByteArray &propertyText)
 {
     int result = -1;
-    const int returned = driver.initProperty(shared.get(), this, buffer.get(), &result,
+    const int returned = driver.initProperty(shared.data(), this, buffer.data(), &result,
                                              propertyText.constData(), &mutex);
     return returned == 1 && result == 0;
 }
 
-int Bench::monitor(const QVector<Range> &keys)
+int Bench::monitor(const Ranges &keys)
 {
     QList<KEY_ADDRESS> list;
     for (const Range &range : keys)
-        list << key(range);
+        list << keyOf(range);
     return driver.addrMerge(list);
 }
 
 void Bench::condition(const Range &range)
 {
-    if (driver.addConditionRead(key(range), range.kind) != 1)
+    if (driver.addConditionRead(keyOf(range), range.kind) != 1)
         flaws << "condition read not taken";
 }
 
-int Bench::recipe(const QVector<Range> &entries)
+int Bench::recipe(const Ranges &entries)
 {
     QVector<_RCP_VAR_PRO> list;
-    for (const Range &range : entries) {
-        _RCP_VAR_PRO entry;
-        entry.ownerKey = range.owner;
-        entry.stationNo = range.station;
-        entry.regName = range.name;
-        entry.startAddr = range.start;
-        entry.count = range.count;
-        entry.bufIndex = range.unit;
-        list << entry;
-    }
+    for (const Range &range : entries)
+        list << entryOf(range);
     return driver.setRcpAddress(list);
 }
 
 void Bench::write(const Range &range, const QByteArray &values)
 {
     // A copy of exactly that size, so that a read beyond it can be noticed.
-    const std::unique_ptr<unsigned char[]> exact(new unsigned char[size_t(values.size())]);
-    memcpy(exact.get(), values.constData(), size_t(values.size()));
-    if (driver.setData(range.station, range.name, range.start, range.count, exact.get(),
+    const std::vector<unsigned char> exact(values.begin(), values.end());
+    if (driver.setData(range.station, range.name, range.start, range.count, exact.data(),
                        range.kind) != 1)
         flaws << "write not taken";
 }
@@ -190,10 +175,10 @@ QByteArray Bench::get(const Range &range)
 {
     const int bytes = qMax(0, range.count) * widthOf(range);
     QByteArray out(bytes + 1, '\xEE');
-    driver.getData(range.station, range.name, range.start, range.count,
-                   reinterpret_cast<unsigned char *>(out.data()));
-    if (!out.endsWith('\xEE'))
-        flaws << "values written beyond the buffer";
+    if (driver.getData(range.station, range.name, range.start, range.count,
+                       reinterpret_cast<unsigned char *>(out.data())) != 1 ||
+        !out.endsWith('\xEE'))
+        flaws << "read-out beyond the buffer, or not 1";
     return out.left(bytes);
 }
 
@@ -216,7 +201,7 @@ void Bench::checkFrame()
     const QByteArray bytes = request();
     const char command = bytes.size() < 14 ? '?' : bytes.at(1);
     const bool reads = command == 'r';
-    const int words = reads || command == 'w' ? bytes.mid(9, 2).toInt(nullptr, 16) / 2 : 0;
+    const int words = reads || command == 'w' ? hexAt(bytes, 9) / 2 : 0;
     const int sendLen = reads ? 14 : command == 'w' ? 14 + 4 * words : 16;
     if (bytes != wrapped(STX, bytes.mid(1, bytes.size() - 4), ETX) || frame.sendLen != sendLen ||
         words > 127 || (words < 1 && sendLen != 16) ||
@@ -230,9 +215,23 @@ QByteArray Bench::request() const
     return QByteArray(reinterpret_cast<const char *>(frame.frame), qBound(0, frame.sendLen, 1024));
 }
 
+QString Bench::requestText() const
+{
+    const QByteArray bytes = request();
+    const int word = (hexAt(bytes, 3) | hexAt(bytes, 5) << 8) / 2;
+    const int words = bytes.at(1) == 'r' || bytes.at(1) == 'w' ? hexAt(bytes, 9) / 2 : 1;
+    QString text = frame.var.stationNo == 1 ? QString() : QString("%1#").arg(frame.var.stationNo);
+    text += QString::fromLatin1(bytes.mid(1, 1) + plc::Memory::name(bytes.at(2)));
+    text += QString::number(word);
+    return words == 1 ? text : text + QString("x%1").arg(words);
+}
+
 QByteArray Bench::answer()
 {
-    return controller.receive(request());
+    const QByteArray reply = controller.receive(request());
+    if (reply.isEmpty())
+        flaws << requestText() + " refused";
+    return reply;
 }
 
 int Bench::reply(const QByteArray &bytes)
@@ -244,9 +243,10 @@ QString Bench::exchange()
 {
     if (!send())
         return "-";
+    const QString asked = requestText();  // a callback may ask for the next
     if (reply(answer()) != 1)
-        flaws << asked_ + ": reply not accepted";
-    return asked_;
+        flaws << asked + ": reply not accepted";
+    return asked;
 }
 
 void Bench::drain()

@@ -3,9 +3,10 @@
 #ifndef TOLVANE_TESTS_EXCHANGE_BENCH_H
 #define TOLVANE_TESTS_EXCHANGE_BENCH_H
 
-#include <QLibrary>
+#include <QtCore/QLibrary>
+
 #include <functional>
-#include <memory>
+#include <vector>
 
 #include "host_interface.h"
 #include "plc/answering.h"
@@ -13,17 +14,27 @@
 /** The exports, looked up by name. Loads the library and, at the end, unloads it again. */
 class Driver
 {
-    QLibrary library_{TOLVANE_LIBRARY};  // first: the exports below are found in it
-    QFunctionPointer find(const char *name);
+    QLibrary library_;  // first: the exports below are found in it
+
+    void *require(void *function, const char *name);
+    template <typename Function>
+    Function find(const char *name)
+    {
+        void *const found = reinterpret_cast<void *>(library_.resolve(name));
+        return reinterpret_cast<Function>(require(found, name));
+    }
 
 public:
+    Driver() : library_(QLatin1String(TOLVANE_LIBRARY)) {}
     ~Driver();
 
 #define TOLVANE_EXPORT(name) \
-    decltype(&intf_##name) name = reinterpret_cast<decltype(name)>(find("intf_" #name))
+    decltype(&intf_##name) name = find<decltype(&intf_##name)>("intf_" #name)
     TOLVANE_EXPORT(getProtocolType);
+    TOLVANE_EXPORT(SetDriverPropertyPage);
     TOLVANE_EXPORT(checkAddrValidity);
     TOLVANE_EXPORT(checkAddr);
+    TOLVANE_EXPORT(multiCopy);
     TOLVANE_EXPORT(setAddrValueChangeCallBack);
     TOLVANE_EXPORT(initProperty);
     TOLVANE_EXPORT(addrMerge);
@@ -36,17 +47,23 @@ public:
 #undef TOLVANE_EXPORT
 };
 
-/** A range of addresses as tests name it. */
+/** A range of addresses, and what goes with it where it is used. */
 struct Range
 {
-    QString name;     ///< register type
-    int start = 0;    ///< address number
-    int count = 1;    ///< words, or bits of a bit type
-    int station = 1;  ///< station number
-    int kind = 0;     ///< of a write or condition read
-    int unit = 0;     ///< recipe: first unit in the buffer
-    int owner = 7;    ///< recipe: owner key
+    explicit Range(const QString &type = QString(), int first = 0, int elements = 1)
+        : name(type), start(first), count(elements)
+    {
+    }
+
+    QString name;  ///< register type
+    int start;     ///< address number
+    int count;     ///< words, or bits of a bit type
+    int station = 1;
+    int kind = 0;   ///< of a write or condition read
+    int unit = 0;   ///< recipe: first unit in the buffer
+    int owner = 7;  ///< recipe: owner key
 };
+typedef std::vector<Range> Ranges;
 
 /** Whether values of the type are bits, a byte each, rather than words of two bytes. */
 bool isBitType(const QString &name);
@@ -57,50 +74,51 @@ int widthOf(const Range &range);
 QByteArray valuesIn(const plc::Memory &memory, const Range &range);
 /** Stores values of that layout in `memory`; of a word with bits only those in the range change. */
 void putValues(plc::Memory *memory, const Range &range, const QByteArray &values);
-/** The same values as the recipe buffer holds them: a unit of two bytes each. */
-QByteArray asUnits(const Range &range, const QByteArray &values);
 
 /** A frame around `body`: opening byte, body, checksum, closing byte. */
 QByteArray wrapped(char open, const QByteArray &body, char close);
 
 enum : char { STX = 0x02, ETX = 0x03, EOT = 0x04, ACK = 0x06 };
 
+KEY_ADDRESS keyOf(const Range &range);
+_RCP_VAR_PRO entryOf(const Range &range);
+
 /** One bench at a time. */
 class Bench
 {
 public:
-    static constexpr int RecipeUnits = 4096;
+    enum { RecipeUnits = 4096 };
 
     /** Loads the driver afresh and registers the callback; init() is the test's. */
     Bench();
     ~Bench();
 
     bool init(const QByteArray &propertyText);
-    int monitor(const QVector<Range> &keys);
+    int monitor(const Ranges &keys);
     void condition(const Range &range);
-    int recipe(const QVector<Range> &entries);
+    int recipe(const Ranges &entries);
     void write(const Range &range, const QByteArray &values);
     QByteArray get(const Range &range);
-    /** The same values as the controller holds them. */
-    QByteArray held(const Range &range) const { return valuesIn(memory, range); }
 
     /** Asks the driver for the next frame; true when `frame` holds one, checked for consistency. */
     bool send();
     /** The bytes of `frame`. */
     QByteArray request() const;
+    /** `frame` as "rD100x2": command, device, word, words; "2#" before it for station 2. */
+    QString requestText() const;
     /** Sends `frame` to the controller and returns its reply. */
     QByteArray answer();
     int reply(const QByteArray &bytes);
-    /** One exchange without faults: "-" when nothing is sent, else a text such as "rD100x2". */
+    /** One exchange without faults: its request as a text, or "-" when nothing is sent. */
     QString exchange();
     /** Exchanges until the driver has nothing to send twice running, at most 3000. */
     void drain();
 
     Driver driver;
     plc::Memory memory;
-    plc::Controller controller{memory};
-    std::unique_ptr<unsigned char[]> shared{new unsigned char[SharedBlockBytes]()};
-    std::unique_ptr<unsigned char[]> buffer{new unsigned char[RecipeUnits * 2]()};
+    plc::Controller controller;
+    std::vector<unsigned char> shared;
+    std::vector<unsigned char> buffer;
     QMutex mutex;
     FRAME_PRO frame;    ///< the last that was offered
     QString errorText;  ///< of the last reply
@@ -111,8 +129,6 @@ public:
 private:
     static void callBack(int first, int stationNo, const QString &text, int address);
     void checkFrame();
-
-    QString asked_;  ///< the request that the controller served last
 };
 
 #endif

@@ -1,9 +1,9 @@
-// Ranges longer than a frame, settings and arguments that make no sense.
+// Ranges longer than a frame, settings and arguments that make no sense, memory that goes away.
 #include <climits>
 
 #include "tst_exchange.h"
 
-void Exchange::bounds_data()
+void Exchange::limits_data()
 {
     scripts();
     row("a property text of 4 parts changes nothing", R"(
@@ -20,13 +20,16 @@ void Exchange::bounds_data()
         monitor D_W 2147483647 x2, D_W -2147483648, 2147483647#M_bit 2147483640 x20 : *
         write D_W 2147483647 = 0100 0200 => *; write M_bit 2147483647 = 01 01 => *
         condition D_W 2147483640 x40000; condition TX 2147483640 x100
-        get D_W 2147483647 x2 : *
+        get D_W 2147483647 x2 : 0100 0200; get D_W -2147483648 : 0200; get M_bit -2147483648 : 01
         recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");
+    row("below 0", R"(
+        write M_bit -17 = 0101 => *; get M_bit -18 x4 : 00010100; write M_bit -1 = 01
+        get M_bit 15 : 00; write D_W -5 = 1234 5678; get D_W -5 x2 : 12345678)");
     row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
-        monitor D_W 5 : 1; send : *; reply data 0100 => D_W 5; flood condition 6; serve 3 : *
+        monitor D_W 5, D_W 500 : 2; send : *; reply data 0100 => D_W 5; flood condition 6; serve 3 : *
         flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
-        init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000
-        request write; serve 2 : - -; request none; flood condition 1; send : *; fail => done -1
+        init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000; serve 2 : - -
+        request 1 0; serve 2 : - -; request 0 0; flood condition 1; send : *; fail => done -1
         monitor D_W 5 : 1; flood condition 3; serve 4 : rD0 rD1 rD5 rD2 => done 0)");
 }
 
@@ -36,18 +39,24 @@ void Exchange::longRanges_data()
     QTest::addColumn<int>("start");
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("limit");
-    const std::pair<Range, QVector<int>> limits[] = {
-        {{"D_W", 3, 700}, {8, 64, 127, 200, 1000, INT_MAX}},
-        {{"M_bit", 1604, 2000}, {8, 64, 200, 268435456, INT_MAX}},
-        {{"D_W", 3, 400}, {INT_MIN, -1, 0, 1}},
-        {{"M_bit", 3, 400}, {INT_MIN, 0, 1}},
-        {{"TX", 3, 400}, {-1, 0, 1}},
-        {{"K_bit", 15, 2040}, {127, 254, 255}},
-        {{"TX", 5, 1500}, {8, 200, INT_MAX}}};
-    for (const auto &[range, all] : limits) {
-        for (const int limit : all)
-            QTest::addRow("%s x%d, block limit %d", qPrintable(range.name), range.count, limit)
-                << range.name << range.start << range.count << limit;
+    const struct
+    {
+        const char *name;
+        int start, count;
+        std::vector<int> limits;
+    } rows[] = {{"D_W", 3, 700, {8, 64, 127, 200, INT_MAX}},
+                {"M_bit", 1604, 2000, {8, 64, 200, 268435456, INT_MAX}},
+                {"D_W", 3, 400, {INT_MIN, -1, 0, 1}},
+                {"M_bit", 3, 400, {INT_MIN, 0, 1}},
+                {"TX", 3, 400, {-1, 0, 1}},
+                {"K_bit", 15, 2040, {127, 255}},
+                {"TX", 5, 1500, {8, 200, INT_MAX}}};
+    for (const auto &each : rows) {
+        for (const int limit : each.limits)
+            QTest::newRow(qPrintable(QString("%1 %2 x%3, block limit %4")
+                                         .arg(each.name, QString::number(each.start),
+                                              QString::number(each.count), QString::number(limit))))
+                << QString(each.name) << each.start << each.count << limit;
     }
 }
 
@@ -58,27 +67,31 @@ void Exchange::longRanges()
     QFETCH(int, start);
     QFETCH(int, count);
     QFETCH(int, limit);
-    Range range{name, start, count};
+    Range range(name, start, count);
     range.unit = 1;
     const int width = widthOf(range);
-    QByteArray values;
-    for (int i = 0; i < count * width; ++i)
-        values += char(isBitType(name) ? i * i / 3 & 1 : i * 7 + i / 251);
+    QByteArray values, units;
+    for (int i = 0; i < count; ++i) {
+        const int value = isBitType(name) ? i * i / 3 & 1 : (i * 7 + i / 251) & 0xFFFF;
+        const QByteArray unit = QByteArray(1, char(value)) + char(value >> 8);
+        units += unit;
+        values += unit.left(width);
+    }
 
     Range around = range;  // with neighbours on either side
     around.start -= qMin(start, 2);
     around.count += start - around.start + 2;
     const QByteArray ones(around.count * width, '\1');
     QByteArray valuesAround = ones;
-    valuesAround.replace((start - around.start) * width, count * width, values);
+    valuesAround.replace((start - around.start) * width, values.size(), values);
     const QByteArray blank(2 * Bench::RecipeUnits, '\xEE');
     QByteArray filled = blank;
-    filled.replace(2 * range.unit, 2 * count, asUnits(range, values));
+    filled.replace(2 * range.unit, units.size(), units);
 
     Bench bench;
     const auto begin = [&](const QByteArray &held, const QByteArray &buffer) {
         putValues(&bench.memory, around, held);
-        memcpy(bench.buffer.get(), buffer.constData(), size_t(buffer.size()));
+        bench.buffer.assign(buffer.begin(), buffer.end());
         return bench.init("7#0#0#3#" + QByteArray::number(limit));
     };
 
@@ -86,7 +99,7 @@ void Exchange::longRanges()
     bench.write(range, values);
     QCOMPARE(bench.get(range), values);
     bench.drain();
-    QCOMPARE(bench.held(around), valuesAround);
+    QCOMPARE(valuesIn(bench.memory, around), valuesAround);
 
     QVERIFY(begin(valuesAround, blank));
     bench.calls.clear();
@@ -97,24 +110,45 @@ void Exchange::longRanges()
 
     QVERIFY(begin(valuesAround, blank));
     QStringList cycle;
-    const int requests = bench.monitor({range});
+    const int requests = bench.monitor(Ranges(1, range));
     for (int i = 0; i < 2 * requests; ++i)
         cycle << bench.exchange();
-    QCOMPARE(cycle.mid(0, requests), cycle.mid(requests));
+    QCOMPARE(QStringList(cycle.mid(0, requests)), QStringList(cycle.mid(requests)));
     QCOMPARE(bench.get(range), values);
-    bench.monitor({});
+    bench.monitor(Ranges());
 
     QVERIFY(begin(valuesAround, blank));
-    QCOMPARE(bench.recipe({range}), 1);
+    QCOMPARE(bench.recipe(Ranges(1, range)), 1);
     bench.shared[RecipeReadRequest] = 1;
     bench.drain();
-    QCOMPARE(QByteArray(reinterpret_cast<char *>(bench.buffer.get()), blank.size()), filled);
+    QCOMPARE(QByteArray(reinterpret_cast<char *>(bench.buffer.data()), blank.size()), filled);
 
     QVERIFY(begin(ones, filled));
     bench.shared[RecipeWriteRequest] = 1;
     bench.drain();
-    QCOMPARE(bench.held(around), valuesAround);
+    QCOMPARE(valuesIn(bench.memory, around), valuesAround);
     QCOMPARE(bench.flaws, QStringList());
+}
+
+void Exchange::otherMemory()
+{
+    // A new start with other memory: the old is not looked at any more.
+    Bench bench;
+    QVERIFY(bench.init("7#0#0#3#64"));
+    bench.recipe(Ranges(1, Range("D_W", 5)));
+    std::vector<unsigned char> shared(SharedBlockBytes), buffer(2);
+    QMutex mutex;
+    bench.driver.initProperty(shared.data(), nullptr, buffer.data(), nullptr, "", &mutex);
+    bench.mutex.lock();  // would be waited for without end
+    QCOMPARE(play(bench, "request 1 1; send : -; plc D 5 = 3412"), QString());
+    shared[RecipeReadRequest] = 1;
+    QVERIFY(bench.send());
+    bench.reaction = [&bench](const QString &) { bench.flaws.clear(); };  // the old mutex is held
+    QCOMPARE(bench.reply(bench.answer()), 1);
+    QCOMPARE(QByteArray(reinterpret_cast<char *>(buffer.data()), 2), QByteArray("\x34\x12"));
+    QCOMPARE(int(bench.buffer[0]), 0);
+    QCOMPARE(int(shared[RecipeReadRequest]), 0);
+    bench.mutex.unlock();
 }
 
 void Exchange::nullPointers()
@@ -131,19 +165,20 @@ void Exchange::nullPointers()
     QCOMPARE(play(bench, "recipe D_W 5 owner 0 : 1; flood write 2; serve 3 : wD0 wD1 -"),
              QString());
     int result = -1;
-    unsigned char *const shared = bench.shared.get();
-    QCOMPARE(driver.initProperty(shared, nullptr, nullptr, &result, nullptr, nullptr), 1);
-    QCOMPARE(play(bench, "request write read; flood write 2; serve 3 : wD0 wD1 -; request none"),
+    QCOMPARE(driver.initProperty(bench.shared.data(), nullptr, nullptr, &result, nullptr, nullptr),
+             1);
+    QCOMPARE(play(bench, "request 1 1; flood write 2; serve 3 : wD0 wD1 -; requested : 0 0"),
              QString());
 
     QVERIFY(bench.init("7#0#0#3#64"));
     QCOMPARE(driver.setData(1, "D_W", 5, 2, nullptr, 0), 1);
     QCOMPARE(driver.getData(1, "D_W", 5, 2, nullptr), 1);
     QCOMPARE(driver.getSendFrame(nullptr), 0);
-    QCOMPARE(bench.monitor({Range{"D_W", 5}}), 1);
+    QCOMPARE(bench.monitor(Ranges(1, Range("D_W", 5))), 1);
     driver.getSendFrame(nullptr);
     QVERIFY(bench.send());
     QCOMPARE(driver.dealRcvFrame(bench.answer(), nullptr), 1);
+    QCOMPARE(driver.dealRcvFrame("x", nullptr), 0);
     driver.getProtocolType(nullptr);
     QCOMPARE(driver.checkAddrValidity("D_W", "5", nullptr, 1, 1), 0);
     QCOMPARE(driver.checkAddr("D_W", "5", nullptr, 0, 1, 0), 0);
@@ -151,7 +186,7 @@ void Exchange::nullPointers()
     driver.setAddrValueChangeCallBack(nullptr);
     QCOMPARE(play(bench,
                   "plc D 5 = 0100 0200; serve 1 : rD5; write D_W 5 = 0900; write TX 5 = 01;"
-                  "condition D_W 9; recipe D_W 5 @3, D_W 6 @4 : 2; request read;"
+                  "condition D_W 9; recipe D_W 5 @3, D_W 6 @4 : 2; request 0 1;"
                   "serve 4 : rD5x2 wD5 oTX0 rD9; buffer 3 x2 : 0100 0200"),
              QString());
 }

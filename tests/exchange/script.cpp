@@ -1,28 +1,36 @@
 // Reading and playing scripts.
 #include "script.h"
 
-#include <QRegularExpression>
-
 namespace {
 
-/** All ranges in a step; "buffer 3 x2" and "serve 4" have the form of one as well. */
-QVector<Range> rangesIn(const QString &text)
+/** "2#D_W 100 x2 @5 owner 3 kind 6"; "buffer 3 x2" and "serve 4" have the form of one as well. */
+Range rangeOf(const QString &text)
 {
-    static const QRegularExpression pattern(
-        "(?:(\\d+)#)?(\\w+) (-?\\d+)(?![\\d#])(?: x(\\d+))?(?: @(\\d+))?(?: owner (\\d+))?"
-        "(?: kind (\\d+))?");
-    QVector<Range> result;
-    for (auto found = pattern.globalMatch(text); found.hasNext();) {
-        const QRegularExpressionMatch match = found.next();
-        const auto number = [&match](int group, int otherwise) {
-            return match.captured(group).isEmpty() ? otherwise : match.captured(group).toInt();
-        };
-        const Range usual;
-        result << Range{match.captured(2),        number(3, 0),          number(4, usual.count),
-                        number(1, usual.station), number(7, usual.kind), number(5, usual.unit),
-                        number(6, usual.owner)};
+    const QStringList words = text.simplified().split(' ');
+    Range range(words.at(0).section('#', -1), words.value(1).toInt());
+    if (words.at(0).indexOf('#') > 0)
+        range.station = words.at(0).section('#', 0, 0).toInt();
+    for (int i = 2; i < words.size(); ++i) {
+        const QString word = words.at(i);
+        if (word.startsWith('x'))
+            range.count = word.mid(1).toInt();
+        else if (word.startsWith('@'))
+            range.unit = word.mid(1).toInt();
+        else if (word == "owner")
+            range.owner = words.value(i + 1).toInt();
+        else if (word == "kind")
+            range.kind = words.value(i + 1).toInt();
     }
-    return result;
+    return range;
+}
+
+Ranges rangesOf(const QString &text)
+{
+    Ranges ranges;
+    const QStringList parts = text.split(',');
+    for (int i = 0; i < parts.size() && !text.isEmpty(); ++i)
+        ranges.push_back(rangeOf(parts.at(i)));
+    return ranges;
 }
 
 QString hex(const QByteArray &bytes)
@@ -42,6 +50,8 @@ QByteArray replyFor(Bench &bench, const QString &what, const QByteArray &data)
         return bench.answer();
     if (what == "data")
         return wrapped(ACK, 'r' + data, EOT);
+    if (what == "hex")
+        return wrapped(ACK, 'r' + QByteArray::fromHex(data), EOT);
     if (what == "raw")
         return QByteArray::fromHex(data);
     return what == "ok" ? wrapped(ACK, "w", EOT) : QByteArray();
@@ -50,7 +60,7 @@ QByteArray replyFor(Bench &bench, const QString &what, const QByteArray &data)
 void flood(Bench &bench, bool writes, int count)
 {
     for (int i = 0; i < count; ++i) {
-        const Range range{"D_W", i};
+        const Range range("D_W", i);
         if (writes)
             bench.write(range, QByteArray(1, char((i + 1) & 0xFF)) + char((i + 1) >> 8));
         else
@@ -58,71 +68,87 @@ void flood(Bench &bench, bool writes, int count)
     }
 }
 
+/** Some values for a range. */
+QByteArray pattern(const Range &range)
+{
+    QByteArray values;
+    for (int i = 0; i < range.count * widthOf(range); ++i)
+        values += char(isBitType(range.name) ? i % 3 == 0 : i % 251);
+    return values;
+}
+
+QString itemText(const VARIABLE &item)
+{
+    return QString("%1 %2 %3 %4 x%5")
+        .arg(QString::number(item.kind), QString::number(item.stationNo), item.regName,
+             QString::number(item.startAddr), QString::number(item.count));
+}
+
 /** Does "VERB ARGUMENTS" and returns its outcome. */
 QString outcomeOf(Bench &bench, const QString &action)
 {
     const QString verb = action.section(' ', 0, 0);
     const QString text = action.section(' ', 1).trimmed();
-    const QVector<Range> ranges = rangesIn(action.section('=', 0, 0));
+    const bool hasValues = action.indexOf('=') >= 0;
     const QByteArray values = QByteArray::fromHex(action.section('=', 1).toLatin1());
-    Range range = ranges.value(0);
+    // Verbs whose argument is a bare number: the verb stands in the place of the type.
+    const bool bare = verb == "buffer" || verb == "serve";
+    Range range = rangeOf((bare ? action : text).section('=', 0, 0));
     QStringList results;
     if (verb == "init")
         return unlessOne(bench.init(text.toLatin1()));
     if (verb == "monitor")
-        return QString::number(bench.monitor(ranges));
+        return QString::number(bench.monitor(rangesOf(text)));
     if (verb == "recipe")
-        return QString::number(bench.recipe(ranges));
+        return QString::number(bench.recipe(rangesOf(text)));
     if (verb == "get")
         return hex(bench.get(range));
     if (verb == "error")
         return bench.errorText;
     if (verb == "send")
-        return bench.send() ? bench.request().mid(1).chopped(3) : "-";
-    if (verb == "item") {
-        const VARIABLE &item = bench.frame.var;
-        return QString("%1 %2 %3 %4 x%5")
-            .arg(QString::number(item.kind), QString::number(item.stationNo), item.regName,
-                 QString::number(item.startAddr), QString::number(item.count));
-    }
+        return bench.send() ? bench.request().mid(1, bench.frame.sendLen - 4) : QByteArray("-");
+    if (verb == "item")
+        return itemText(bench.frame.var);
     if (verb == "reply")
         return unlessOne(bench.reply(
             replyFor(bench, text.section(' ', 0, 0), text.section(' ', 1).remove(' ').toLatin1())));
     if (verb == "serve") {
         for (int i = 0; i < range.start; ++i)
             results << bench.exchange();
-        return results.join(' ');
+        return results.join(" ");
     }
     if (verb == "fail") {
         for (int i = 0; i < 3; ++i)  // the scripts' property text allows three tries
             results << QString::number(bench.reply(QByteArray()));
-        return results.join(' ') == "8 8 2" ? QString() : results.join(' ');
+        return results.join(" ") == "8 8 2" ? QString() : results.join(" ");
     }
+    unsigned char &writeRequest = bench.shared[RecipeWriteRequest];
+    unsigned char &readRequest = bench.shared[RecipeReadRequest];
     if (verb == "requested")
-        return bench.shared[RecipeWriteRequest]  ? "write"
-               : bench.shared[RecipeReadRequest] ? "read"
-                                                 : "none";
+        return QString("%1 %2").arg(writeRequest).arg(readRequest);
     if (verb == "buffer") {
-        char *const at = reinterpret_cast<char *>(bench.buffer.get()) + 2 * range.start;
+        char *const at = reinterpret_cast<char *>(bench.buffer.data()) + 2 * range.start;
         memcpy(at, values.constData(), size_t(values.size()));
-        return values.isEmpty() ? hex(QByteArray(at, 2 * range.count)) : QString();
+        return hasValues ? QString() : hex(QByteArray(at, 2 * range.count));
     }
     if (verb == "plc") {
         range.name += "_W";
-        if (values.isEmpty())
-            return hex(bench.held(range));
+        if (!hasValues)
+            return hex(valuesIn(bench.memory, range));
         range.count = int(values.size()) / 2;
         putValues(&bench.memory, range, values);
     } else if (verb == "write") {
-        range.count = int(values.size()) / widthOf(range);
-        bench.write(range, values);
+        if (hasValues)
+            range.count = int(values.size()) / widthOf(range);
+        bench.write(range, hasValues ? values : pattern(range));
     } else if (verb == "condition") {
-        bench.condition(range);
+        for (const Range &each : rangesOf(text))
+            bench.condition(each);
     } else if (verb == "flood") {
         flood(bench, range.name == "write", range.start);
     } else if (verb == "request") {
-        bench.shared[RecipeWriteRequest] = text.contains("write");
-        bench.shared[RecipeReadRequest] = text.contains("read");
+        writeRequest = static_cast<unsigned char>(text.section(' ', 0, 0).toInt());
+        readRequest = static_cast<unsigned char>(text.section(' ', 1, 1).toInt());
     } else {
         return "no such step";
     }
@@ -146,21 +172,23 @@ QString step(Bench &bench, const QString &text)
                       outcomeOf(bench, padded.section(" : ", 0, 0).trimmed()));
 }
 
-/** Keeps a step for the callback that it waits for; false when the text is no such thing. */
+/** Keeps steps for the callback that they wait for; false when the text is no such thing. */
 bool postponed(Bench &bench, const QString &text)
 {
-    static const QRegularExpression pattern("^on (.+) do (.+)$");
-    const QRegularExpressionMatch match = pattern.match(text);
-    if (!match.hasMatch())
+    if (!text.startsWith("on "))
         return false;
-    bench.reaction = [&bench, match](const QString &call) {
-        if (!difference(QString(), match.captured(1), call).isEmpty())
+    const QString awaited = text.section(" do ", 0, 0).mid(3);
+    const QStringList steps = text.section(" do ", 1).split('&');
+    bench.reaction = [&bench, awaited, steps](const QString &call) {
+        if (!difference(QString(), awaited, call).isEmpty())
             return;
-        const auto self = std::move(bench.reaction);  // it runs on: kept until the end
-        bench.reaction = nullptr;
-        const QString wrong = step(bench, match.captured(2));
-        if (!wrong.isEmpty())
-            bench.flaws << match.captured(0) + ": " + wrong;
+        const std::function<void(const QString &)> self = std::move(bench.reaction);
+        bench.reaction = nullptr;  // `self` keeps what runs here until the end
+        for (int i = 0; i < steps.size(); ++i) {
+            const QString wrong = step(bench, steps.at(i).trimmed());
+            if (!wrong.isEmpty())
+                bench.flaws << "inside " + awaited + ", " + steps.at(i) + ": " + wrong;
+        }
     };
     return true;
 }
@@ -169,20 +197,19 @@ bool postponed(Bench &bench, const QString &text)
 
 QString play(Bench &bench, const QString &script)
 {
-    static const QRegularExpression divider("[;\n]");
-    const QStringList steps = script.split(divider);
-    for (const QString &text : steps) {
-        const QString action = text.section("=>", 0, 0).trimmed();
+    const QStringList steps = QString(script).replace('\n', ';').split(';');
+    for (int i = 0; i < steps.size(); ++i) {
+        const QString action = steps.at(i).section("=>", 0, 0).trimmed();
         if (action.isEmpty() || postponed(bench, action))
             continue;
         bench.calls.clear();
         QString wrong = step(bench, action);
         if (wrong.isEmpty())
-            wrong = difference("callbacks", text.section("=>", 1), bench.calls.join(','));
+            wrong = difference("callbacks", steps.at(i).section("=>", 1), bench.calls.join(","));
         if (wrong.isEmpty())
             wrong = bench.flaws.join("; ");
         if (!wrong.isEmpty())
-            return text.trimmed() + " -> " + wrong;
+            return steps.at(i).trimmed() + " -> " + wrong;
     }
-    return QString();
+    return bench.reaction ? QString("the callback did not come") : QString();
 }

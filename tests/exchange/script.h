@@ -3,23 +3,26 @@
 //     VERB ARGUMENTS : OUTCOME => CALLBACK, CALLBACK
 //
 // Without an outcome the usual one is meant, without callbacks none; "*" is any. Blanks do not
-// count in a comparison. A range is written [STATION#]TYPE ADDRESS [xCOUNT], values are hex of the
+// count in a comparison. A range is written [STATION#]TYPE ADDRESS [xCOUNT]; values are hex of the
 // bytes that the host passes.
 //
 //     init PROPERTIES                    monitor RANGE, ... : REQUESTS
-//     write RANGE [kind K] = VALUES      condition RANGE [kind K]
+//     write RANGE [kind K] [= VALUES]    condition RANGE [kind K], ...
 //     get RANGE : VALUES                 recipe RANGE @UNIT [owner O], ... : KEPT
 //     buffer UNIT [xCOUNT] : VALUES      plc DEVICE WORD [xCOUNT] : VALUES
 //     buffer UNIT = VALUES               plc DEVICE WORD = VALUES
-//     request none|[write] [read]         requested : write|read|none, the next
+//     request WRITE READ                 sets both request bytes of the shared block
+//     requested : WRITE READ             what they are now
 //     flood write|condition COUNT        D_W 0, 1, 2 ..., one word each; the values 1, 2, 3 ...
 //     send : BODY                        the frame without opening byte, checksum, closing byte
 //     item : KIND STATION RANGE          what the frame says it serves
-//     reply none|ok|plc|data DATA|raw HEX : RESULT    ok acknowledges, plc: the controller's own
+//     reply none|ok|plc|data DATA|hex HEX|raw HEX : RESULT
+//                                        ok acknowledges, plc: the controller's own, data and hex
+//                                        in a good frame, raw as it is
 //     fail                               as many lost replies as there are tries
 //     error : TEXT                       error text of the last reply
 //     serve COUNT : REQUEST REQUEST      that many exchanges with the controller; "-" is none
-//     on CALLBACK do STEP                once, inside the next such callback
+//     on CALLBACK do STEP & STEP         once, inside the next such callback
 #ifndef TOLVANE_TESTS_EXCHANGE_SCRIPT_H
 #define TOLVANE_TESTS_EXCHANGE_SCRIPT_H
 

@@ -9,4 +9,4 @@ void Exchange::playRow()
     QCOMPARE(play(bench, script), QString());
 }
 
-QTEST_GUILESS_MAIN(Exchange)
+QTEST_MAIN(Exchange)

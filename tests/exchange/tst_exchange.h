@@ -2,7 +2,7 @@
 #ifndef TOLVANE_TESTS_EXCHANGE_TST_EXCHANGE_H
 #define TOLVANE_TESTS_EXCHANGE_TST_EXCHANGE_H
 
-#include <QtTest>
+#include <QtTest/QtTest>
 
 #include "script.h"
 
@@ -11,13 +11,24 @@ class Exchange : public QObject
     Q_OBJECT
 
 private slots:
-    void service_data();  // service.cpp
-    void service() { playRow(); }
+    void frames_data();  // frames.cpp
+    void frames() { playRow(); }
     void judging_data();
     void judging() { playRow(); }
 
+    void planning_data();  // planning.cpp
+    void planning() { playRow(); }
+    void stableOrder();
+
+    void service_data();  // service.cpp
+    void service() { playRow(); }
+
     void writes_data();  // writes.cpp
     void writes() { playRow(); }
+
+    void values_data();  // values.cpp
+    void values() { playRow(); }
+    void scatteredAddresses();
 
     void recipes_data();  // recipes.cpp
     void recipes() { playRow(); }
@@ -29,10 +40,11 @@ private slots:
     void anyExportInAnyCallback_data();
     void anyExportInAnyCallback();
 
-    void bounds_data();  // limits.cpp
-    void bounds() { playRow(); }
+    void limits_data();  // limits.cpp
+    void limits() { playRow(); }
     void longRanges_data();
     void longRanges();
+    void otherMemory();
     void nullPointers();
 
 private:
@@ -47,9 +59,9 @@ inline void scripts()
 }
 
 /** A row of a table whose only column is a script. */
-inline void row(const char *name, const char *script)
+inline void row(const char *name, const QString &script)
 {
-    QTest::newRow(name) << QString::fromLatin1(script);
+    QTest::newRow(name) << script;
 }
 
 #endif

@@ -1,144 +1,142 @@
-// The address room and the exports around it: texts and numbers both ways, ordering weights,
-// checks, descriptions, series, and how the driver names and initialises itself.
-#include "panel.h"
+// The register types, all 18 of them in every respect that a panel sees, and the exports around
+// addresses: texts and numbers both ways, checks, descriptions, series.
+#include <QtTest/QtTest>
+
+#include <vector>
+
 #include "serviceForProtocol/address.h"
 
-static const int Untouched = 77;
+namespace {
+
+enum { Untouched = 77 };
+
+typedef std::vector<const char *> Cells;
+
+/** A table of texts: the names of its columns; per row a name and the cells. */
+void table(const Cells &columns, const std::vector<Cells> &rows)
+{
+    for (const char *const column : columns)
+        QTest::addColumn<QString>(column);
+    for (const Cells &row : rows) {
+        QTestData &data = QTest::newRow(row.at(0));
+        for (size_t i = 1; i < row.size(); ++i)
+            data << QString(row.at(i));
+    }
+}
+
+QString reported;
+
+void report(int first, int station, const QString &text, int address)
+{
+    reported += QString("%1 %2 %3 %4;").arg(first).arg(station).arg(text).arg(address);
+}
+
+/** The frame on offer without control bytes and checksum. */
+QByteArray nextFrame()
+{
+    FRAME_PRO frame;
+    if (intf_getSendFrame(&frame) != 1)
+        return QByteArray();
+    return QByteArray(reinterpret_cast<const char *>(frame.frame + 1), frame.sendLen - 4);
+}
+
+/** A 16-bit field of a frame: low byte first. */
+QByteArray field16(int value)
+{
+    QByteArray bytes(1, char(value & 0xFF));
+    return (bytes + char(value >> 8)).toHex().toUpper();
+}
+
+}  // namespace
 
 class AddressTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void textToNumber_data()
+    void type_data()
     {
-        // A refused text makes a number 0 and leaves a word.bit number untouched.
-        table({"format", "name", "texts", "numbers"},
-              {{"decimal", "DDDD", "D_W", "100,0002047,-1,10A,20.5,,99999999999",
-                "100 2047 -1 no:0 no:0 no:0 no:0"},
-               {"hexadecimal", "HHHH", "D_W", "1F,20,G", "31 32 no:0"},
-               {"unheard-of pattern", "XX", "D_W", "12", "12"},
-               {"word.bit", "DDDD.DD", "M_bit", "20.5,0.0,2047.15", "325 0 32767"},
-               {"not word.bit", "DDDD.DD", "M_bit", "20.16,20,20.5.1,x.3,20.x,.5,5.,,3.-5",
-                "no no no no no no no no no"},
-               {"bit pattern, word name", "DDDD.DD", "D_W", "20.5", "0"}});
+        table({"device", "pattern", "last"}, {{"P_W", "h", "DDDD", "2047"},
+                                              {"M_W", "i", "DDDD", "2047"},
+                                              {"L_W", "j", "DDDDD", "11263"},
+                                              {"K_W", "k", "DDDD", "2559"},
+                                              {"F_W", "n", "DDDD", "2047"},
+                                              {"D_W", "a", "DDDDD", "32767"},
+                                              {"S_W", "o", "DDD", "127"},
+                                              {"T_W", "b", "DDDD", "2047"},
+                                              {"C_W", "c", "DDDD", "2047"},
+                                              {"N_W", "p", "DDDDD", "21503"},
+                                              {"Z_W", "s", "DDDD", "127"},
+                                              {"P_bit", "h", "DDDD.DD", "2047.15"},
+                                              {"M_bit", "i", "DDDD.DD", "2047.15"},
+                                              {"L_bit", "j", "DDDDD.DD", "11263.15"},
+                                              {"K_bit", "k", "DDDD.DD", "4095.15"},
+                                              {"F_bit", "n", "DDDD.DD", "2047.15"},
+                                              {"TX", "l", "DDDD", "2047"},
+                                              {"CX", "m", "DDDD", "2047"}});
     }
-    void textToNumber()
+    void type()
     {
-        QFETCH(QString, format);
-        QFETCH(QString, name);
-        QFETCH(QString, texts);
-        QStringList numbers;
-        for (const QString &text : texts.split(',')) {
-            int number = Untouched;
-            const int result = a2i(text, number, format, name);
-            const QString refused = number == Untouched ? "no" : QString("no:%1").arg(number);
-            numbers.append(result == 1 ? QString::number(number) : refused);
-        }
-        QTEST(numbers.join(' '), "numbers");
-    }
+        QFETCH(QString, device);
+        QFETCH(QString, pattern);
+        QFETCH(QString, last);
+        const QString name = QTest::currentDataTag();
+        const bool words = name.endsWith("_W");
+        const bool dotted = name.endsWith("_bit");
+        const int word = last.section('.', 0, 0).toInt();
+        const int number = dotted ? word * 16 + 15 : word;
 
-    void weight()
-    {
-        QCOMPARE(getRegAddressWeight(0, "M_W", 0), 65535U);
-        QCOMPARE(getRegAddressWeight(1, "P_W", 0), 1179630U);
-        QCOMPARE(getRegAddressWeight(0, "X_W", 0), 4294901761U);
-        QCOMPARE(getRegAddressWeight(1, "m_w", 3), getRegAddressWeight(0, "CX", 3));
-        QCOMPARE(getRegAddressWeight(2147483647, "CX", 2147483647), 2147418112U);
-    }
-
-    void check_data()
-    {
-        // Outcome: the result code and what stands in the number, 77 before.
-        table({"asked", "outcome"},
-              {{"last word", "D_W 32767 1 word", "0 32767"},
-               {"one word too count", "D_W 32767 2 word", "2 32767"},
-               {"as many as an int holds", "D_W 1 2147483647 word", "2 1"},
-               {"bit of a word type", "D_W 100 1 bit", "1 77"},
-               {"word of a bit type", "M_bit 20.5 1 word", "1 77"},
-               {"bit 16", "M_bit 20.16 1 bit", "4 77"},
-               {"last bit", "M_bit 2047.15 1 bit", "0 32767"},
-               {"one bit too count", "M_bit 2047.15 2 bit", "2 32767"},
-               {"bits reach further than words", "K_bit 4095.15 1 bit", "0 65535"},
-               {"words end before bits", "K_W 2560 1 word", "2 2560"},
-               {"below the first", "S_W -1 1 word", "2 -1"},
-               {"letter O for zero", "D_W 1O0 1 word", "4 0"},
-               {"unknown type", "X_W 1O0 9999 bit", "3 77"},
-               // 2^28 words are 2^32 bits: counted in 32 bits this would pass for bit 0.5.
-               {"word number that wraps", "M_bit 268435456.5 1 bit", "4 77"}});
-    }
-    void check()
-    {
-        QFETCH(QString, asked);
-        const QString name = asked.section(' ', 0, 0), text = asked.section(' ', 1, 1);
-        const int count = asked.section(' ', 2, 2).toInt();
-        const bool word = asked.endsWith("word");
-        QStringList outcomes;
-        for (const int useMode : {-1, 0, 1, 2}) {
-            int number = Untouched;
-            const int result =
-                useMode < 0 ? intf_checkAddrValidity(name, text, &number, count, word ? 1 : 0)
-                            : intf_checkAddr(name, text, &number, word ? 7 : -1, count, useMode);
-            outcomes.append(QString("%1 %2").arg(result).arg(number));
-        }
-        outcomes.removeDuplicates();
-        QTEST(outcomes.join(", "), "outcome");
-    }
-
-    void describe()
-    {
         QStringList description("was there");
-        for (const char *name : {"D_W", "d_w", "L_bit", "Z_W", "CX"})
-            QCOMPARE(intf_getRegDiscription(name, description), 0);
-        QCOMPARE(description.join(' '), QString("was there DDDDD 0 32767 1 1 "
-                                                "DDDDD.DD 0.0 11263.15 0 1 "
-                                                "DDDD 0 127 1 1 DDDD 0 2047 0 1"));
-    }
+        QCOMPARE(intf_getRegDiscription(name, description), 0);
+        QCOMPARE(description.join(" "),
+                 QString("was there %1 %2 %3 %4 1")
+                     .arg(pattern, dotted ? "0.0" : "0", last, words ? "1" : "0"));
 
-    void series_data()
-    {
-        table(
-            {"asked", "step", "series"},
-            {{"words", "D_W 100 x3", "1", "1: 100=100 101=101 102=102"},
-             {"by 32-bit values", "D_W 100 x2", "-2", "1: 100=100 102=102"},
-             {"past the last word", "D_W 32767 x3", "1", "2: 32767=32767 32767=32767 32767=32767"},
-             {"bits into the next word", "M_bit 335 x2", "-1", "1: 20.15=335 21.0=336"},
-             {"past the last bit", "M_bit 32767 x2", "-2", "2: 2047.15=32767 2047.15=32767"},
-             {"below the first", "D_W -1 x2", "1", "1: 4294967295=-1 0=0"},
-             {"a bit below the first", "M_bit -1 x2", "1", "1: 0.-1=-1 0.0=0"},
-             {"fewer than none", "D_W 99999 x-1", "1", "1:"},
-             {"unknown type", "D_w 1 x2", "1", "0:"}});
-    }
-    void series()
-    {
-        QFETCH(QString, asked);
-        QFETCH(QString, step);
-        const Range what = ranges(asked).first();
-        QVector<QString> texts(1, "was there");
-        QVector<int> numbers(1, Untouched);
-        QString series = QString("%1:").arg(
-            intf_multiCopy(what.name, what.start, what.count, step.toInt(), texts, numbers));
-        QCOMPARE(texts.takeFirst(), QString("was there"));
-        QCOMPARE(numbers.takeFirst(), Untouched);
-        for (int i = 0; i < numbers.size(); ++i)
-            series += QString(" %1=%2").arg(texts.at(i)).arg(numbers.at(i));
-        QTEST(series, "series");
-    }
+        for (int count = 1; count <= 2; ++count) {
+            int found = Untouched;
+            QCOMPARE(intf_checkAddrValidity(name, last, &found, count, words), 2 * (count - 1));
+            QCOMPARE(found, number);
+            for (int useMode = 0; useMode <= 2; ++useMode)
+                QCOMPARE(intf_checkAddr(name, last, &found, words ? 2 : -1, count, useMode),
+                         2 * (count - 1));
+        }
+        int other = Untouched;
+        QCOMPARE(intf_checkAddrValidity(name, last, &other, 1, !words), 1);
+        QCOMPARE(intf_checkAddr(name, last, &other, words ? -1 : 0, 1, 0), 1);
+        QCOMPARE(other, int(Untouched));
+        QCOMPARE(intf_checkAddrValidity(name, dotted ? "-1.0" : "-1", &other, 1, words), 2);
 
-    void propertyText()
-    {
-        // The five values, the block limit in bits and in words.
-        const auto after = [](const char *text) {
-            QString values = QString::number(Panel::self().initProperty(text)) + ":";
-            for (const int value :
-                 {driver.propItem0, driver.propItem1, driver.propItem2, driver.propItem3,
-                  driver.propItem4, driver.mergeBits, driver.mergeWords})
-                values += QString(" %1").arg(value);
-            return values;
-        };
-        QCOMPARE(after("1#0#0#3#32"), QString("1: 1 0 0 3 32 256 32"));
-        QCOMPARE(after("x#-2##0x5#10"), QString("1: 0 -2 0 0 10 80 10"));
-        QCOMPARE(after("1#2#3#4"), QString("1: 0 -2 0 0 10 80 10"));
+        // Copies up to the last address; one of 32 bits takes two words, but one bit.
+        QVector<QString> texts;
+        QVector<int> numbers;
+        QCOMPARE(intf_multiCopy(name, number - 1, 3, -1, texts, numbers), 2);
+        QCOMPARE(intf_multiCopy(name, 0, 2, -2, texts, numbers), 1);
+        QCOMPARE(texts.at(1) + ' ' + texts.at(2), last + ' ' + last);
+        QCOMPARE(numbers, QVector<int>() << number - 1 << number << number << 0 << (words ? 2 : 1));
+
+        // The last address on the wire, in the report of its change, and in the error text.
+        reported.clear();
+        intf_setAddrValueChangeCallBack(report);
+        intf_initProperty(nullptr, nullptr, nullptr, nullptr, "9#0#0#1#64", nullptr);
+        KEY_ADDRESS key;
+        key.stationNo = 3;
+        key.regName = name;
+        key.startAddr = number;
+        key.count = 1;
+        QCOMPARE(intf_addrMerge(QList<KEY_ADDRESS>() << key), 1);
+        const int frameWord = name.endsWith('X') ? number / 16 : word;
+        const QByteArray place = device.toLatin1() + field16(frameWord * 2) + "00";
+        QCOMPARE(nextFrame(), 'r' + place + "02");
+        QString error;
+        QCOMPARE(intf_dealRcvFrame(QByteArray(), &error), 2);
+
+        const unsigned char value[] = {1, 0};
+        intf_setData(3, name, number, 1, value, 0);
+        QCOMPARE(reported, QString("9 3 %1 %2;").arg(name).arg(number));
+        QCOMPARE(nextFrame(),
+                 words ? 'w' + place + "020100" : 'o' + place + field16(1 << number % 16));
+        QCOMPARE(intf_dealRcvFrame(QByteArray(), &error), 2);
+        QCOMPARE(error, "3#" + name + last + "(1)(0)");
     }
 
     void identity()
@@ -155,13 +153,118 @@ private slots:
         QStringList words, unheardOf, bits;
         QCOMPARE(intf_getRegListByType(1, words), 1);
         QCOMPARE(intf_getRegListByType(5, unheardOf), 0);
+        QCOMPARE(intf_getRegListByType(-1, unheardOf), 0);
         QCOMPARE(intf_getRegListByType(0, bits), 1);
-        QCOMPARE(unheardOf, words);
-        QCOMPARE(bits.join(','), QString("P_bit,M_bit,L_bit,K_bit,F_bit,TX,CX"));
-        QCOMPARE(text, "0,115200,8,NONE,1,0,1,192.168.1.100,8000,tolvane_link," +
-                           (words + bits).join(','));
+        QCOMPARE(unheardOf, words + words);
+        QCOMPARE(bits.join(","), QString("P_bit,M_bit,L_bit,K_bit,F_bit,TX,CX"));
+        QCOMPARE(text, QString("0,115200,8,NONE,1,0,1,192.168.1.100,8000,tolvane_link,P_W,M_W,L_W,"
+                               "K_W,F_W,D_W,S_W,T_W,C_W,N_W,Z_W,") +
+                           bits.join(","));
+        QStringList nothing;
+        QCOMPARE(intf_getRegDiscription("d_w", nothing), 0);
+        QVERIFY(nothing.isEmpty());
+    }
+
+    void check_data()
+    {
+        // Outcome: the result code and what stands in the number, 77 before.
+        table({"asked", "outcome"},
+              {{"as many as an int holds", "D_W 1 2147483647 word", "2 1"},
+               {"leading zeros", "D_W 00002047 1 word", "0 2047"},
+               {"bit 16", "M_bit 20.16 1 bit", "4 77"},
+               {"bit -5", "M_bit 3.-5 1 bit", "4 77"},
+               {"no bit", "M_bit 20 1 bit", "4 77"},
+               {"three parts", "M_bit 20.5.1 1 bit", "4 77"},
+               {"no word number", "M_bit x.3 1 bit", "4 77"},
+               {"no bit number", "M_bit 20.x 1 bit", "4 77"},
+               {"a word and its bit", "M_bit 20.5 1 bit", "0 325"},
+               {"bits reach further than words", "K_bit 2560.0 1 bit", "0 40960"},
+               {"a contact with a full stop", "TX 20.5 1 bit", "4 0"},
+               {"letter O for zero", "D_W 1O0 1 word", "4 0"},
+               {"beyond an int", "D_W 99999999999 1 word", "4 0"},
+               {"unknown type", "X_W 1O0 9999 bit", "3 77"},
+               // 2^28 words are 2^32 bits: counted in 32 bits this would pass for bit 0.5.
+               {"word number that wraps", "M_bit 268435456.5 1 bit", "4 77"}});
+    }
+    void check()
+    {
+        QFETCH(QString, asked);
+        const QString name = asked.section(' ', 0, 0), text = asked.section(' ', 1, 1);
+        const int count = asked.section(' ', 2, 2).toInt();
+        const bool word = asked.endsWith("word");
+        QStringList outcomes;
+        for (const bool byUse : {false, true}) {
+            int number = Untouched;
+            const int result =
+                byUse ? intf_checkAddr(name, text, &number, word ? 7 : -1, count, 1)
+                      : intf_checkAddrValidity(name, text, &number, count, word ? 1 : 0);
+            outcomes << QString("%1 %2").arg(result).arg(number);
+        }
+        outcomes.removeDuplicates();
+        QTEST(outcomes.join(", "), "outcome");
+    }
+
+    void series_data()
+    {
+        table({"asked", "series"},
+              {{"words", "D_W 100 3 1", "1: 100=100 101=101 102=102"},
+               {"by 32-bit values", "D_W 100 2 -2", "1: 100=100 102=102"},
+               {"steps below 1", "D_W 5 2 0", "1: 5=5 6=6"},
+               {"other steps below 1", "D_W 5 2 -5", "1: 5=5 6=6"},
+               {"wide steps", "D_W 5 2 7", "1: 5=5 12=12"},
+               {"bits into the next word", "M_bit 335 2 -1", "1: 20.15=335 21.0=336"},
+               {"below the first", "D_W -1 2 1", "1: 4294967295=-1 0=0"},
+               {"a bit below the first", "M_bit -1 2 1", "1: 0.-1=-1 0.0=0"},
+               {"fewer than none", "D_W 99999 -1 1", "1:"},
+               {"unknown type", "D_w 1 2 1", "0:"}});
+    }
+    void series()
+    {
+        QFETCH(QString, asked);
+        const QStringList cells = asked.split(' ');
+        QVector<QString> texts(1, "was there");
+        QVector<int> numbers(1, Untouched);
+        QString series =
+            QString("%1:").arg(intf_multiCopy(cells.at(0), cells.at(1).toInt(), cells.at(2).toInt(),
+                                              cells.at(3).toInt(), texts, numbers));
+        QCOMPARE(texts.at(0) + QString::number(numbers.at(0)), QString("was there77"));
+        QCOMPARE(numbers.size(), texts.size());
+        for (int i = 1; i < numbers.size(); ++i)
+            series += QString(" %1=%2").arg(texts.at(i)).arg(numbers.at(i));
+        QTEST(series, "series");
+    }
+
+    // Patterns that no type of this controller has, and names that no pattern belongs to.
+    void otherPatterns_data()
+    {
+        table({"pattern", "name", "text", "number"},
+              {{"hexadecimal", "HHHH", "D_W", "1F", "31"},
+               {"octal", "OOO", "D_W", "17", "15"},
+               {"no octal", "OOO", "D_W", "18", "no:0"},
+               {"unheard of", "XX", "D_W", "12", "12"},
+               {"none", "", "D_W", "12", "12"},
+               {"bits of no bit type", "D.D", "D_W", "20.5", "0"},
+               {"refused", "D.D", "M_bit", "20", "no:77"}});
+    }
+    void otherPatterns()
+    {
+        QFETCH(QString, pattern);
+        QFETCH(QString, name);
+        QFETCH(QString, text);
+        int number = Untouched;
+        const bool converted = a2i(text, number, pattern, name) == 1;
+        QTEST((converted ? "" : "no:") + QString::number(number), "number");
+    }
+
+    void weight()
+    {
+        QCOMPARE(getRegAddressWeight(0, "M_W", 0), 65535U);
+        QCOMPARE(getRegAddressWeight(1, "P_W", 0), 1179630U);
+        QCOMPARE(getRegAddressWeight(0, "X_W", 0), 4294901761U);
+        QCOMPARE(getRegAddressWeight(1, "m_w", 3), getRegAddressWeight(0, "CX", 3));
+        QCOMPARE(getRegAddressWeight(2147483647, "CX", 2147483647), 2147418112U);
     }
 };
 
-QTEST_GUILESS_MAIN(AddressTest)
+QTEST_MAIN(AddressTest)
 #include "tst_address.moc"

@@ -1,0 +1,84 @@
+// Which requests serve what the panel asks for: monitored keys as read blocks, condition reads and
+// writes in pieces.
+#include "tst_exchange.h"
+
+namespace {
+
+/** One row: with this block limit, what is asked for takes these requests. */
+void plan(const char *name, const char *limit, const char *asked, const char *requests)
+{
+    const QString wanted(requests);
+    const int count = wanted.isEmpty() ? 0 : int(wanted.count(' ')) + 1;
+    const bool monitors = QString(asked).startsWith("monitor");
+    // What was monitored before is replaced as a whole.
+    row(name, QString("init 7#0#0#3#%1; monitor N_W 0, N_W 500, CX 7 : *; monitor : 0; %2 %3 => *;"
+                      "serve %4 : %5 => *; %6")
+                  .arg(limit, asked, monitors ? QString(": %1").arg(count) : QString(),
+                       QString::number(count), wanted, monitors ? "" : "send : -"));
+}
+
+}  // namespace
+
+void Exchange::planning_data()
+{
+    scripts();
+    plan("a bit key and a word key of one device share a block", "64",
+         "monitor M_bit 1604 x21, M_W 101", "rM100x2");
+    plan("a whole word of bits, and one bit more", "1", "monitor M_bit 16 x16, P_bit 16 x17",
+         "rP1x2 rM1");
+    plan("keys that touch or overlap", "64", "monitor D_W 0 x2, D_W 2 x3, D_W 3 x4", "rD0x7");
+    plan("a key inside another", "64", "monitor D_W 0 x9, D_W 2 x3, D_W 9", "rD0x10");
+    plan("up to the limit", "10", "monitor D_W 0 x2, D_W 8 x2", "rD0x10");
+    plan("not beyond it", "10", "monitor D_W 0 x2, D_W 9 x2", "rD0x2 rD9x2");
+    plan("neighbours join before gaps are bridged", "10", "monitor D_W 0 x2, D_W 9, D_W 10 x3",
+         "rD0x2 rD9x4");
+    plan("overlap beyond the limit", "4", "monitor D_W 0 x3, D_W 2 x3", "rD0x3 rD2x3");
+    plan("any order in, address order out", "2", "monitor D_W 5, M_bit 0, P_W 9, D_W 1",
+         "rP9 rM0 rD1 rD5");
+    plan("stations and types stay apart", "64", "monitor 2#D_W 1, D_W 0, 0#D_W 1, L_W 0",
+         "0#rD1 rL0 rD0 2#rD1");
+    plan("contacts join at the same start", "3", "monitor TX 5, TX 5 x3", "rTX0x3");
+    plan("contacts within the limit only", "2", "monitor TX 5, TX 5 x3", "rTX0 rTX0x3");
+    plan("contacts side by side stay apart", "64", "monitor CX 5, CX 6", "rCX0 rCX0");
+    plan("a key beyond the limit is one block", "64", "monitor D_W 0 x100", "rD0x100");
+    plan("a key beyond a frame is consecutive items", "64", "monitor D_W 0 x300",
+         "rD0x127 rD127x127 rD254x46");
+    plan("contacts beyond a frame", "64", "monitor TX 3 x200", "rTX0x127 rTX8x73");
+    plan("limit 1 joins nothing", "1", "monitor D_W 5, D_W 6", "rD5 rD6");
+    plan("no such address", "64", "monitor X_W 0, d_w 0, D_bit 0, D_W 0 x0, D_W 1 x-1, D_W 7",
+         "rD7");
+    plan("condition reads in pieces of the limit", "32", "condition D_W 0 x100",
+         "rD0x32 rD32x32 rD64x32 - rD96x4");
+    plan("condition reads of at most a frame", "127", "condition D_W 0 x200", "rD0x127 rD127x73");
+    plan("7 contacts a frame", "64", "condition TX 0 x20", "rTX0x112 rTX0x112 rTX0x96");
+    plan("bits as words, in pieces of limit * 8", "1", "condition M_bit 1604 x21",
+         "rM100 rM100x2 rM101");
+    plan("twice behind the head: once", "64", "condition D_W 9, D_W 0 x3, M_W 0 x3, D_W 0 x3",
+         "rD9 rD0x3 rM0x3");
+    plan("other station, start or count", "64",
+         "condition D_W 9, D_W 0 x3, 2#D_W 0 x3, D_W 0 x2, D_W 1 x3, M_W 0 x3",
+         "rD9 rD0x3 2#rD0x3 - rD0x2 rD1x3 rM0x3");
+    plan("no such condition read", "64",
+         "condition X_W 0, X_bit 0, D_bit 0, D_W 0 x0, TX 0 x-1, M_bit 3 x0", "");
+    plan("writes in pieces of the limit", "64", "write D_W 0 x150", "wD0x64 wD64x64 wD128x22");
+    plan("bit writes in pieces of limit * 8", "2", "write M_bit 1600 x20",
+         "rM100 wM100 rM101 wM101");
+    plan("writes of at most a frame", "127", "write D_W 0 x300", "wD0x127 wD127x127 wD254x46");
+    plan("no such write", "64",
+         "write X_W 0 => *; write X_bit 0; write d_w 0 => *;"
+         "write D_W 0 x0; write TX 0 x-1; write M_bit 3 x0",
+         "");
+}
+
+void Exchange::stableOrder()
+{
+    // Keys of equal weight keep their order, so that the first one opens the block.
+    Bench bench;
+    bench.init("7#0#0#3#2");
+    Ranges keys(40, Range("TX", 5));
+    keys.front().count = 3;
+    QCOMPARE(bench.monitor(keys), 1);
+    keys.front().count = 1;
+    keys.back().count = 3;
+    QCOMPARE(bench.monitor(keys), 2);
+}
