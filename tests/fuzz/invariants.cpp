@@ -1,21 +1,23 @@
 // What must hold of the driver's state whatever the wire and the host do.
 #include "invariants.h"
 
-#include "serviceForProtocol/data_area.h"
-
 #include <cstdio>
 #include <cstdlib>
-#include <set>
-#include <tuple>
+
+#include "serviceForProtocol/data_area.h"
 
 namespace {
 
-QByteArray checksumOf(const QByteArray &bytes)
+/** The two checksum characters of some bytes. */
+const char *checksumOf(const unsigned char *bytes, int length)
 {
+    static char text[3];
     unsigned sum = 0;
-    for (const char byte : bytes)
-        sum += static_cast<unsigned char>(byte);
-    return QByteArray::number(sum & 0xFF, 16).rightJustified(2, '0').toUpper();
+    for (int i = 0; i < length; ++i)
+        sum += bytes[i];
+    text[0] = "0123456789ABCDEF"[sum >> 4 & 0xF];
+    text[1] = "0123456789ABCDEF"[sum & 0xF];
+    return text;
 }
 
 }  // namespace
@@ -28,43 +30,38 @@ void require(bool condition, const char *what)
     std::abort();
 }
 
-void checkQueuesAndFrames()
+void checkQueues()
 {
     require(driver.writeList.size() <= 513, "write queue beyond 513");
     require(driver.condReadList.size() <= 513, "condition-read queue beyond 513");
-    for (int i = 0; i < driver.frameList.size(); ++i) {
-        const FRAME_PRO &frame = driver.frameList.at(i);
-        if (frame.sendLen == 0)
-            continue;
-        require(frame.readCount >= 0 && frame.readCount <= 127, "frame reads beyond 127 words");
-        require(frame.sendLen >= 14 && frame.sendLen <= 14 + 4 * 127, "frame of impossible length");
-        const QByteArray bytes(reinterpret_cast<const char *>(frame.frame), frame.sendLen);
-        require(bytes.startsWith('\x02') && bytes.endsWith('\x03'), "frame without STX and ETX");
-        require(bytes.mid(frame.sendLen - 3, 2) == checksumOf(bytes.mid(1, frame.sendLen - 4)),
-                "frame with a wrong checksum");
-    }
+}
+
+void checkFrame(const FRAME_PRO &frame)
+{
+    const unsigned char *const bytes = frame.frame;
+    const int length = frame.sendLen;
+    require(frame.readCount >= 0 && frame.readCount <= 127, "frame reads beyond 127 words");
+    require(length >= 14 && length <= 14 + 4 * 127, "frame of impossible length");
+    require(bytes[0] == 2 && bytes[length - 1] == 3, "frame without STX and ETX");
+    require(!std::memcmp(bytes + length - 3, checksumOf(bytes + 1, length - 4), 2),
+            "frame with a wrong checksum");
 }
 
 void checkDataAreas()
 {
-    std::set<std::tuple<int, QString, int>> keys;
     const int size = int(driver.dataAreaList.size());
     for (int i = 0; i < size; ++i) {
         const _DATA_ area = driver.dataAreaList.at(i);
-        require(keys.emplace(area.stationNo, area.areaName, area.unitAddr).second,
-                "two data areas of one key");
         require(getIndexOfDataArea(area.stationNo, area.areaName, area.unitAddr,
                                    driver.dataAreaList) == i,
-                "index and list of the data areas disagree");
+                "a data area is not found, or another of its key");
     }
     require(driver.dataAreaList.size() == size, "looking up what is there appended something");
 }
 
 void checkWritesSettled()
 {
-    if (!driver.writeList.isEmpty())
-        return;
-    for (int i = 0; i < driver.dataAreaList.size(); ++i) {
+    for (int i = 0; i < driver.dataAreaList.size() && driver.writeList.isEmpty(); ++i) {
         const _DATA_ &area = driver.dataAreaList.at(i);
         require(!area.hasWriteValue || area.writeBitMask != 0,
                 "a written value is shown although its write has left the queue");
@@ -73,13 +70,29 @@ void checkWritesSettled()
 
 QByteArray framedReply(const QByteArray &body)
 {
-    return '\x06' + body + checksumOf(body) + '\x04';
+    const unsigned char *const bytes = reinterpret_cast<const unsigned char *>(body.constData());
+    return '\x06' + body + checksumOf(bytes, int(body.size())) + '\x04';
 }
 
-QByteArray goodReply(const FRAME_PRO &frame, const QByteArray &data)
+KEY_ADDRESS keyOf(const QString &regName, int startAddr, int count)
 {
-    QByteArray body("r");
-    for (int i = 0; i < frame.readCount * 4; ++i)
-        body += data.isEmpty() ? '0' : data.at(i % data.size());
-    return framedReply(body);
+    KEY_ADDRESS key;
+    key.stationNo = 1;
+    key.regName = regName;
+    key.startAddr = startAddr;
+    key.count = count;
+    key.bitMark = regName.endsWith(QLatin1String("_W")) ? 0 : -1;
+    return key;
+}
+
+_RCP_VAR_PRO entryOf(const QString &regName, int startAddr, int count, int bufIndex)
+{
+    _RCP_VAR_PRO entry;
+    entry.ownerKey = 1;
+    entry.stationNo = 1;
+    entry.regName = regName;
+    entry.startAddr = startAddr;
+    entry.count = count;
+    entry.bufIndex = bufIndex;
+    return entry;
 }
