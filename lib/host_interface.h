@@ -3,6 +3,15 @@
 //
 // Record fields keep this order and these widths; they are part of the binary
 // interface. Driver and host must be built against the same Qt.
+//
+// What holds for all exports:
+// - Texts and lists that the host passes are read during the call and not kept.
+// - A count below 1 asks for nothing. No request covers more than 524,288 addresses: what lies
+//   beyond is ignored. Buffers must be as long as the count says; nothing checks them.
+// - A request whose first word lies outside 0 to 32767 is never sent, for no frame can name it; of
+//   a longer one the frames that begin inside are. intf_checkAddr() tells what the controller has.
+// - Registrations, reads and writes must not run at the same time as the loop's two functions;
+//   calling them from inside a callback is fine.
 #ifndef TOLVANE_HOST_INTERFACE_H
 #define TOLVANE_HOST_INTERFACE_H
 
@@ -21,9 +30,6 @@ enum { FrameBytes = 1024, ValueBytes = 1024 };
 /** Positions of the recipe request bytes in the host's shared block (1 = requested). */
 enum { RecipeWriteRequest = 60115, RecipeReadRequest = 60116, SharedBlockBytes = 60117 };
 
-// The copies below use memcpy for the byte arrays: compilers copy a record that also
-// holds a QString member by member, which for these arrays can mean byte by byte.
-
 /** One request item: a contiguous run of units of one register type. */
 struct VARIABLE
 {
@@ -37,27 +43,6 @@ struct VARIABLE
     VARIABLE() : kind(0), stationNo(0), startAddr(0), count(0)
     {
         std::memset(valueBuf, 0, sizeof valueBuf);
-    }
-    VARIABLE(const VARIABLE &other)
-        : kind(other.kind),
-          stationNo(other.stationNo),
-          regName(other.regName),
-          startAddr(other.startAddr),
-          count(other.count)
-    {
-        std::memcpy(valueBuf, other.valueBuf, sizeof valueBuf);
-    }
-    VARIABLE &operator=(const VARIABLE &other)
-    {
-        if (this == &other)
-            return *this;
-        kind = other.kind;
-        stationNo = other.stationNo;
-        regName = other.regName;
-        startAddr = other.startAddr;
-        count = other.count;
-        std::memcpy(valueBuf, other.valueBuf, sizeof valueBuf);
-        return *this;
     }
 };
 
@@ -75,34 +60,6 @@ struct FRAME_PRO
     FRAME_PRO() : sendLen(0), replyLen(0), dataStart(0), readCount(0), frameSpare(0)
     {
         std::memset(frame, 0, sizeof frame);
-    }
-    explicit FRAME_PRO(const VARIABLE &item)
-        : sendLen(0), replyLen(0), dataStart(0), readCount(0), frameSpare(0), var(item)
-    {
-        std::memset(frame, 0, sizeof frame);
-    }
-    FRAME_PRO(const FRAME_PRO &other)
-        : sendLen(other.sendLen),
-          replyLen(other.replyLen),
-          dataStart(other.dataStart),
-          readCount(other.readCount),
-          frameSpare(other.frameSpare),
-          var(other.var)
-    {
-        std::memcpy(frame, other.frame, sizeof frame);
-    }
-    FRAME_PRO &operator=(const FRAME_PRO &other)
-    {
-        if (this == &other)
-            return *this;
-        std::memcpy(frame, other.frame, sizeof frame);
-        sendLen = other.sendLen;
-        replyLen = other.replyLen;
-        dataStart = other.dataStart;
-        readCount = other.readCount;
-        frameSpare = other.frameSpare;
-        var = other.var;
-        return *this;
     }
 };
 
@@ -146,9 +103,8 @@ struct _RCP_VAR_PRO
  *
  * - (first property value, station, register type name, address number): a point changed.
  * - (0, -1, "RWI", n): unit n of the recipe buffer was read from the controller.
- * - (-1, -1, "-1", 0 or -1): the last request of the latest condition read is done (0) or was given
- * up
- *   (-1). When an earlier one is given up, the rest is dropped without a signal.
+ * - (-1, -1, "-1", 0 or -1): the last request of the latest condition read is done (0) or was
+ *   given up (-1). When an earlier one is given up, the rest is dropped without a signal.
  *
  * The text is valid during the call.
  */
@@ -199,8 +155,9 @@ Q_DECL_EXPORT void intf_setAddrValueChangeCallBack(ValueChangeCallBack callBack)
  * hostShared: the host's shared block of SharedBlockBytes or more; hostContext: kept only;
  * rcpBuffer: recipe buffer in 16-bit units, low byte first; result: receives 0;
  * propertyText: five decimal integers separated by "#": report number, write mode (not 0: writes
- * are shown but not sent), spare, retry limit, block limit in words. A part that is no number
- * counts as 0; a text with fewer parts leaves all five as they were.
+ * are shown but not sent), spare, retry limit (1 or less: a request is sent once), block limit in
+ * words (taken as 1 to 127). A part that is no number counts as 0; a text with fewer parts leaves
+ * all five as they were.
  * hostMutex: guards the two request bytes of hostShared.
  *
  * All pointers stay the host's and must be valid until unload. Null pointers are tolerated:
@@ -221,8 +178,10 @@ Q_DECL_EXPORT int intf_checkAddrValidity(QString regName, QString addrText, int 
                                          int wordRequest);
 
 /**
- * The same for an object of a data type (-1: bit) and use. Returns also 5, the data type does
- * not fit a 32-bit type, and 6, the use (1 or 2) does not fit a read-only type.
+ * The same for an object of a data type and use, codes of the host. dataType: -1 a bit, any other
+ * a value made of words; of those 1, 3, 5, 6 and 9 fit 32-bit types. useMode: 1 and 2 write, any
+ * other only reads. Returns also 5, the data type does not fit a 32-bit type, and 6, the use does
+ * not fit a read-only type; this controller has neither.
  */
 Q_DECL_EXPORT int intf_checkAddr(QString regName, QString addrText, int *addrOut, int dataType,
                                  int count, int useMode);
@@ -258,8 +217,9 @@ Q_DECL_EXPORT int intf_addConditionRead(const KEY_ADDRESS &key, int kind);
 
 /**
  * Replaces the recipe by the entries that are this driver's, of known types, at least one value
- * long and with a place in the buffer that is not negative. Returns how many were kept; when none
- * was, transfers are refused until a later registration keeps one.
+ * long, with a first word of 0 to 32767 and a place in the buffer that is not negative. Returns how
+ * many were kept; when none was, transfers are refused until a later registration keeps one. A
+ * transfer under way goes on with the new blocks at the number it had reached.
  */
 Q_DECL_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries);
 
@@ -267,15 +227,18 @@ Q_DECL_EXPORT int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries);
 
 /**
  * Copies cached values to `out`: 2 bytes a word, low byte first, or 1 byte a bit. Addresses never
- * read or written give 0; nothing is written for a count below 1. Always returns 1.
+ * read or written give 0, and an entry of the cache each (some 100 bytes) until the next start.
+ * Always returns 1.
  */
 Q_DECL_EXPORT int intf_getData(int stationNo, QString regName, int startAddr, int count,
                                unsigned char *out);
 
 /**
  * Queues a write and shows its values at once. `values`: 2 bytes a word, low byte first, or
- * 1 byte a bit; `kind` travels with its frames. A write that repeats the range of one still
- * waiting replaces it. Null values or a count below 1 change nothing. Always returns 1.
+ * 1 byte a bit, of which 1 sets and 0 clears; `kind` travels with its frames. A write that
+ * repeats the range of one still waiting takes its place in the queue. The queue holds 513
+ * requests: in a full one the last is lost to the new one, without a report, and its value is
+ * shown until the controller's changes. Null values change nothing. Always returns 1.
  */
 Q_DECL_EXPORT int intf_setData(int stationNo, QString regName, int startAddr, int count,
                                const unsigned char *values, int kind);
@@ -291,7 +254,8 @@ Q_DECL_EXPORT int intf_getSendFrame(FRAME_PRO *frame);
 /**
  * Judges what was received (possibly nothing) for the frame in flight. Returns 1 good, 8 bad:
  * send the same frame again, 2 given up after the retry limit, 0 no frame was in flight.
- * *errorText describes the request, whatever the outcome; null is tolerated.
+ * *errorText describes the request, whatever the outcome, as "1#D_W100(10)(0)": station, register
+ * type, address, count, bytes received; it is empty for 0. A null pointer is tolerated.
  */
 Q_DECL_EXPORT int intf_dealRcvFrame(QByteArray reply, QString *errorText);
 

@@ -1,5 +1,5 @@
-// The header that both rooms of the driver share: identity, register tables and their
-// look-ups, the records of the driver's own making, and its one state object.
+// What the link's room and the service floors share: register tables and their look-ups, the
+// records of the driver's own making, and its one state object.
 #ifndef TOLVANE_PROTOCOL_H
 #define TOLVANE_PROTOCOL_H
 
@@ -8,19 +8,18 @@
 
 #include "host_interface.h"
 
-// What follows stays inside the library: reached directly, not through a symbol table.
-#pragma GCC visibility push(hidden)
+class Protocol;
 
-// ---- Identity and register tables -----------------------------------------------------------
+// ---- Identity and register tables: the link's room defines them ------------------------------
+
+// Data inside the library is reached directly, not through a symbol table.
+#pragma GCC visibility push(hidden)
 
 extern const QString PROCOTOL_NAME;
 extern const QString PROCOTOL_VERSION;
 extern const QString PROCOTOL_DEFALT_COM_PAR;
 extern const QString PROCOTOL_DEFALT_IP_PAR;
 extern const QString PROCOTOL_PAR_HMI_SET_MODE;
-
-/** The number of register types; as a row number, the row that stands for unknown names. */
-enum { RegisterTypeCount = 18, FallbackRow = RegisterTypeCount };
 
 /** One row of ADDRESS_RANGE_PRO; numbers stand as decimal text. */
 struct AddressRange
@@ -33,9 +32,20 @@ struct AddressRange
     QString unitBits;    ///< width of what one address step covers in the controller's memory
 };
 
-extern const QString REG_LIST[RegisterTypeCount];
-extern const AddressRange ADDRESS_RANGE_PRO[RegisterTypeCount + 1];
-extern const QString ADDRESS_RW_COMMAND[RegisterTypeCount];
+/** The number of register types; as a row number, the row that stands for unknown names. */
+extern const int RegisterTypeCount;
+
+extern const QString REG_LIST[];  ///< word types before the bit types over the same words
+extern const AddressRange ADDRESS_RANGE_PRO[];  ///< and behind them the row of unknown names
+extern const QString ADDRESS_RW_COMMAND[];      ///< how the link names the device
+
+/** All state of the driver; built at load, destroyed at unload. */
+extern Protocol driver;
+
+#pragma GCC visibility pop
+
+/** Marks identity and tables: built before `driver`, whose constructor reads them. */
+#define BUILT_BEFORE_DRIVER __attribute__((init_priority(1000)))
 
 /** What one storage unit of a register type is, and where an address of the type lives. */
 enum UnitKind {
@@ -48,13 +58,13 @@ enum UnitKind {
 /** What the tables say of a register type name; looked up once per call and passed down. */
 struct RegisterType
 {
-    int number;  ///< register-type number 0 to 17, or FallbackRow
+    int number;  ///< register-type number, or RegisterTypeCount for an unknown name
     UnitKind unitKind;
     QString areaName;  ///< of the data areas: "M" for "M_W" and "M_bit", else the whole name
     int wordType;      ///< number of the word type over the same words; own number for a BitUnit
     int bitType;       ///< number of the "_bit" type over the same words, or -1
 
-    bool isKnown() const { return number != FallbackRow; }
+    bool isKnown() const { return number != RegisterTypeCount; }
 };
 
 /**
@@ -68,7 +78,7 @@ inline bool sameText(const QString &a, const QString &b)
     return a.size() == b.size() && (inA == inB || (inA[0] == inB[0] && a == b));
 }
 
-/** Register-type number 0 to 17 of a name, compared exactly, or -1. */
+/** Register-type number of a name, from 0, compared exactly; or -1. */
 int getIndexFromRegName(const QString &name);
 
 /** The facts of a name; an unknown one gets the fallback row. */
@@ -77,11 +87,17 @@ RegisterType registerType(const QString &name);
 // ---- Limits ---------------------------------------------------------------------------------
 
 enum {
-    MaxWordsPerFrame = 127,        ///< the byte count field holds words * 2 in one byte
-    MaxBitsPerWrite = ValueBytes,  ///< one value byte a bit
-    QueueLimit = 513,              ///< items of the write and of the condition-read queue
+    QueueLimit = 513,                  ///< items of the write and of the condition-read queue
+    MaxUnitsPerRead = ValueBytes / 2,  ///< room for the values of one reply, on any link
+    MaxAddresses = 524288,             ///< of one request of the host; more is no request
     BitsPerWord = 16
 };
+
+/** How many of `count` addresses a request of the host covers: at most MaxAddresses. */
+inline int coveredCount(int count)
+{
+    return qMin<int>(count, MaxAddresses);
+}
 
 // ---- Arithmetic on address numbers ----------------------------------------------------------
 
@@ -112,15 +128,22 @@ inline int wordsOfBits(int bitAddr, int count)
 
 // ---- Records --------------------------------------------------------------------------------
 
-/** A run of addresses of one known register type: what read planning works on. */
+/** A run of addresses of one known register type: what planning and cutting work on. */
 struct AddressSpan
 {
     int stationNo;
-    int regNumber;  ///< register-type number 0 to 17
+    int regNumber;  ///< register-type number
     int startAddr;
     int count;
-    int bufIndex;  ///< place in the recipe buffer; 0 for monitored addresses
+    int firstEntry;  ///< of a recipe block: its first entry in rcpEntries
+    int entries;     ///< of a recipe block: how many entries it serves, from the first on
 };
+
+/** The same run in whole words of the word type over the same memory, for a run of "_bit" bits. */
+AddressSpan wordSpan(const AddressSpan &bits);
+
+/** Makes `item` ask for the span; its kind and values stay. */
+void setRange(VARIABLE &item, const AddressSpan &span);
 
 /** One data area: the cache of one storage unit of one station. */
 struct _DATA_
@@ -141,15 +164,14 @@ struct _DATA_
 };
 
 /**
- * Where each data area stands in dataAreaList: a table per station and area name, cut into
- * pages of consecutive unit addresses. Kept by data_area.cpp.
+ * Where each data area stands in dataAreaList: by station and area name a table of pages, which
+ * hold a position in the list + 1, or 0, for each of 64 consecutive unit addresses. Kept by
+ * data_area.cpp.
  */
 struct DataAreaIndex
 {
-    int covered;                             ///< data areas entered, from the front of the list
-    QHash<QPair<int, QString>, int> tables;  ///< (station, area name) -> table number
-    QHash<quint64, int> pages;               ///< (table, page number) -> first cell
-    QVector<int> cells;                      ///< position in the list + 1; 0: none
+    QHash<QPair<int, QString>, int> tables;     ///< (station, area name) -> table number
+    QVector<QHash<int, QVector<int> > > pages;  ///< by table: page number -> positions
 };
 
 // ---- State ----------------------------------------------------------------------------------
@@ -171,16 +193,16 @@ class Protocol
 public:
     Protocol();
 
-    ValueChangeCallBack valueChangeCallBack;
-    int propItem0;  ///< passed back as the first argument of change reports
-    int propItem1;  ///< not 0: writes are shown but not queued
-    int propItem2;  ///< kept only
-    int propItem3;  ///< retry limit: bad replies to a frame until its item is given up
-    int propItem4;  ///< block limit in words
-    unsigned char *hostShared;
-    void *hostContext;
-    unsigned char *rcpBuffer;
-    QMutex *hostMutex;  ///< guards the request bytes of hostShared
+    ValueChangeCallBack valueChangeCallBack = 0;
+    int propItem0 = 0;  ///< passed back as the first argument of change reports
+    int propItem1 = 0;  ///< not 0: writes are shown but not queued
+    int propItem2 = 0;  ///< kept only
+    int propItem3 = 0;  ///< retry limit: bad replies to a frame until its item is given up
+    int propItem4 = 0;  ///< block limit in words as the host gave it; mergeWords is in force
+    unsigned char *hostShared = 0;
+    void *hostContext = 0;
+    unsigned char *rcpBuffer = 0;
+    QMutex *hostMutex = 0;  ///< guards the request bytes of hostShared
 
     QVector<AddressSpan> readList;  ///< cyclic reads, served in rotation from readIndex on
     QList<VARIABLE> writeList;      ///< queued writes; the head may be in service
@@ -188,49 +210,44 @@ public:
     QList<_DATA_> dataAreaList;     ///< the cache; areas are only ever added
 
     QVector<_RCP_VAR_PRO> rcpEntries;  ///< the kept recipe entries, sorted
-    QVector<_RCP_VAR_PRO> rcpBlocks;   ///< the merged blocks, walked by rcpIndex
-    QList<int> rcpGroupStarts;         ///< per block, its first entry in rcpEntries
+    QVector<AddressSpan> rcpBlocks;    ///< the merged blocks, walked by rcpIndex
 
     VARIABLE lastCondVar;  ///< the item most recently queued as a condition read
     QList<QString> regNameList;
-    VARIABLE curVar;              ///< the item being sent
-    QList<VARIABLE> curReadList;  ///< what the pending read frame covers: one item
-    int sendState;                ///< a SendState
-    int runCount;                 ///< writes and condition reads since the last cyclic read
-    int handShakeRequest;
-    int retryCount;  ///< consecutive bad replies to the frame in flight
-    int mergeBits;   ///< block limit in bits of a bit request: propItem4 * 8
-    int mergeWords;  ///< block limit in words: propItem4
-    int lastFrameFailed;
-    int frameIndex;              ///< the frame of frameList whose reply is decoded
+    VARIABLE curVar;       ///< the item being sent
+    int sendState = Idle;  ///< a SendState
+    int runCount = 0;      ///< writes and condition reads since the last cyclic read
+    int handShakeRequest = 0;
+    int retryCount = 0;  ///< consecutive bad replies to the frame in flight
+    int mergeBits = 8;   ///< block limit of a bit request, in bits: mergeWords * 8
+    int mergeWords = 1;  ///< block limit in force, in words: propItem4 held to what a frame carries
+    int lastFrameFailed = 0;
+    int frameIndex = 0;          ///< the frame of frameList whose reply is decoded
     QList<FRAME_PRO> frameList;  ///< frames of the current item; the head is in flight
     QMutex mutex;                ///< guards the removal and the counting of writes
-    int rcpIndex;                ///< the recipe block being transferred
+    int rcpIndex = 0;            ///< the recipe block being transferred
     QString propertyPage;
-    int itemsInFrame;
+    int itemsInFrame = 0;
 
     QVector<RegisterType> registerTypes;  ///< the facts of REG_LIST, by number
-    int readIndex;                        ///< the head of the rotation over readList
+    int readIndex = 0;                    ///< the head of the rotation over readList
     DataAreaIndex areaIndex;
-    bool itemIsQueueHead;  ///< the item in flight stands at the head of its queue
+    bool itemIsQueueHead = false;  ///< the item in flight stands at the head of its queue
 
     // A callback runs the host's code in the middle of ours. These counters tell afterwards
     // whether what we were working on still stands.
-    quint32 exchangeNo;       ///< counts frames that left frameList
-    quint32 cacheNo;          ///< counts how often the cache was emptied
-    quint32 rcpRegistration;  ///< counts recipe registrations
-    quint32 rcpTransferOf;    ///< the registration that the running transfer serves
-    bool rcpRefused;          ///< the latest registration kept no entry
+    quint32 exchangeNo = 0;       ///< counts frames that left frameList
+    quint32 cacheNo = 0;          ///< counts how often the cache was emptied
+    quint32 condHeadNo = 0;       ///< counts the heads that left condReadList
+    quint32 rcpRegistration = 0;  ///< counts recipe registrations
+    quint32 rcpAskedFor = 0;      ///< the registration whose block was asked for last
+    bool rcpRefused = false;      ///< the latest registration kept no entry
 };
-
-extern Protocol driver;
 
 /**
  * Calls the host back, if a callback is registered. The host's code may call any export before
  * this returns. The text is the host's own copy: what it does to it leaves the tables alone.
  */
 void notifyHost(int first, int stationNo, QString text, int address);
-
-#pragma GCC visibility pop
 
 #endif

@@ -14,11 +14,17 @@ bool isMixedFormat(const QString &format);
 int a2i(const QString &addrText, int &number, const QString &format, const QString &regName);
 
 /**
- * Writes an address number without leading zeros to `out` (12 bytes or more, NUL-terminated), in
- * the base that the pattern's first letter names: "D" unsigned decimal, "H" lower-case
- * hexadecimal, "O" octal; any other letter gives an empty text.
+ * Text of an address number: as word and bit where the type's pattern is mixed, else without
+ * leading zeros in the base that the pattern's first letter names: "D" unsigned decimal, "H"
+ * lower-case hexadecimal, "O" octal; any other letter gives an empty text.
  */
-void printAddressNumber(char *out, int number, const QString &format);
+QString addressText(const RegisterType &type, int number);
+
+/**
+ * What a request asks for and how much came back, as "1#D_W100(10)(0)": station, register type,
+ * address, count, bytes of the reply. Empty for an unknown type.
+ */
+QString getErrorInfo(const RegisterType &type, const VARIABLE &item, int replyBytes);
 
 /**
  * Ordering key: station, then register type, then address number, wrapping in 32 bits and meant to

@@ -3,24 +3,14 @@
 
 #include "address.h"
 
-#include <algorithm>
-
 namespace {
-
-/** Orders positions by the weights they stand for. */
-struct LighterFirst
-{
-    const QVector<quint32> &weights;
-    bool operator()(int a, int b) const { return weights.at(a) < weights.at(b); }
-};
 
 /** How far a block may reach when it is joined. */
 int blockLimit(const AddressSpan &block, int mode)
 {
     if (mode != RecipeMode)
-        return driver.propItem4;
-    const UnitKind kind = driver.registerTypes.at(block.regNumber).unitKind;
-    return qMin(driver.propItem4, recipeUnitsPerFrame(kind));
+        return driver.mergeWords;
+    return qMin(driver.mergeWords, recipeUnitsPerFrame(driver.registerTypes.at(block.regNumber)));
 }
 
 /** One walk over spans in order: each is joined to the block before it or opens the next. */
@@ -31,17 +21,38 @@ QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test
         const AddressSpan &next = spans.at(i);
         if (!blocks.isEmpty()) {
             AddressSpan &block = blocks.last();
-            const qint64 extent = qint64(next.startAddr) + next.count - block.startAddr;
-            if (judgeAddrMerge(block, next, test) == 0 && extent <= blockLimit(block, mode)) {
-                block.count = qMax(block.count, int(extent));
+            const int extent = next.startAddr + next.count - block.startAddr;
+            if (judgeAddrMerge(block, next, test) == Joined && extent <= blockLimit(block, mode)) {
+                block.count = qMax(block.count, extent);
+                block.entries += next.entries;
                 continue;
             }
         }
         blocks.append(next);
-        if (mode == RecipeMode)
-            driver.rcpGroupStarts.append(i);
     }
     return blocks;
+}
+
+/**
+ * The spans as they are read, from the first piece on that can begin a request: what begins
+ * elsewhere must not draw others into a block that is never read.
+ */
+QVector<AddressSpan> readableSpans(const QVector<AddressSpan> &spans)
+{
+    QVector<AddressSpan> readable;
+    readable.reserve(spans.size());
+    for (int i = 0; i < spans.size(); ++i) {
+        AddressSpan span = readAs(spans.at(i), CyclicRead);
+        const RegisterType &type = driver.registerTypes.at(span.regNumber);
+        const int piece = unitsPerRead(type, CyclicRead);
+        while (span.count > 0 && !canBeginAt(type, span.startAddr)) {
+            span.startAddr = addrPlus(span.startAddr, piece);
+            span.count -= piece;
+        }
+        if (span.count > 0)
+            readable.append(span);
+    }
+    return readable;
 }
 
 quint32 weightOf(const AddressSpan &span)
@@ -51,40 +62,15 @@ quint32 weightOf(const AddressSpan &span)
 
 }  // namespace
 
-AddressSpan wordSpan(const AddressSpan &bits)
+QVector<AddressSpan> addrMerge(const QVector<AddressSpan> &spans, int mode)
 {
-    const RegisterType &type = driver.registerTypes.at(bits.regNumber);
-    const AddressSpan words = {bits.stationNo, type.wordType, wordOfBit(bits.startAddr),
-                               wordsOfBits(bits.startAddr, bits.count), bits.bufIndex};
-    return words;
+    if (mode == RecipeMode)
+        return mergePass(spans, StrictTest, mode);
+    const QVector<AddressSpan> ordered = inWeightOrder(readableSpans(spans), weightOf);
+    return mergePass(mergePass(ordered, StrictTest, mode), GapTolerantTest, mode);
 }
 
-void addrMerge(QVector<AddressSpan> &spans, int mode)
+int recipeUnitsPerFrame(const RegisterType &type)
 {
-    if (mode == RecipeMode) {
-        spans = mergePass(spans, StrictTest, mode);
-        return;
-    }
-    for (int i = 0; i < spans.size(); ++i) {
-        if (driver.registerTypes.at(spans.at(i).regNumber).unitKind == WordBitUnit)
-            spans[i] = wordSpan(spans.at(i));
-    }
-    spans = mergePass(inWeightOrder(spans, weightOf), StrictTest, mode);
-    spans = mergePass(spans, GapTolerantTest, mode);
-}
-
-QVector<int> orderByWeight(const QVector<quint32> &weights)
-{
-    QVector<int> order(weights.size());
-    for (int i = 0; i < order.size(); ++i)
-        order[i] = i;
-    const LighterFirst lighterFirst = {weights};
-    std::stable_sort(order.begin(), order.end(), lighterFirst);
-    return order;
-}
-
-int recipeUnitsPerFrame(UnitKind kind)
-{
-    // A read of contacts asks for as many words as contacts, so those end where words do.
-    return kind == WordBitUnit ? MaxBitsPerWrite : MaxWordsPerFrame;
+    return qMin(unitsPerRead(type, RecipeRead), unitsPerWrite(type));
 }

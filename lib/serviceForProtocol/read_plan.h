@@ -3,60 +3,57 @@
 #ifndef TOLVANE_READ_PLAN_H
 #define TOLVANE_READ_PLAN_H
 
-#include "../protocol.h"
+#include <algorithm>
+
+#include "../tolvane_link/tolvane_link.h"
 
 /** What addrMerge() is asked for. */
 enum MergeMode { MonitorMode = 1, RecipeMode = 2 };
 
-/** The same run in whole words of the word type over the same memory, for a run of "_bit" bits. */
-AddressSpan wordSpan(const AddressSpan &bits);
-
 /**
- * Merges spans into read blocks of at most driver.propItem4 units; a span longer than that stays
- * one block. The blocks replace the spans.
+ * Merges spans into blocks, in order, of at most the block limit; a span longer than that stays
+ * one block.
  *
- * MonitorMode: bit runs become words, spans are put in weight order, and those that overlap,
- * touch or lie at most propItem4 units apart are joined.
+ * MonitorMode: spans are taken as they are read (bits as words), put in weight order, and those
+ * that overlap, touch or lie no further apart than the block limit are joined.
  * RecipeMode: spans keep their order and type; only those that overlap or touch are joined, and
- * not beyond what one frame carries. Appends to driver.rcpGroupStarts, for each block, the position
- * of its first span.
+ * not beyond what one frame carries either way. Blocks count the entries of the spans they join.
  */
-void addrMerge(QVector<AddressSpan> &spans, int mode);
+QVector<AddressSpan> addrMerge(const QVector<AddressSpan> &spans, int mode);
 
 /** How many units of a type one recipe block may span, so that it can be read and written. */
-int recipeUnitsPerFrame(UnitKind kind);
+int recipeUnitsPerFrame(const RegisterType &type);
 
-/** The positions of `weights` in ascending order; equal weights keep their order. */
-QVector<int> orderByWeight(const QVector<quint32> &weights);
-
-/** The records in the order of weightOf(record), which is asked once for each. */
+/** The records in the order of weightOf(record); those of equal weight keep their order. */
 template <typename Record, typename Weight>
 QVector<Record> inWeightOrder(const QVector<Record> &records, Weight weightOf)
 {
-    QVector<quint32> weights;
-    weights.reserve(records.size());
+    QVector<quint64> order;  // weight and, below it, position
+    order.reserve(records.size());
     for (int i = 0; i < records.size(); ++i)
-        weights.append(weightOf(records.at(i)));
-    const QVector<int> order = orderByWeight(weights);
+        order.append(quint64(weightOf(records.at(i))) << 32 | quint32(i));
+    std::sort(order.begin(), order.end());
     QVector<Record> sorted;
     sorted.reserve(records.size());
     for (int i = 0; i < order.size(); ++i)
-        sorted.append(records.at(order.at(i)));
+        sorted.append(records.at(int(order.at(i) & 0xFFFFFFFF)));
     return sorted;
 }
 
 /**
- * Cuts a run of `count` elements into pieces of maxLen (below 1 acts as 1), the last one taking
- * the remainder, and calls piece(offset, length) for each in ascending order.
+ * Cuts a span into pieces of maxLen, the last one taking the remainder, and calls piece(part,
+ * offset) for each in ascending order. Left out are the pieces that begin where no request can.
  */
 template <typename Piece>
-void groupingKey(int count, int maxLen, Piece piece)
+void groupingKey(const AddressSpan &span, int maxLen, Piece piece)
 {
-    const int limit = qMax(maxLen, 1);
-    for (int offset = 0; offset < count;) {
-        const int length = qMin(limit, count - offset);
-        piece(offset, length);
-        offset += length;
+    const RegisterType &type = driver.registerTypes.at(span.regNumber);
+    AddressSpan part = span;
+    for (int offset = 0; offset < span.count; offset += part.count) {
+        part.startAddr = addrPlus(span.startAddr, offset);
+        part.count = qMin(maxLen, span.count - offset);
+        if (canBeginAt(type, part.startAddr))
+            piece(part, offset);
     }
 }
 

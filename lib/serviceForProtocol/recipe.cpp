@@ -1,9 +1,27 @@
-// Recipe blocks as request items, and where their values stand in the host's recipe buffer.
+// The recipe, from its registration to the last value copied.
 #include "recipe.h"
 
+#include <QtCore/QMutexLocker>
+
+#include "address.h"
 #include "read_plan.h"
 
 namespace {
+
+/** Beyond this many 16-bit units no recipe buffer can reach on a 32-bit machine. */
+enum { MaxBufferUnits = 0x3FFFFFFF };
+
+bool isKept(const _RCP_VAR_PRO &entry, const RegisterType &type)
+{
+    return entry.ownerKey == driver.propItem0 && type.isKnown() && entry.count >= 1 &&
+           entry.bufIndex >= 0 && entry.bufIndex <= MaxBufferUnits - entry.count &&
+           canBeginAt(type, entry.startAddr);
+}
+
+quint32 weightOf(const _RCP_VAR_PRO &entry)
+{
+    return getRegAddressWeight(entry.stationNo, entry.regName, entry.startAddr);
+}
 
 /** The bytes of one 16-bit unit of the recipe buffer, low byte first. */
 unsigned char *bufferUnit(int n)
@@ -14,71 +32,137 @@ unsigned char *bufferUnit(int n)
 /**
  * Calls step(position, n) for each value of the entries that lies in the block, in order: its
  * position counted from the block's first address, and its unit in the recipe buffer. Ends when
- * step returns false.
+ * step returns false. Long entries serve several blocks, hence the cutting.
  */
 template <typename Step>
-void forEachRecipeValue(int blockNumber, Step step)
+void forEachRecipeValue(const AddressSpan &block, Step step)
 {
-    const _RCP_VAR_PRO block = driver.rcpBlocks.at(blockNumber);
-    const int first = driver.rcpGroupStarts.at(blockNumber);
-    // The blocks of one long entry share it.
-    int end = int(driver.rcpEntries.size());
-    for (int next = blockNumber + 1; next < driver.rcpGroupStarts.size(); ++next) {
-        if (driver.rcpGroupStarts.at(next) != first) {
-            end = driver.rcpGroupStarts.at(next);
-            break;
-        }
-    }
-    for (int e = first; e < end; ++e) {
+    for (int e = block.firstEntry; e < block.firstEntry + block.entries; ++e) {
         const _RCP_VAR_PRO entry = driver.rcpEntries.at(e);
-        const qint64 offset = qint64(entry.startAddr) - block.startAddr;
-        const qint64 from = qMax(-offset, qint64(0));
-        const qint64 to = qMin(qint64(entry.count), block.count - offset);
-        for (qint64 j = from; j < to; ++j) {
-            if (!step(int(offset + j), int(entry.bufIndex + j)))
+        const int offset = entry.startAddr - block.startAddr;
+        const int end = qMin(entry.count, block.count - offset);
+        for (int j = qMax(-offset, 0); j < end; ++j) {
+            if (!step(offset + j, entry.bufIndex + j))
                 return;
         }
     }
 }
 
+/** Takes a request of the host back. */
+void clearRequest(int requestByte)
+{
+    QMutexLocker locker(driver.hostMutex);
+    driver.hostShared[requestByte] = 0;
+}
+
 }  // namespace
 
-void rcpAddrToVar(int blockNumber, VARIABLE &var, int withData)
+int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
 {
-    const _RCP_VAR_PRO &block = driver.rcpBlocks.at(blockNumber);
-    const RegisterType type = registerType(block.regName);
-    AddressSpan span = {block.stationNo, type.number, block.startAddr, block.count, 0};
-    if (!withData && type.unitKind == WordBitUnit)
-        span = wordSpan(span);
-    var.stationNo = span.stationNo;
-    var.regName = REG_LIST[span.regNumber];
-    var.startAddr = span.startAddr;
-    var.count = span.count;
+    ++driver.rcpRegistration;
+    driver.rcpEntries.clear();
+    for (int i = 0; i < entries.size(); ++i) {
+        _RCP_VAR_PRO entry = entries.at(i);
+        const RegisterType type = registerType(entry.regName);
+        entry.count = coveredCount(entry.count);
+        if (!isKept(entry, type))
+            continue;
+        entry.regName = REG_LIST[type.number];  // the host's text may lie over passing memory
+        driver.rcpEntries.append(entry);
+    }
+    driver.rcpRefused = driver.rcpEntries.isEmpty();
+    if (driver.rcpRefused)
+        return 0;
+
+    driver.rcpEntries = inWeightOrder(driver.rcpEntries, weightOf);
+    QVector<AddressSpan> spans;
+    spans.reserve(driver.rcpEntries.size());
+    for (int i = 0; i < driver.rcpEntries.size(); ++i) {
+        const _RCP_VAR_PRO &entry = driver.rcpEntries.at(i);
+        const int number = getIndexFromRegName(entry.regName);
+        const AddressSpan span = {entry.stationNo, number, entry.startAddr, entry.count, i, 1};
+        spans.append(span);
+    }
+    driver.rcpBlocks.clear();
+    const QVector<AddressSpan> merged = addrMerge(spans, RecipeMode);
+    for (int i = 0; i < merged.size(); ++i) {
+        const RegisterType &type = driver.registerTypes.at(merged.at(i).regNumber);
+        groupingKey(merged.at(i), recipeUnitsPerFrame(type),
+                    [](const AddressSpan &block, int) { driver.rcpBlocks.append(block); });
+    }
+    return int(driver.rcpEntries.size());
+}
+
+SendState requestedTransfer()
+{
+    if (!driver.hostShared)
+        return Idle;
+    SendState transfer = Idle;
+    {
+        QMutexLocker locker(driver.hostMutex);
+        if (driver.hostShared[RecipeWriteRequest] == 1)
+            transfer = RecipeWrite;
+        else if (driver.hostShared[RecipeReadRequest] == 1)
+            transfer = RecipeRead;
+    }
+    if (transfer == Idle || (driver.rcpBuffer && !driver.rcpRefused))
+        return transfer;
+    driver.rcpIndex = 0;
+    clearRequest(RecipeWriteRequest);
+    clearRequest(RecipeReadRequest);
+    return Idle;
+}
+
+bool takeRecipeBlock(SendState transfer, VARIABLE &item)
+{
+    if (driver.rcpIndex >= driver.rcpBlocks.size())
+        return false;
+    driver.rcpAskedFor = driver.rcpRegistration;
+    rcpAddrToVar(driver.rcpBlocks.at(driver.rcpIndex), item, transfer == RecipeWrite);
+    return true;
+}
+
+void rcpAddrToVar(const AddressSpan &block, VARIABLE &var, int withData)
+{
+    setRange(var, withData ? block : readAs(block, RecipeRead));
     std::memset(var.valueBuf, 0, sizeof var.valueBuf);
     if (!withData)
         return;
-    if (type.unitKind == WordUnit) {
-        std::memcpy(var.valueBuf, bufferUnit(block.bufIndex), size_t(block.count) * 2);
+    if (driver.registerTypes.at(block.regNumber).unitKind == WordUnit) {
+        const _RCP_VAR_PRO &first = driver.rcpEntries.at(block.firstEntry);
+        const int unit = first.bufIndex + block.startAddr - first.startAddr;
+        std::memcpy(var.valueBuf, bufferUnit(unit), size_t(block.count) * 2);
         return;
     }
-    forEachRecipeValue(blockNumber, [&](int position, int n) -> bool {
+    forEachRecipeValue(block, [&](int position, int n) -> bool {
         var.valueBuf[position] = *bufferUnit(n) != 0;
         return true;
     });
 }
 
-void copyRecipeReply(const ReplyWords &words)
+void copyRecipeReply(const quint16 *values)
 {
+    if (driver.rcpAskedFor != driver.rcpRegistration)
+        return;
     const quint32 exchange = driver.exchangeNo;
-    const _RCP_VAR_PRO &block = driver.rcpBlocks.at(driver.rcpIndex);
-    const bool isWords = registerType(block.regName).unitKind == WordUnit;
-    const int firstBit = bitInWord(block.startAddr);
-    forEachRecipeValue(driver.rcpIndex, [&](int position, int n) -> bool {
-        const int value = isWords ? words.word[position] : words.bit(firstBit + position);
+    const AddressSpan block = driver.rcpBlocks.at(driver.rcpIndex);
+    const bool bitsOfWords = driver.registerTypes.at(block.regNumber).unitKind == WordBitUnit;
+    forEachRecipeValue(block, [&](int position, int n) -> bool {
+        const int bit = bitInWord(block.startAddr) + position;
+        const int value =
+            bitsOfWords ? values[bit / BitsPerWord] >> bit % BitsPerWord & 1 : values[position];
         unsigned char *unit = bufferUnit(n);
         unit[0] = static_cast<unsigned char>(value);
         unit[1] = static_cast<unsigned char>(value >> 8);
         notifyHost(0, -1, QLatin1String("RWI"), n);
-        return exchange == driver.exchangeNo && driver.rcpTransferOf == driver.rcpRegistration;
+        return exchange == driver.exchangeNo && driver.rcpAskedFor == driver.rcpRegistration;
     });
+}
+
+void finishRecipeBlock(SendState transfer, bool failed)
+{
+    if (!failed && ++driver.rcpIndex < driver.rcpBlocks.size())
+        return;
+    driver.rcpIndex = 0;
+    clearRequest(transfer == RecipeWrite ? RecipeWriteRequest : RecipeReadRequest);
 }

@@ -1,21 +1,37 @@
-// Recipe blocks as request items, and where their values stand in the host's recipe buffer.
+// The recipe: its registration (intf_setRcpAddress), its blocks, the steps of a transfer and the
+// copy into the host's recipe buffer. Nobody else touches the driver's rcp... members.
 #ifndef TOLVANE_RECIPE_H
 #define TOLVANE_RECIPE_H
 
-#include "../tolvane_link/tolvane_link.h"
+#include "../protocol.h"
 
 /**
- * Fills `var` from a block of driver.rcpBlocks; its kind stays. withData not 0: a write item with
- * the values from the recipe buffer (words from consecutive units, bits each from the unit of its
- * entry). Otherwise a read item; a run of "_bit" bits is read as the words that hold it.
+ * The transfer that the host asks for: RecipeWrite, RecipeRead or Idle. A request that cannot be
+ * served, without a recipe buffer or after a registration that kept no entry, is taken back.
  */
-void rcpAddrToVar(int blockNumber, VARIABLE &var, int withData);
+SendState requestedTransfer();
 
 /**
- * Copies the values of a good reply to the block at driver.rcpIndex into the recipe buffer, entry
- * by entry, announcing each unit to the host. Stops when the host ends the exchange or registers
- * another recipe meanwhile.
+ * Fills `item` with the next block of the transfer, a RecipeWrite or RecipeRead. Returns false,
+ * with the item unchanged, when the registration has no such block.
  */
-void copyRecipeReply(const ReplyWords &words);
+bool takeRecipeBlock(SendState transfer, VARIABLE &item);
+
+/**
+ * Fills `var` from a block; its kind stays. withData not 0: a write item with the values from the
+ * recipe buffer (words from consecutive units, bits each from the unit of its entry). Otherwise
+ * the item that reads the block.
+ */
+void rcpAddrToVar(const AddressSpan &block, VARIABLE &var, int withData);
+
+/**
+ * Copies the values that a good reply brought into the recipe buffer, entry by entry, announcing
+ * each unit to the host. Only for the block asked for last, and only while its registration stands;
+ * stops when the host ends the exchange or registers another recipe meanwhile.
+ */
+void copyRecipeReply(const quint16 *values);
+
+/** Moves the transfer on to its next block, or ends it and takes the host's request back. */
+void finishRecipeBlock(SendState transfer, bool failed);
 
 #endif

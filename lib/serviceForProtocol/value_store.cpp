@@ -20,31 +20,20 @@ void setWord(unsigned char *value, int word)
     value[1] = static_cast<unsigned char>(word >> 8);
 }
 
-void reportPoint(int stationNo, const QString &regName, int address)
+void reportPoint(const Unit &unit, const QString &regName, int address)
 {
-    notifyHost(driver.propItem0, stationNo, regName, address);
-}
-
-/** The word type whose data areas have this name, or null. */
-const RegisterType *wordTypeOfArea(const QString &areaName)
-{
-    for (int number = 0; number < RegisterTypeCount; ++number) {
-        const RegisterType &type = driver.registerTypes.at(number);
-        if (type.unitKind == WordUnit && sameText(type.areaName, areaName))
-            return &type;
-    }
-    return 0;
+    notifyHost(driver.propItem0, unit.stationNo, regName, address);
 }
 
 /** Counts the queued writes of exactly this range, the one in service included. */
-int queuedWritesOf(int stationNo, const QString &regName, int startAddr, int count)
+int queuedWritesOf(int stationNo, const RegisterType &type, int startAddr, int count)
 {
     QMutexLocker locker(&driver.mutex);
     int found = 0;
     for (int i = 0; i < driver.writeList.size(); ++i) {
         const VARIABLE &item = driver.writeList.at(i);
         if (item.startAddr == startAddr && item.count == count && item.stationNo == stationNo &&
-            item.regName == regName)
+            sameText(item.regName, REG_LIST[type.number]))
             ++found;
     }
     return found;
@@ -55,7 +44,7 @@ void writeWord(const Unit &unit, const unsigned char *bytes)
     const int oldWord = wordOf(unit.area().currentValue());
     const int newWord = wordOf(bytes);
     if (oldWord != newWord)
-        _wordDataChange(&oldWord, &newWord, unit.index, 0);
+        _wordDataChange(&oldWord, &newWord, unit);
     if (!unit.stands())
         return;
     _DATA_ &area = unit.area();
@@ -66,26 +55,45 @@ void writeWord(const Unit &unit, const unsigned char *bytes)
 void writeBitOfWord(const Unit &unit, bool set)
 {
     const int oldWord = wordOf(unit.area().currentValue());
-    const int newWord = _setBitValue(oldWord, unit.bit, set);
+    const int newWord = _setBitValue(oldWord, unit.bit(), set);
     if (oldWord != newWord)
-        _wordDataChange(&oldWord, &newWord, unit.index, 0);
+        _wordDataChange(&oldWord, &newWord, unit);
     if (!unit.stands())
         return;
     // From the value as it stands now: the host may have written a neighbouring bit meanwhile.
     _DATA_ &area = unit.area();
-    setWord(area.writeValue, _setBitValue(wordOf(area.currentValue()), unit.bit, set));
+    setWord(area.writeValue, _setBitValue(wordOf(area.currentValue()), unit.bit(), set));
     area.hasWriteValue = 1;
 }
 
-void writeBit(const Unit &unit, const QString &regName, unsigned char value)
+void writeBit(const Unit &unit, unsigned char value)
 {
     if (unit.area().currentValue()[0] != value)
-        reportPoint(unit.stationNo, regName, unit.address);
+        reportPoint(unit, unit.type.areaName, unit.address());
     if (!unit.stands())
         return;
     _DATA_ &area = unit.area();
     area.writeValue[0] = value;
     area.hasWriteValue = 1;
+}
+
+void storeChangedWord(const Unit &unit, int word)
+{
+    _DATA_ &area = unit.area();
+    const int oldWord = wordOf(area.readValue);
+    if (area.writeBitMask == 0 || driver.writeList.isEmpty())
+        area.hasWriteValue = 0;
+    _wordDataChange(&oldWord, &word, unit);
+    if (unit.stands())
+        setWord(unit.area().readValue, word);
+}
+
+void storeChangedBit(const Unit &unit, int value)
+{
+    unit.area().hasWriteValue = 0;
+    _bitDataChange(unit);
+    if (unit.stands())
+        unit.area().readValue[0] = static_cast<unsigned char>(value);
 }
 
 void settleWord(const Unit &unit, bool acknowledged)
@@ -97,115 +105,107 @@ void settleWord(const Unit &unit, bool acknowledged)
     if (acknowledged)
         setWord(area.readValue, written);
     else
-        _wordDataChange(&written, &read, unit.index, 0);
+        _wordDataChange(&written, &read, unit);
 }
 
 void settleBitOfWord(const Unit &unit, bool acknowledged)
 {
     _DATA_ &area = unit.area();
-    const quint32 firstMark = quint32(1) << 2 * unit.bit;
+    const quint32 firstMark = quint32(1) << 2 * unit.bit();
     const quint32 secondMark = firstMark << 1;
     area.writeBitMask &= area.writeBitMask & firstMark ? ~firstMark : ~secondMark;
     if (area.writeBitMask == 0)
         area.hasWriteValue = 0;
-    const bool written = wordOf(area.writeValue) >> unit.bit & 1;
+    const bool written = wordOf(area.writeValue) >> unit.bit() & 1;
     if (acknowledged)
-        setWord(area.readValue, _setBitValue(wordOf(area.readValue), unit.bit, written));
+        setWord(area.readValue, _setBitValue(wordOf(area.readValue), unit.bit(), written));
     if (!area.hasWriteValue)
-        _wordDataChange(0, 0, unit.index, 0);
+        _wordDataChange(0, 0, unit);
 }
 
-void settleBit(const Unit &unit, const QString &regName, bool acknowledged)
+void settleBit(const Unit &unit, bool acknowledged)
 {
     _DATA_ &area = unit.area();
     area.hasWriteValue = 0;
     if (acknowledged)
         area.readValue[0] = area.writeValue[0];
     else
-        reportPoint(unit.stationNo, regName, unit.address);
+        reportPoint(unit, unit.type.areaName, unit.address());
 }
 
 }  // namespace
 
-void _wordDataChange(const int *oldValue, const int *newValue, int index, int skipBits)
+void _wordDataChange(const int *oldValue, const int *newValue, const Unit &unit)
 {
-    const int changed = skipBits ? 0 : oldValue && newValue ? *oldValue ^ *newValue : 0xFFFF;
-    const RegisterType *type = wordTypeOfArea(driver.dataAreaList.at(index).areaName);
-    const quint32 cacheNo = driver.cacheNo;
+    const quint32 changed = oldValue && newValue ? quint32(*oldValue ^ *newValue) : 0xFFFF;
+    const RegisterType &words = driver.registerTypes.at(unit.type.wordType);
+    const int unitAddr = unit.constArea().unitAddr;
     // Every report may empty the cache or change the marks, so both are looked at again.
-    for (int bit = 0; type && bit < BitsPerWord && cacheNo == driver.cacheNo; ++bit) {
-        const _DATA_ &area = driver.dataAreaList.at(index);
-        if (area.bitMonitorMask & quint32(changed) & quint32(1) << bit && type->bitType >= 0)
-            reportPoint(area.stationNo, REG_LIST[type->bitType], bitAddress(area.unitAddr, bit));
+    for (int bit = 0; unit.stands() && unit.constArea().bitMonitorMask & changed >> bit << bit;
+         ++bit) {
+        if (unit.constArea().bitMonitorMask & changed & quint32(1) << bit)
+            reportPoint(unit, REG_LIST[words.bitType], bitAddress(unitAddr, bit));
     }
-    if (type && cacheNo == driver.cacheNo && driver.dataAreaList.at(index).monitorFlags & 1) {
-        const _DATA_ &area = driver.dataAreaList.at(index);
-        reportPoint(area.stationNo, REG_LIST[type->number], area.unitAddr);
-    }
+    if (unit.stands() && unit.constArea().monitorFlags & 1)
+        reportPoint(unit, REG_LIST[words.number], unitAddr);
 }
 
-void _bitDataChange(int index)
+void _bitDataChange(const Unit &unit)
 {
-    const _DATA_ &area = driver.dataAreaList.at(index);
-    if (area.monitorFlags & 1)
-        reportPoint(area.stationNo, area.areaName, area.unitAddr);
+    if (unit.constArea().monitorFlags & 1)
+        reportPoint(unit, unit.type.areaName, unit.address());
 }
 
-void write_saveDataToArea(int stationNo, const QString &regName, int startAddr, int count,
+void write_saveDataToArea(int stationNo, const RegisterType &type, int startAddr, int count,
                           const unsigned char *values)
 {
     int identicalWrites = -1;  // counted once, when a bit turns out to be outstanding already
-    forEachUnit(stationNo, registerType(regName), startAddr, count, [&](const Unit &unit) {
-        if (unit.kind == WordUnit)
-            return writeWord(unit, values + 2 * qptrdiff(unit.i));
-        if (unit.kind == BitUnit)
-            return writeBit(unit, regName, values[unit.i]);
-
-        writeBitOfWord(unit, values[unit.i] == 1);
-        if (!unit.stands())
-            return;
-        const quint32 firstMark = quint32(1) << 2 * unit.bit;
+    for (Unit unit(stationNo, type, startAddr, count); unit.next();) {
+        if (type.unitKind == WordUnit)
+            writeWord(unit, values + 2 * qptrdiff(unit.i));
+        else if (type.unitKind == BitUnit)
+            writeBit(unit, values[unit.i]);
+        else
+            writeBitOfWord(unit, values[unit.i] == 1);
+        if (type.unitKind != WordBitUnit || !unit.stands())
+            continue;
+        const quint32 firstMark = quint32(1) << 2 * unit.bit();
         if (unit.area().writeBitMask & firstMark) {
             // Two in the queue: the earlier one is in service, so two completions will arrive.
             if (identicalWrites < 0)
-                identicalWrites = queuedWritesOf(stationNo, regName, startAddr, count);
+                identicalWrites = queuedWritesOf(stationNo, type, startAddr, count);
             if (identicalWrites == 2)
                 unit.area().writeBitMask |= firstMark << 1;
         }
         unit.area().writeBitMask |= firstMark;
-    });
+    }
 }
 
-void storeChangedWord(int index, int word)
+void storeReadValues(int stationNo, const RegisterType &type, int startAddr, int count,
+                     const quint16 *values)
 {
-    _DATA_ &area = driver.dataAreaList[index];
-    const int oldWord = wordOf(area.readValue);
-    if (area.writeBitMask == 0 || driver.writeList.isEmpty())
-        area.hasWriteValue = 0;
-    const quint32 cacheNo = driver.cacheNo;
-    _wordDataChange(&oldWord, &word, index, 0);
-    if (cacheNo == driver.cacheNo)
-        setWord(driver.dataAreaList[index].readValue, word);
+    for (Unit unit(stationNo, type, startAddr, count); unit.next();) {
+        // Unchanged nearly always: nothing more is done then.
+        const unsigned char *lastRead = unit.constArea().readValue;
+        const int value = values[unit.i];
+        if (wordOf(lastRead) == value)
+            continue;
+        if (type.unitKind == BitUnit)
+            storeChangedBit(unit, value);
+        else
+            storeChangedWord(unit, value);
+    }
 }
 
-void storeChangedBit(int index, int value)
-{
-    driver.dataAreaList[index].hasWriteValue = 0;
-    const quint32 cacheNo = driver.cacheNo;
-    _bitDataChange(index);
-    if (cacheNo == driver.cacheNo)
-        driver.dataAreaList[index].readValue[0] = static_cast<unsigned char>(value);
-}
-
-void _write_FailOrSuc(int stationNo, const QString &regName, int startAddr, int count, int result)
+void _write_FailOrSuc(int stationNo, const RegisterType &type, int startAddr, int count, int result)
 {
     const bool acknowledged = result == 1;
-    forEachUnit(stationNo, registerType(regName), startAddr, count, [&](const Unit &unit) {
-        if (unit.kind == WordUnit)
+    for (Unit unit(stationNo, type, startAddr, count); unit.next();) {
+        if (type.unitKind == WordUnit)
             settleWord(unit, acknowledged);
-        else if (unit.kind == WordBitUnit)
+        else if (type.unitKind == WordBitUnit)
             settleBitOfWord(unit, acknowledged);
         else
-            settleBit(unit, regName, acknowledged);
-    });
+            settleBit(unit, acknowledged);
+    }
 }

@@ -5,9 +5,11 @@
 
 namespace {
 
+/** Whether addresses of the type are written as word and bit; also of unknown "_bit" names. */
 bool hasBitAddresses(const QString &regName)
 {
-    return regName.contains(QLatin1String("_bit"));
+    const UnitKind kind = registerType(regName).unitKind;
+    return kind == WordBitUnit || kind == NoUnit;
 }
 
 }  // namespace

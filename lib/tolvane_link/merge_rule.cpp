@@ -1,17 +1,67 @@
-// When two spans may share one read request.
-#include "tolvane_link.h"
+// What one request carries, and when two spans may share one.
+#include "wire.h"
+
+namespace {
+
+/** The address field counts bytes in 16 bits. */
+enum { AddressableWords = 0x8000 };
+
+/** A run of bits that starts in the middle of a word touches one word more. */
+const int MaxBitsPerRead = (MaxWordsPerFrame - 1) * BitsPerWord;
+
+}  // namespace
+
+int wordsPerRequest()
+{
+    return MaxWordsPerFrame;
+}
+
+int unitsPerRead(const RegisterType &type, SendState purpose)
+{
+    if (type.unitKind == WordBitUnit)
+        return MaxBitsPerRead;
+    // Contacts are asked for as if each was a word, on condition even as if each was 16.
+    const bool sixteenfold = type.unitKind == BitUnit && purpose == ConditionRead;
+    return sixteenfold ? MaxWordsPerFrame / BitsPerWord : MaxWordsPerFrame;
+}
+
+int unitsPerWrite(const RegisterType &type)
+{
+    return type.unitKind == WordUnit ? int(MaxWordsPerFrame) : int(ValueBytes);
+}
+
+AddressSpan readAs(const AddressSpan &span, SendState purpose)
+{
+    AddressSpan read = span;
+    switch (driver.registerTypes.at(span.regNumber).unitKind) {
+        case WordBitUnit:
+            return wordSpan(span);
+        case BitUnit:
+            if (purpose == ConditionRead)
+                read.count = span.count * BitsPerWord;
+            return read;
+        case WordUnit:
+        case NoUnit:
+            break;
+    }
+    return read;
+}
+
+bool canBeginAt(const RegisterType &type, int startAddr)
+{
+    const int word = firstWordOf(type, startAddr);
+    return word >= 0 && word < AddressableWords;
+}
 
 int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int mode)
 {
-    enum { Joined = 0, Separate = 1 };
-
     if (block.stationNo != next.stationNo || block.regNumber != next.regNumber)
         return Separate;
     // Weights wrap, so a span that starts lower may follow; it covers nothing of the block's.
     if (next.startAddr < block.startAddr)
         return Separate;
-    const qint64 gap = qint64(next.startAddr) - (qint64(block.startAddr) + block.count);
-    if (gap > (mode == StrictTest ? 0 : driver.propItem4))
+    const int gap = next.startAddr - (block.startAddr + block.count);
+    if (gap > (mode == StrictTest ? 0 : driver.mergeWords))
         return Separate;
     // Contacts are read from the requested one on; that is how this driver asks for them.
     if (driver.registerTypes.at(block.regNumber).unitKind == BitUnit &&

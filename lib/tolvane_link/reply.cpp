@@ -25,31 +25,28 @@ int check_rcv_data(const unsigned char *reply, int length)
     return request.readCount != 0 ? GoodReadReply : GoodAcknowledgement;
 }
 
-void readReplyWords(const QByteArray &reply, int dataStart, int count, ReplyWords &words)
+void readReplyBytes(const QByteArray &reply, const FRAME_PRO &request, unsigned char *bytes)
 {
-    // Two plain loops over data without a gap: compilers do many characters at a time.
-    unsigned char nibbles[MaxWordsPerFrame * WordChars];
-    const int length = count * WordChars;
-    const int present = qBound(0, int(reply.size()) - dataStart, length);
-    std::memcpy(nibbles, reply.constData() + dataStart, size_t(present));
-    std::memset(nibbles + present, '0', size_t(length - present));
-    for (int i = 0; i < length; ++i)
-        nibbles[i] = nibbleOf(nibbles[i]);
-    for (int k = 0; k < count; ++k) {
-        const unsigned char *nibble = nibbles + WordChars * k;
-        words.word[k] = quint16(nibble[0] << 4 | nibble[1] | nibble[2] << 12 | nibble[3] << 8);
+    unsigned char data[MaxWordsPerFrame * WordChars];
+    const int length = request.readCount * WordChars;
+    const int present = qBound(0, int(reply.size()) - request.dataStart, length);
+    std::memcpy(data, reply.constData() + request.dataStart, size_t(present));
+    std::memset(data + present, '0', size_t(length - present));
+    for (int i = 0; i < length / 2; ++i)
+        bytes[i] = asc2hex(data, 2 * i);
+}
+
+void readReplyValues(const QByteArray &reply, const FRAME_PRO &request, const RegisterType &type,
+                     quint16 *values)
+{
+    unsigned char bytes[MaxWordsPerFrame * 2];
+    readReplyBytes(reply, request, bytes);
+    // Contacts are carried by the words that hold them, the first one's word first.
+    const int firstBit = bitInWord(request.var.startAddr);
+    for (int i = 0; i < request.readCount; ++i) {
+        if (type.unitKind == BitUnit)
+            values[i] = bytes[(firstBit + i) / 8] >> (firstBit + i) % 8 & 1;
+        else
+            values[i] = quint16(bytes[2 * i] | bytes[2 * i + 1] << 8);
     }
-}
-
-int allMix_GetDataStartPosition(const QByteArray &, const QList<VARIABLE> &, int i)
-{
-    const int dataStart = driver.frameList.value(driver.frameIndex).dataStart;
-    if (i == 0 || driver.itemsInFrame < 1)
-        return dataStart;
-    return dataStart + WordChars * qMin(i, driver.itemsInFrame);
-}
-
-int allMix_GetRecvLenFromReadList(const QList<VARIABLE> &)
-{
-    return 0;
 }

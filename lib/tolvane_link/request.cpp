@@ -3,152 +3,116 @@
 
 namespace {
 
-/** Where the data characters of a write-words frame begin. */
-enum { WriteDataStart = 11 };
-
 /** Characters of a reply around its data: ACK, one byte, checksum, EOT. */
 enum { ReplyFrameChars = 5, ReplyDataStart = 2 };
 
-bool fitsFrame(int words)
+/** Appends a frame without a request and returns it, to be written where it stands. */
+FRAME_PRO &appendFrame(const VARIABLE &item)
 {
-    return words >= 1 && words <= MaxWordsPerFrame;
-}
-
-int deviceLetter(const RegisterType &type)
-{
-    return ADDRESS_RW_COMMAND[type.number].at(0).toLatin1();
+    static const FRAME_PRO blank;
+    driver.frameList.append(blank);
+    driver.frameList.last().var = item;
+    return driver.frameList.last();
 }
 
 /** Opening of every request: STX command device <byte address> "00". */
-void openRequest(FrameWriter &out, char command, int device, int wordNumber)
+void openRequest(FrameWriter &out, char command, const RegisterType &type, int startAddr)
 {
     out.open(STX);
     out.letter(command);
-    out.letter(device);
-    out.field16(int(quint32(wordNumber) * 2));
+    out.letter(ADDRESS_RW_COMMAND[type.number].at(0).toLatin1());
+    out.field16(firstWordOf(type, startAddr) * 2);
     out.text("00");
 }
 
 /** Read words: STX r device <byte address> "00" <byte count> <checksum> ETX. */
-void appendReadWords(int device, int wordNumber, int words, const VARIABLE &item)
+void appendReadWords(const RegisterType &type, int words, const VARIABLE &item)
 {
-    FRAME_PRO frame(item);
+    Q_ASSERT(words >= 1 && words <= MaxWordsPerFrame);
+    FRAME_PRO &frame = appendFrame(item);
     FrameWriter out(frame.frame);
-    openRequest(out, 'r', device, wordNumber);
+    openRequest(out, 'r', type, item.startAddr);
     out.byteField(words * 2);
     out.close(ETX);
     frame.sendLen = out.length();
     frame.replyLen = words * WordChars + ReplyFrameChars;
     frame.dataStart = ReplyDataStart;
     frame.readCount = words;
-    driver.frameList.append(frame);
 }
 
 /**
  * Write words: STX w device <byte address> "00" <byte count> <data> <checksum> ETX, where data is
- * four characters a word, low byte first.
+ * four characters a word, low byte first. `values`: two bytes a word, low byte first.
  */
-void appendWriteWords(int device, int wordNumber, int words, const unsigned char *values,
+void appendWriteWords(const RegisterType &type, int words, const unsigned char *values,
                       const VARIABLE &item)
 {
-    FRAME_PRO frame(item);
+    Q_ASSERT(words >= 1 && words <= MaxWordsPerFrame);
+    FRAME_PRO &frame = appendFrame(item);
     FrameWriter out(frame.frame);
-    openRequest(out, 'w', device, wordNumber);
+    openRequest(out, 'w', type, item.startAddr);
     out.byteField(words * 2);
     for (int i = 0; i < words * 2; ++i)
         out.byteField(values[i]);
     out.close(ETX);
     frame.sendLen = out.length();
     frame.replyLen = ReplyFrameChars;
-    driver.frameList.append(frame);
 }
 
 /**
  * Set or clear one bit: STX o|n device <byte address> "00" <mask> <checksum> ETX. The mask of "o"
  * is ORed to the word, that of "n" is ANDed.
  */
-void appendBit(int device, bool set, const VARIABLE &item)
+void appendBit(const RegisterType &type, const VARIABLE &item)
 {
+    const bool set = item.valueBuf[0] != 0;
     const int bitMask = 1 << bitInWord(item.startAddr);
-    FRAME_PRO frame(item);
+    FRAME_PRO &frame = appendFrame(item);
     FrameWriter out(frame.frame);
-    openRequest(out, set ? 'o' : 'n', device, wordOfBit(item.startAddr));
+    openRequest(out, set ? 'o' : 'n', type, item.startAddr);
     out.field16(set ? bitMask : ~bitMask & 0xFFFF);
     out.close(ETX);
     frame.sendLen = out.length();
     frame.replyLen = ReplyFrameChars;
-    driver.frameList.append(frame);
 }
 
 }  // namespace
 
-void handShakeFrame()
+void getReadFrame(const VARIABLE &item)
 {
-    driver.frameList.append(FRAME_PRO());
-}
-
-int getReadFrame(const QList<VARIABLE> &items)
-{
-    if (!items.isEmpty()) {
-        const VARIABLE &item = items.first();
-        const RegisterType type = registerType(item.regName);
-        if (type.isKnown() && fitsFrame(item.count)) {
-            const int wordNumber =
-                type.unitKind == WordUnit ? item.startAddr : wordOfBit(item.startAddr);
-            appendReadWords(deviceLetter(type), wordNumber, item.count, item);
-        }
-    }
-    return 1;
+    appendReadWords(registerType(item.regName), item.count, item);
 }
 
 void getWriteFrame(const VARIABLE &item)
 {
     const RegisterType type = registerType(item.regName);
-    if (!type.isKnown())
-        return;
-    const int device = deviceLetter(type);
-    if (type.unitKind == WordUnit) {
-        if (fitsFrame(item.count))
-            appendWriteWords(device, item.startAddr, item.count, item.valueBuf, item);
-    } else if (item.count == 1) {
-        appendBit(device, item.valueBuf[0] != 0, item);
-    } else if (item.count > 1 && item.count <= MaxBitsPerWrite) {
-        const int wordNumber = wordOfBit(item.startAddr);
-        const int words = wordsOfBits(item.startAddr, item.count);
-        static const unsigned char notYetRead[MaxWordsPerFrame * 2] = {0};
-        appendReadWords(device, wordNumber, words, item);
-        appendWriteWords(device, wordNumber, words, notYetRead, item);
+    switch (type.unitKind) {
+        case WordUnit:
+            appendWriteWords(type, item.count, item.valueBuf, item);
+            break;
+        case WordBitUnit:
+        case BitUnit:
+            if (item.count == 1)
+                appendBit(type, item);
+            else
+                appendReadWords(type, wordsOfBits(item.startAddr, item.count), item);
+            break;
+        case NoUnit:
+            break;
     }
 }
 
-void mergeBitsIntoWrite(const QByteArray &reply)
+void appendMergedWrite(const QByteArray &reply)
 {
-    if (driver.frameList.size() < 2)
-        return;
-    const FRAME_PRO &readFrame = driver.frameList.at(0);
-    FRAME_PRO &writeFrame = driver.frameList[1];
-    const VARIABLE &item = readFrame.var;
-
-    ReplyWords words;
-    readReplyWords(reply, readFrame.dataStart, readFrame.readCount, words);
+    const VARIABLE item = driver.frameList.at(0).var;
+    const int words = driver.frameList.at(0).readCount;
+    unsigned char values[2 * MaxWordsPerFrame];
+    readReplyBytes(reply, driver.frameList.at(0), values);
     for (int i = 0; i < item.count; ++i) {
         const int position = bitInWord(item.startAddr) + i;
-        const int bitMask = 1 << position % BitsPerWord;
-        quint16 &word = words.word[position / BitsPerWord];
-        word = quint16(item.valueBuf[i] ? word | bitMask : word & ~bitMask);
+        const int bitMask = 1 << position % 8;
+        unsigned char &byte = values[position / 8];
+        byte = static_cast<unsigned char>(item.valueBuf[i] ? byte | bitMask : byte & ~bitMask);
     }
-
-    FrameWriter out(writeFrame.frame);
-    out.skip(WriteDataStart);
-    for (int k = 0; k < readFrame.readCount; ++k)
-        out.field16(words.word[k]);
-    out.close(ETX);
-}
-
-quint16 computate_check(const quint8 *bytes, quint16 length)
-{
-    unsigned sum = 0;
-    for (int i = 0; i < length; ++i)
-        sum += bytes[i];
-    return static_cast<quint16>(sum);
+    appendWriteWords(registerType(item.regName), words, values, item);
 }

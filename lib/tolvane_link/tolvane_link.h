@@ -1,5 +1,5 @@
-// The room of this controller: address texts, the joining rule and the frames of its direct
-// serial port. Another controller is supported by another room behind these declarations.
+// The door of this controller's room: its tables stand in register_tables.cpp, everything else that
+// is its own behind these declarations. Another controller is another room behind the same door.
 #ifndef TOLVANE_LINK_H
 #define TOLVANE_LINK_H
 
@@ -19,71 +19,83 @@ QString addr_int2str(int number, const QString &regName);
 /** Maps the host's address number to the controller's: the same here. */
 int addrOffset(const QString &regName, int number);
 
-// ---- Joining of read blocks (merge_rule.cpp) ------------------------------------------------
+// ---- What requests carry (merge_rule.cpp) -----------------------------------------------
+
+/** The most words that one request can span, whether it reads or writes. */
+int wordsPerRequest();
+
+/**
+ * How many units of a type, at most MaxUnitsPerRead, one read carries for `purpose`: CyclicRead,
+ * ConditionRead or RecipeRead.
+ */
+int unitsPerRead(const RegisterType &type, SendState purpose);
+
+/** How many units of a type one write carries. */
+int unitsPerWrite(const RegisterType &type);
+
+/** The span that is asked for to read `span`: another type, start and count where that helps. */
+AddressSpan readAs(const AddressSpan &span, SendState purpose);
+
+/** Whether a request can begin at this address: whether its frames have room for the number. */
+bool canBeginAt(const RegisterType &type, int startAddr);
 
 /** How far apart two spans may lie to be joined. */
 enum MergeTest { StrictTest = 0, GapTolerantTest = 1 };
 
+/** What judgeAddrMerge() finds. */
+enum MergeVerdict { Joined = 0, Separate = 1 };
+
 /**
- * Whether `next`, the following span in weight order, may be joined to `block`: 0 yes, 1 no.
- * `mode` is a MergeTest; the tolerant one bridges gaps up to the block limit.
+ * Whether `next`, the following span in weight order, may be joined to `block`; returns a
+ * MergeVerdict. `mode` is a MergeTest; the tolerant one bridges gaps up to the block limit.
  */
 int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int mode);
 
 // ---- Request frames (request.cpp) -----------------------------------------------------------
 
-/** Appends the handshake frame: nothing to send, no reply. */
-void handShakeFrame();
+/** Appends the read frame of the item, of a known type and no longer than a read carries. */
+void getReadFrame(const VARIABLE &item);
 
 /**
- * Appends the read frame of the first item to driver.frameList; further items are not looked at.
- * The item's count is a number of words, 1 to MaxWordsPerFrame; an item that no frame can carry,
- * or of an unknown type, appends nothing. Returns the number of items served: always 1.
- */
-int getReadFrame(const QList<VARIABLE> &items);
-
-/**
- * Appends the frames of a write: one, or two for several bits (read, then write with the bits
- * merged in by mergeBitsIntoWrite()). An item that no frame can carry, or of an unknown type,
- * appends nothing.
+ * Appends the frame of a write, of a known type and no longer than a write carries. A write that
+ * has to merge its bits into what the controller holds begins with a read frame, to whose reply
+ * appendMergedWrite() appends the write frame.
  */
 void getWriteFrame(const VARIABLE &item);
 
-/** The sum of `length` bytes, kept to 16 bits. */
-quint16 computate_check(const quint8 *bytes, quint16 length);
+/** Takes the reply to the read frame of a write and appends the write frame behind it. */
+void appendMergedWrite(const QByteArray &reply);
 
 // ---- Replies (reply.cpp) --------------------------------------------------------------------
 
 /** What check_rcv_data() makes of a reply. */
-enum ReplyVerdict { FailedExchange = 0, GoodReadReply = 1, GoodAcknowledgement = 2 };
-
-/**
- * Judges the reply to the head of driver.frameList by its control bytes and checksum; returns a
- * ReplyVerdict. Neither the length nor the data characters are examined.
- */
-int check_rcv_data(const unsigned char *reply, int length);
-
-/** The words of a read reply. */
-struct ReplyWords
-{
-    quint16 word[MaxWordsPerFrame];
-
-    /** Bit n, counted from bit 0 of the first word: 0 or 1. */
-    int bit(int n) const { return word[n / BitsPerWord] >> n % BitsPerWord & 1; }
+enum ReplyVerdict {
+    FailedExchange = 0,       ///< worth another try
+    GoodReadReply = 1,        ///< carries data
+    GoodAcknowledgement = 2,  ///< of a write
+    Refused = 3               ///< the controller says no: given up at once; never on this link
 };
 
-/**
- * Takes `count` words (at most MaxWordsPerFrame) out of a read reply whose data begins at
- * dataStart, four characters a word, low byte first. Characters that the reply lacks count as 0.
- */
-void readReplyWords(const QByteArray &reply, int dataStart, int count, ReplyWords &words);
+/** Judges the reply to the head of driver.frameList; returns a ReplyVerdict. */
+int check_rcv_data(const unsigned char *reply, int length);
 
 /**
- * Takes the reply to the first frame of a write of several bits, merges the item's bits into the
- * words read and puts them, with a fresh checksum, into the write frame behind it. Does nothing
- * unless those two frames stand in driver.frameList.
+ * The values of a good reply to a read frame: request.readCount units of `type` from the item's
+ * first address on, words as 0 to 65535, bits as 0 and 1. What the reply lacks counts as 0.
  */
-void mergeBitsIntoWrite(const QByteArray &reply);
+void readReplyValues(const QByteArray &reply, const FRAME_PRO &request, const RegisterType &type,
+                     quint16 *values);
+
+// ---- What other links need and this one does not (spare.cpp) --------------------------------
+
+/** What a refusal says, to stand behind the description of the request: nothing on this link. */
+QString refusalText(const QByteArray &reply);
+
+/** Appends the handshake frame: nothing to send, no reply. */
+void handShakeFrame();
+
+/** The sum of `length` bytes, kept to 16 bits. */
+quint16 computate_check(const quint8 *bytes, quint16 length);
 
 /** The data position of the i-th of several one-word items in one reply. */
 int allMix_GetDataStartPosition(const QByteArray &reply, const QList<VARIABLE> &items, int i);

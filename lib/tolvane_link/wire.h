@@ -1,5 +1,5 @@
-// The encodings of the link: control bytes, hex digits, byte and 16-bit fields, checksum. Each is
-// written and read here and nowhere else.
+// The link's frames, as both directions use them: control bytes, hex digits, byte and 16-bit
+// fields, checksum, and how much fits one frame.
 #ifndef TOLVANE_WIRE_H
 #define TOLVANE_WIRE_H
 
@@ -7,13 +7,38 @@
 
 enum ControlByte { STX = 0x02, ETX = 0x03, EOT = 0x04, ACK = 0x06 };
 
-/** Characters of a word. */
-enum { WordChars = 4 };
+enum {
+    WordChars = 4,          ///< characters of a word
+    MaxWordsPerFrame = 127  ///< the byte count field holds words * 2 in one byte
+};
+
+/** The word that an address lies in: contacts and bits of words are 16 to the word. */
+inline int firstWordOf(const RegisterType &type, int startAddr)
+{
+    return type.unitKind == WordUnit ? startAddr : wordOfBit(startAddr);
+}
 
 /** Upper-case hex digit of a nibble 0 to 15. */
 inline unsigned char hexDigit(int nibble)
 {
     return static_cast<unsigned char>(nibble <= 9 ? nibble + 0x30 : nibble + 0x37);
+}
+
+/**
+ * The nibble a reply character stands for: digits and ":" to "?" count from "0", everything behind
+ * "@" from "A" modulo 16, so that both letter cases are read; what lies below "0", and "@", is 0.
+ */
+inline unsigned char nibbleOf(unsigned char character)
+{
+    const int letterOffset = character > 0x40 ? 9 : 0;
+    const int nibble = ((character & 0x0F) + letterOffset) & 0x0F;
+    return static_cast<unsigned char>(character < 0x30 ? 0 : nibble);
+}
+
+/** The byte that the two characters at `pos` stand for, high nibble first. */
+inline unsigned char asc2hex(const unsigned char *data, int pos)
+{
+    return static_cast<unsigned char>(nibbleOf(data[pos]) << 4 | nibbleOf(data[pos + 1]));
 }
 
 /** The checksum of a frame: the sum of `length` bytes, modulo 256. */
@@ -24,6 +49,12 @@ inline int frameChecksum(const unsigned char *bytes, int length)
         sum += bytes[i];
     return int(sum & 0xFF);
 }
+
+/**
+ * The data of a reply to a read frame as bytes, two a word, low byte first; `bytes` has room for
+ * MaxWordsPerFrame words. Characters that the reply lacks count as 0. (reply.cpp)
+ */
+void readReplyBytes(const QByteArray &reply, const FRAME_PRO &request, unsigned char *bytes);
 
 /** Writes a request frame in the order in which it travels. */
 class FrameWriter
@@ -56,8 +87,6 @@ public:
         byteField(frameChecksum(m_begin + 1, length() - 1));
         put(control);
     }
-    /** Leaves the next `count` characters as they are. */
-    void skip(int count) { m_end += count; }
     int length() const { return static_cast<int>(m_end - m_begin); }
 
 private:
@@ -66,16 +95,5 @@ private:
     unsigned char *m_begin;
     unsigned char *m_end;
 };
-
-/**
- * The nibble a reply character stands for: digits and ":" to "?" count from "0", everything behind
- * "@" from "A" modulo 16, so that both letter cases are read; what lies below "0", and "@", is 0.
- */
-inline unsigned char nibbleOf(unsigned char character)
-{
-    const int letterOffset = character > 0x40 ? 9 : 0;
-    const int nibble = ((character & 0x0F) + letterOffset) & 0x0F;
-    return static_cast<unsigned char>(character < 0x30 ? 0 : nibble);
-}
 
 #endif

@@ -74,7 +74,9 @@ void write()
     std::memcpy(values, bytes.data(), bytes.size());
     const KEY_ADDRESS range = key();
     // Others than the known types are shown, but never sent; so is what no frame can address.
-    writesSettle &= getIndexFromRegName(range.regName) >= 0;
+    const int last = range.regName.endsWith(QLatin1String("_W")) ? 32767 : 524287;
+    writesSettle &= getIndexFromRegName(range.regName) >= 0 && range.startAddr >= 0 &&
+                    range.startAddr <= last - qMax(0, range.count);
     intf_setData(range.stationNo, range.regName, range.startAddr, range.count, values, 7);
 }
 

@@ -52,8 +52,7 @@ void checkDataAreas()
     const int size = int(driver.dataAreaList.size());
     for (int i = 0; i < size; ++i) {
         const _DATA_ area = driver.dataAreaList.at(i);
-        require(getIndexOfDataArea(area.stationNo, area.areaName, area.unitAddr,
-                                   driver.dataAreaList) == i,
+        require(getIndexOfDataArea(area.stationNo, area.areaName, area.unitAddr) == i,
                 "a data area is not found, or another of its key");
     }
     require(driver.dataAreaList.size() == size, "looking up what is there appended something");

@@ -91,8 +91,8 @@ private slots:
         QCOMPARE(area.areaName, QString("M"));
         QCOMPARE(area.stationNo, 1);
         QCOMPARE(area.unitAddr, 1);
-        QCOMPARE(getIndexOfDataArea(1, "M", 1, driver.dataAreaList), 1);
-        QCOMPARE(getIndexOfDataArea(1, "m", 1, driver.dataAreaList), 7);
+        QCOMPARE(getIndexOfDataArea(1, "M", 1), 1);
+        QCOMPARE(getIndexOfDataArea(1, "m", 1), 7);
         init();
         QCOMPARE(int(driver.dataAreaList.size()), 0);
     }

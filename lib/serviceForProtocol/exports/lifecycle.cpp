@@ -1,18 +1,9 @@
 // Exports: the host's callback, and starting over.
 #include <QtCore/QStringList>
 
+#include "../../tolvane_link/tolvane_link.h"
 #include "../data_area.h"
-
-namespace {
-
-/** The block limit in bits, kept within an int whatever the property text says. */
-int bitLimit(int words)
-{
-    const qint64 bits = qint64(words) * 8;
-    return int(qBound(qint64(-0x7FFFFFFF), bits, qint64(0x7FFFFFFF)));
-}
-
-}  // namespace
+#include "loop.h"
 
 void intf_setAddrValueChangeCallBack(ValueChangeCallBack callBack)
 {
@@ -41,17 +32,11 @@ int intf_initProperty(unsigned char *hostShared, void *hostContext, unsigned cha
     driver.readIndex = 0;
     driver.writeList.clear();
     driver.condReadList.clear();
+    ++driver.condHeadNo;
     clearDataAreas();
-    driver.sendState = Idle;
-    driver.runCount = 0;
-    driver.mergeWords = driver.propItem4;
-    driver.mergeBits = bitLimit(driver.propItem4);
-    driver.handShakeRequest = 0;
-    driver.retryCount = 0;
-    driver.lastFrameFailed = 0;
-    driver.frameList.clear();
-    driver.frameIndex = 0;
-    driver.itemIsQueueHead = false;
-    ++driver.exchangeNo;
+    // Merging, bridging and cutting keep to one limit: at least a word, at most a frame.
+    driver.mergeWords = qBound(1, driver.propItem4, wordsPerRequest());
+    driver.mergeBits = driver.mergeWords * 8;
+    restartLoop();
     return 1;
 }

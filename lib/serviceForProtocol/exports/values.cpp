@@ -5,24 +5,21 @@
 
 namespace {
 
-void enqueueWrite(int stationNo, const RegisterType &type, int startAddr, int count,
-                  const unsigned char *values, int kind)
+void enqueueWrite(const AddressSpan &span, const unsigned char *values, int kind)
 {
+    const RegisterType &type = driver.registerTypes.at(span.regNumber);
     const bool words = type.unitKind == WordUnit;
-    const int bytesPerElement = words ? 2 : 1;
-    const int limit = words ? qMin<int>(driver.mergeWords, MaxWordsPerFrame)
-                            : qMin<int>(driver.mergeBits, MaxBitsPerWrite);
+    const size_t bytesPerElement = words ? 2 : 1;
+    const int blockLimit = words ? driver.mergeWords : driver.mergeBits;
     VARIABLE item;
     item.kind = kind;
-    item.stationNo = stationNo;
-    item.regName = REG_LIST[type.number];
-    groupingKey(count, limit, [&](int offset, int length) {
-        item.startAddr = addrPlus(startAddr, offset);
-        item.count = length;
-        std::memcpy(item.valueBuf, values + qptrdiff(offset) * bytesPerElement,
-                    size_t(length) * size_t(bytesPerElement));
-        enqueueRequest(driver.writeList, item);
-    });
+    groupingKey(span, qMin(blockLimit, unitsPerWrite(type)),
+                [&](const AddressSpan &piece, int offset) {
+                    setRange(item, piece);
+                    std::memcpy(item.valueBuf, values + size_t(offset) * bytesPerElement,
+                                size_t(piece.count) * bytesPerElement);
+                    enqueueRequest(driver.writeList, item);
+                });
 }
 
 }  // namespace
@@ -31,17 +28,18 @@ int intf_getData(int stationNo, QString regName, int startAddr, int count, unsig
 {
     if (!out)
         return 1;
-    forEachUnit(stationNo, registerType(regName), startAddr, count, [out](const Unit &unit) {
+    const RegisterType type = registerType(regName);
+    for (Unit unit(stationNo, type, startAddr, coveredCount(count)); unit.next();) {
         const unsigned char *value = unit.constArea().currentValue();
-        if (unit.kind == WordUnit) {
-            out[2 * qptrdiff(unit.i)] = value[0];
-            out[2 * qptrdiff(unit.i) + 1] = value[1];
-        } else if (unit.kind == WordBitUnit) {
-            out[unit.i] = uchar2int16(value[0], value[1]) >> unit.bit & 1;
+        if (type.unitKind == WordUnit) {
+            out[2 * unit.i] = value[0];
+            out[2 * unit.i + 1] = value[1];
+        } else if (type.unitKind == WordBitUnit) {
+            out[unit.i] = uchar2int16(value[0], value[1]) >> unit.bit() & 1;
         } else {
             out[unit.i] = value[0];
         }
-    });
+    }
     return 1;
 }
 
@@ -51,9 +49,10 @@ int intf_setData(int stationNo, QString regName, int startAddr, int count,
     if (!values)
         return 1;
     const RegisterType type = registerType(regName);
+    const AddressSpan span = {stationNo, type.number, startAddr, coveredCount(count), 0, 0};
     if (driver.propItem1 == 0 && type.isKnown())
-        enqueueWrite(stationNo, type, startAddr, count, values, kind);
+        enqueueWrite(span, values, kind);
     // Behind the queueing: the store counts the queued copies of this write.
-    write_saveDataToArea(stationNo, regName, startAddr, count, values);
+    write_saveDataToArea(stationNo, type, startAddr, span.count, values);
     return 1;
 }
