@@ -2,7 +2,7 @@
 #include "data_area.h"
 
 AreaLookup::AreaLookup(int stationNo, const QString &areaName)
-    : m_stationNo(stationNo), m_areaName(areaName), m_page(NoPage), m_cells(0)
+    : m_stationNo(stationNo), m_areaName(areaName), m_page(0), m_cells(0)
 {
     DataAreaIndex &index = driver.areaIndex;
     const QPair<int, QString> key = qMakePair(stationNo, areaName);

@@ -39,14 +39,14 @@ public:
     int indexOf(int unitAddr)
     {
         // Nearly always the unit lies in the page of the one before.
-        if (pageOf(unitAddr) == m_page && m_cells[cellInPage(unitAddr)] > 0)
+        if (m_cells && pageOf(unitAddr) == m_page && m_cells[cellInPage(unitAddr)] > 0)
             return m_cells[cellInPage(unitAddr)] - 1;
         return findOrAppend(unitAddr);
     }
 
 private:
     /** Unit addresses a page: few, for scattered addresses cost a page each. */
-    enum { PageUnits = 64, NoPage = -0x7FFFFFFF };
+    enum { PageUnits = 64 };
 
     static int pageOf(int unitAddr) { return unitAddr >> 6; }
     static int cellInPage(int unitAddr) { return unitAddr & (PageUnits - 1); }
@@ -56,7 +56,7 @@ private:
     QString m_areaName;
     int m_table;
     int m_page;
-    int *m_cells;  ///< of the page; pages stay where they are
+    int *m_cells;  ///< of the page, null before the first; pages stay where they are
 };
 
 /**

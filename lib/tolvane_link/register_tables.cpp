@@ -36,10 +36,9 @@ const QString PROCOTOL_PAR_HMI_SET_MODE BUILT_BEFORE_DRIVER = T("0_0");
 #define RANGE(name, letter, format, lowest, highest, value, access, unit) \
     {T(format), T(lowest), T(highest), T(value), T(access), T(unit)},
 #define LETTER(name, letter, format, lowest, highest, value, access, unit) T(letter),
-#define ONE(name, letter, format, lowest, highest, value, access, unit) +1
 
-const int RegisterTypeCount = 0 REGISTER_TYPES(ONE);
 const QString REG_LIST[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(NAME)};
 const AddressRange ADDRESS_RANGE_PRO[] BUILT_BEFORE_DRIVER = {
     REGISTER_TYPES(RANGE) RANGE(, , "DDDD", "0", "2047", "1", "RW", "1")};
 const QString ADDRESS_RW_COMMAND[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(LETTER)};
+const int RegisterTypeCount = sizeof REG_LIST / sizeof REG_LIST[0];

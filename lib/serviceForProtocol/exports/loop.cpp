@@ -158,8 +158,7 @@ int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
             text += refusalText(reply);
             return giveUp(exchange, type);
         default:
-            return ++driver.retryCount < driver.propItem3 ? int(SendAgain)
-                                                          : giveUp(exchange, type);
+            return ++driver.retryCount < driver.propItem3 ? int(SendAgain) : giveUp(exchange, type);
     }
 }
 
