@@ -43,9 +43,8 @@ QVector<AddressSpan> readableSpans(const QVector<AddressSpan> &spans)
     readable.reserve(spans.size());
     for (int i = 0; i < spans.size(); ++i) {
         AddressSpan span = readAs(spans.at(i), CyclicRead);
-        const RegisterType &type = driver.registerTypes.at(span.regNumber);
-        const int piece = unitsPerRead(type, CyclicRead);
-        while (span.count > 0 && !canBeginAt(type, span.startAddr)) {
+        const int piece = unitsPerRead(driver.registerTypes.at(span.regNumber), CyclicRead);
+        while (span.count > 0 && !canBegin(span)) {
             span.startAddr = addrPlus(span.startAddr, piece);
             span.count -= piece;
         }

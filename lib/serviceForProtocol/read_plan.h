@@ -47,12 +47,11 @@ QVector<Record> inWeightOrder(const QVector<Record> &records, Weight weightOf)
 template <typename Piece>
 void groupingKey(const AddressSpan &span, int maxLen, Piece piece)
 {
-    const RegisterType &type = driver.registerTypes.at(span.regNumber);
     AddressSpan part = span;
     for (int offset = 0; offset < span.count; offset += part.count) {
         part.startAddr = addrPlus(span.startAddr, offset);
         part.count = qMin(maxLen, span.count - offset);
-        if (canBeginAt(type, part.startAddr))
+        if (canBegin(part))
             piece(part, offset);
     }
 }

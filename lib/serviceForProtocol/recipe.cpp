@@ -11,11 +11,19 @@ namespace {
 /** Beyond this many 16-bit units no recipe buffer can reach on a 32-bit machine. */
 enum { MaxBufferUnits = 0x3FFFFFFF };
 
+/** The span of the entry at `position`. */
+AddressSpan spanOf(const _RCP_VAR_PRO &entry, int regNumber, int position)
+{
+    const AddressSpan span = {entry.stationNo, regNumber, entry.startAddr,
+                              entry.count,     position,  1};
+    return span;
+}
+
 bool isKept(const _RCP_VAR_PRO &entry, const RegisterType &type)
 {
     return entry.ownerKey == driver.propItem0 && type.isKnown() && entry.count >= 1 &&
            entry.bufIndex >= 0 && entry.bufIndex <= MaxBufferUnits - entry.count &&
-           canBeginAt(type, entry.startAddr);
+           canBegin(spanOf(entry, type.number, 0));
 }
 
 quint32 weightOf(const _RCP_VAR_PRO &entry)
@@ -79,9 +87,7 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
     spans.reserve(driver.rcpEntries.size());
     for (int i = 0; i < driver.rcpEntries.size(); ++i) {
         const _RCP_VAR_PRO &entry = driver.rcpEntries.at(i);
-        const int number = getIndexFromRegName(entry.regName);
-        const AddressSpan span = {entry.stationNo, number, entry.startAddr, entry.count, i, 1};
-        spans.append(span);
+        spans.append(spanOf(entry, getIndexFromRegName(entry.regName), i));
     }
     driver.rcpBlocks.clear();
     const QVector<AddressSpan> merged = addrMerge(spans, RecipeMode);

@@ -47,9 +47,10 @@ AddressSpan readAs(const AddressSpan &span, SendState purpose)
     return read;
 }
 
-bool canBeginAt(const RegisterType &type, int startAddr)
+bool canBegin(const AddressSpan &span)
 {
-    const int word = firstWordOf(type, startAddr);
+    // Requests name no station: any will do.
+    const int word = firstWordOf(driver.registerTypes.at(span.regNumber), span.startAddr);
     return word >= 0 && word < AddressableWords;
 }
 

@@ -36,8 +36,9 @@ int unitsPerWrite(const RegisterType &type);
 /** The span that is asked for to read `span`: another type, start and count where that helps. */
 AddressSpan readAs(const AddressSpan &span, SendState purpose);
 
-/** Whether a request can begin at this address: whether its frames have room for the number. */
-bool canBeginAt(const RegisterType &type, int startAddr);
+/** Whether a request can begin as the span does: whether frames can name its station and address.
+ */
+bool canBegin(const AddressSpan &span);
 
 /** How far apart two spans may lie to be joined. */
 enum MergeTest { StrictTest = 0, GapTolerantTest = 1 };
