@@ -29,7 +29,7 @@ Protocol::Protocol() : registerTypes(RegisterTypeCount)
         RegisterType &type = registerTypes[number];
         type.number = number;
         type.unitKind = unitKindOf(name, ADDRESS_RANGE_PRO[number]);
-        type.areaName = name.left(name.indexOf(QLatin1Char('_')));
+        type.areaName = type.unitKind == BitUnit ? name : name.left(name.indexOf(QLatin1Char('_')));
         type.wordType = number;
         type.bitType = -1;
         for (int other = 0; type.unitKind == WordBitUnit && other < number; ++other) {

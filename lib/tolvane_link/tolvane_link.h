@@ -25,12 +25,12 @@ int addrOffset(const QString &regName, int number);
 int wordsPerRequest();
 
 /**
- * How many units of a type, at most MaxUnitsPerRead, one read carries for `purpose`: CyclicRead,
- * ConditionRead or RecipeRead.
+ * How many units of a type one read carries for `purpose`: CyclicRead, ConditionRead or RecipeRead.
+ * At most MaxUnitsPerRead, unless readAs() makes another type of them.
  */
 int unitsPerRead(const RegisterType &type, SendState purpose);
 
-/** How many units of a type one write carries. */
+/** How many units of a type, no more than VARIABLE has room for, one write carries. */
 int unitsPerWrite(const RegisterType &type);
 
 /** The span that is asked for to read `span`: another type, start and count where that helps. */
@@ -88,6 +88,7 @@ void readReplyValues(const QByteArray &reply, const FRAME_PRO &request, const Re
                      quint16 *values);
 
 // ---- What other links need and this one does not (spare.cpp) --------------------------------
+// The floors above ask for the first two; a room may leave the others out.
 
 /** What a refusal says, to stand behind the description of the request: nothing on this link. */
 QString refusalText(const QByteArray &reply);

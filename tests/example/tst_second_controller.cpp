@@ -3,9 +3,9 @@
 // never comes blocks, until CTest's time-out.
 #include <modbus/modbus.h>
 #include <pty.h>
+#include <unistd.h>
 
 #include <QtTest/QtTest>
-#include <memory>
 
 #include "host_interface.h"
 
@@ -21,19 +21,18 @@ class SecondController : public QObject
     std::vector<quint16> memory = std::vector<quint16>(2 * Beyond);  ///< registers, then coils
     unsigned char shared[SharedBlockBytes] = {}, recipe[2 * Beyond] = {};
     QMutex mutex;
-    QString errorText;
+    QString told;
+    QByteArray reply;  ///< the latest of the device
 
-    QByteArray answer(const FRAME_PRO &request)
+    void answer(const FRAME_PRO &request)
     {
         unsigned char query[MODBUS_RTU_MAX_ADU_LENGTH];
-        if (write(line, request.frame, size_t(request.sendLen)) != request.sendLen)
-            return QByteArray();
+        QCOMPARE(int(write(line, request.frame, size_t(request.sendLen))), request.sendLen);
         const int length = modbus_receive(server.get(), query);
         const int sent = modbus_reply(server.get(), query, length, &device);
-        QByteArray reply(qMax(0, sent), '\0');
+        reply = QByteArray(qMax(0, sent), '\0');
         for (int have = 0; have < sent;)
             have += int(read(line, reply.data() + have, size_t(sent - have)));
-        return reply;
     }
 
     /** At most so many exchanges: function code and result of each, as "3:1 6:2". */
@@ -41,15 +40,20 @@ class SecondController : public QObject
     {
         QStringList exchanged;
         for (FRAME_PRO frame; exchanged.size() < most && intf_getSendFrame(&frame) == 1;) {
-            const QByteArray reply = answer(frame);
-            for (int i = 0; i < reply.size(); ++i) {  // first whatever noise makes of it
+            const QByteArray before = reply;
+            answer(frame);
+            // A late reply to another request comes first, then whatever noise makes of the right
+            // one. (Nothing tells a late reply to a read of as many.)
+            if ((before.size() != reply.size() || before.size() == 8) &&
+                intf_dealRcvFrame(before, 0) != 8)
+                exchanged << "not noticed: " + before.toHex();
+            for (int i = 0; i < reply.size(); ++i) {
                 QByteArray damaged = reply;
                 damaged[i] = char(damaged[i] ^ 1 << i % 8);
                 if (intf_dealRcvFrame(damaged, 0) != 8 || intf_dealRcvFrame(reply.left(i), 0) != 8)
-                    exchanged << QString("damage at %1 goes unnoticed").arg(i);
+                    exchanged << "not noticed: " + damaged.toHex();
             }
-            const int result = intf_dealRcvFrame(reply, &errorText);
-            exchanged << QString("%1:%2").arg(frame.frame[1]).arg(result);
+            exchanged << QString("%1:%2").arg(frame.frame[1]).arg(intf_dealRcvFrame(reply, &told));
         }
         return exchanged.join(" ");
     }
@@ -112,7 +116,6 @@ private slots:
         QTest::newRow("store HR_W 0 250") << "16:1 16:1 16:1";
         QTest::newRow("store HR_bit 4805 20") << "3:1 16:1";
         QTest::newRow("store CO 1 600") << "15:1 15:1";
-        QTest::newRow("load HR_W 1000 90") << "3:2";
     }
 
     void exchanges()
@@ -151,9 +154,9 @@ private slots:
         } else {
             intf_setData(Station, range.regName, range.startAddr, range.count, bytes, 0);
         }
-        QCOMPARE(exchange(exchanged.count(':')), exchanged);
+        QCOMPARE(exchange(int(exchanged.count(':'))), exchanged);
         QVERIFY(memory == wanted);
-        QCOMPARE(errorText.endsWith("(5) exception 2: illegal data address"), refused);
+        QCOMPARE(told.endsWith("(5) exception 2: illegal data address"), refused);
 
         if (!forRecipe)
             intf_getData(Station, range.regName, range.startAddr, range.count, recipe);
