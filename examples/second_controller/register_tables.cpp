@@ -22,10 +22,9 @@ const QString PROCOTOL_PAR_HMI_SET_MODE BUILT_BEFORE_DRIVER = T("0_0");
 #define RANGE(name, reads, format, lowest, highest, value, access, unit) \
     {T(format), T(lowest), T(highest), T(value), T(access), T(unit)},
 #define READS(name, reads, format, lowest, highest, value, access, unit) T(reads),
-#define ONE(name, reads, format, lowest, highest, value, access, unit) +1
 
-const int RegisterTypeCount = 0 REGISTER_TYPES(ONE);
 const QString REG_LIST[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(NAME)};
+const int RegisterTypeCount = sizeof REG_LIST / sizeof REG_LIST[0];
 const AddressRange ADDRESS_RANGE_PRO[] BUILT_BEFORE_DRIVER = {
     REGISTER_TYPES(RANGE) RANGE(, , "DDDDD", "0", "65535", "1", "RW", "1")};
 const QString ADDRESS_RW_COMMAND[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(READS)};

@@ -38,6 +38,7 @@ const QString PROCOTOL_PAR_HMI_SET_MODE BUILT_BEFORE_DRIVER = T("0_0");
 #define LETTER(name, letter, format, lowest, highest, value, access, unit) T(letter),
 
 const QString REG_LIST[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(NAME)};
+const int RegisterTypeCount = sizeof REG_LIST / sizeof REG_LIST[0];
 const AddressRange ADDRESS_RANGE_PRO[] BUILT_BEFORE_DRIVER = {
     REGISTER_TYPES(RANGE) RANGE(, , "DDDD", "0", "2047", "1", "RW", "1")};
 const QString ADDRESS_RW_COMMAND[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(LETTER)};
