@@ -152,7 +152,7 @@ void copyRecipeReply(const quint16 *values)
         return;
     const quint32 exchange = driver.exchangeNo;
     const AddressSpan block = driver.rcpBlocks.at(driver.rcpIndex);
-    const bool bitsOfWords = driver.registerTypes.at(block.regNumber).unitKind == WordBitUnit;
+    const bool bitsOfWords = readAs(block, RecipeRead).regNumber != block.regNumber;
     forEachRecipeValue(block, [&](int position, int n) -> bool {
         const int bit = bitInWord(block.startAddr) + position;
         const int value =

@@ -42,4 +42,3 @@ const int RegisterTypeCount = sizeof REG_LIST / sizeof REG_LIST[0];
 const AddressRange ADDRESS_RANGE_PRO[] BUILT_BEFORE_DRIVER = {
     REGISTER_TYPES(RANGE) RANGE(, , "DDDD", "0", "2047", "1", "RW", "1")};
 const QString ADDRESS_RW_COMMAND[] BUILT_BEFORE_DRIVER = {REGISTER_TYPES(LETTER)};
-const int RegisterTypeCount = sizeof REG_LIST / sizeof REG_LIST[0];

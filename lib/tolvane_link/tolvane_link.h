@@ -36,8 +36,7 @@ int unitsPerWrite(const RegisterType &type);
 /** The span that is asked for to read `span`: another type, start and count where that helps. */
 AddressSpan readAs(const AddressSpan &span, SendState purpose);
 
-/** Whether a request can begin as the span does: whether frames can name its station and address.
- */
+/** Whether frames can name the station and first address of the span. */
 bool canBegin(const AddressSpan &span);
 
 /** How far apart two spans may lie to be joined. */
