@@ -31,25 +31,9 @@ Driver loadDriver(const QString &path)
                       BadInput);
 
     Driver driver;
-    resolve(library, "intf_getProtocolType", driver.getProtocolType);
-    resolve(library, "intf_getDriverParameter", driver.getDriverParameter);
-    resolve(library, "intf_getDriverPropertyPage", driver.getDriverPropertyPage);
-    resolve(library, "intf_SetDriverPropertyPage", driver.setDriverPropertyPage);
-    resolve(library, "intf_getVersion", driver.getVersion);
-    resolve(library, "intf_getRegListByType", driver.getRegListByType);
-    resolve(library, "intf_setAddrValueChangeCallBack", driver.setAddrValueChangeCallBack);
-    resolve(library, "intf_initProperty", driver.initProperty);
-    resolve(library, "intf_checkAddrValidity", driver.checkAddrValidity);
-    resolve(library, "intf_checkAddr", driver.checkAddr);
-    resolve(library, "intf_getRegDiscription", driver.getRegDiscription);
-    resolve(library, "intf_multiCopy", driver.multiCopy);
-    resolve(library, "intf_addrMerge", driver.addrMerge);
-    resolve(library, "intf_addConditionRead", driver.addConditionRead);
-    resolve(library, "intf_setRcpAddress", driver.setRcpAddress);
-    resolve(library, "intf_getData", driver.getData);
-    resolve(library, "intf_setData", driver.setData);
-    resolve(library, "intf_getSendFrame", driver.getSendFrame);
-    resolve(library, "intf_dealRcvFrame", driver.dealRcvFrame);
+#define RESOLVE_MEMBER(member, symbol) resolve(library, #symbol, driver.member);
+    TOLVANE_FOR_EACH_EXPORT(RESOLVE_MEMBER)
+#undef RESOLVE_MEMBER
     return driver;
 }
 

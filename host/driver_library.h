@@ -4,30 +4,36 @@
 
 #include "lib/host_interface.h"
 
+/** Every export: its name in Driver, and its name in the library. */
+#define TOLVANE_FOR_EACH_EXPORT(EXPORT)                                 \
+    EXPORT(getProtocolType, intf_getProtocolType)                       \
+    EXPORT(getDriverParameter, intf_getDriverParameter)                 \
+    EXPORT(getDriverPropertyPage, intf_getDriverPropertyPage)           \
+    EXPORT(setDriverPropertyPage, intf_SetDriverPropertyPage)           \
+    EXPORT(getVersion, intf_getVersion)                                 \
+    EXPORT(getRegListByType, intf_getRegListByType)                     \
+    EXPORT(setAddrValueChangeCallBack, intf_setAddrValueChangeCallBack) \
+    EXPORT(initProperty, intf_initProperty)                             \
+    EXPORT(checkAddrValidity, intf_checkAddrValidity)                   \
+    EXPORT(checkAddr, intf_checkAddr)                                   \
+    EXPORT(getRegDiscription, intf_getRegDiscription)                   \
+    EXPORT(multiCopy, intf_multiCopy)                                   \
+    EXPORT(addrMerge, intf_addrMerge)                                   \
+    EXPORT(addConditionRead, intf_addConditionRead)                     \
+    EXPORT(setRcpAddress, intf_setRcpAddress)                           \
+    EXPORT(getData, intf_getData)                                       \
+    EXPORT(setData, intf_setData)                                       \
+    EXPORT(getSendFrame, intf_getSendFrame)                             \
+    EXPORT(dealRcvFrame, intf_dealRcvFrame)
+
 namespace host {
 
 /** The exports of a loaded driver library, each with the type that the interface declares. */
 struct Driver
 {
-    decltype(&intf_getProtocolType) getProtocolType = nullptr;
-    decltype(&intf_getDriverParameter) getDriverParameter = nullptr;
-    decltype(&intf_getDriverPropertyPage) getDriverPropertyPage = nullptr;
-    decltype(&intf_SetDriverPropertyPage) setDriverPropertyPage = nullptr;
-    decltype(&intf_getVersion) getVersion = nullptr;
-    decltype(&intf_getRegListByType) getRegListByType = nullptr;
-    decltype(&intf_setAddrValueChangeCallBack) setAddrValueChangeCallBack = nullptr;
-    decltype(&intf_initProperty) initProperty = nullptr;
-    decltype(&intf_checkAddrValidity) checkAddrValidity = nullptr;
-    decltype(&intf_checkAddr) checkAddr = nullptr;
-    decltype(&intf_getRegDiscription) getRegDiscription = nullptr;
-    decltype(&intf_multiCopy) multiCopy = nullptr;
-    decltype(&intf_addrMerge) addrMerge = nullptr;
-    decltype(&intf_addConditionRead) addConditionRead = nullptr;
-    decltype(&intf_setRcpAddress) setRcpAddress = nullptr;
-    decltype(&intf_getData) getData = nullptr;
-    decltype(&intf_setData) setData = nullptr;
-    decltype(&intf_getSendFrame) getSendFrame = nullptr;
-    decltype(&intf_dealRcvFrame) dealRcvFrame = nullptr;
+#define DECLARE_MEMBER(member, symbol) decltype(&symbol) member = nullptr;
+    TOLVANE_FOR_EACH_EXPORT(DECLARE_MEMBER)
+#undef DECLARE_MEMBER
 };
 
 /**

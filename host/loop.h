@@ -3,9 +3,7 @@
 #define TOLVANE_HOST_LOOP_H
 
 #include "host/driver_library.h"
-#include "host/line.h"
-
-#include <QtCore/QElapsedTimer>
+#include "host/reply_fault.h"
 
 #include <functional>
 
@@ -20,35 +18,46 @@ enum class Outcome {
     LineLost  ///< the line is closed; the request is offered again when the line is back
 };
 
-/** One exchange, for whoever watches the loop. */
+/** A whole reply that cannot be the answer to the request; the exchange went on without it. */
+struct RefusedReply
+{
+    LineTime at{0};
+    QByteArray bytes;
+    ReplyFault fault;
+};
+
+/** One exchange, for whoever watches the loop. Times are the line's. */
 struct Exchange
 {
-    FRAME_PRO frame;   ///< the request and the item that it serves
-    QByteArray stale;  ///< bytes thrown away before sending
-    QByteArray reply;  ///< what arrived, complete or not
+    FRAME_PRO frame;                ///< the request and the item that it serves
+    QByteArray stale;               ///< bytes thrown away before sending
+    LineTime begin{0};              ///< before the first byte was handed to the line
+    QVector<RefusedReply> refused;  ///< in the order of their arrival
+    QByteArray reply;               ///< what arrived in the end, complete or not
+    LineTime end{0};                ///< when the reply was judged
     Outcome outcome = Outcome::Idle;
-    QString errorText;                      ///< the driver's description of the request
-    std::chrono::microseconds duration{0};  ///< from the first byte sent to the judged reply
+    QString errorText;          ///< the driver's description of the request
+    ReplyFault fault;           ///< why it failed; none when the outcome is good
+    QVector<ReplyFault> tries;  ///< faults of the request's tries so far, this one's last
 
     QByteArray request() const
     {
         return QByteArray(reinterpret_cast<const char *>(frame.frame), frame.sendLen);
     }
+    LineTime duration() const { return end - begin; }
 };
 
 struct LoopSettings
 {
     /** How long the controller may think; the travel of both frames comes on top. */
     std::chrono::milliseconds replyTimeout{500};
-    /** Silence that proves the line to be at rest; 0: as long as replyTimeout. */
+    /**
+     * How much later than the time-out a reply may still come, and the silence that proves the
+     * line to be at rest after bytes that make no sense; 0: as long as replyTimeout.
+     */
     std::chrono::milliseconds quietTime{0};
     /**
-     * The line carries bytes at its own speed (a real port, a paced simulation): what arrives
-     * while the request is still leaving cannot be its reply. Costs no time.
-     */
-    bool paced = false;
-    /**
-     * Listens this long before each request, so that a doubled reply on a line that is not paced
+     * Listens this long before each request, so that a doubled reply on a line that nothing paces
      * has arrived by then. Costs that time in every exchange.
      */
     std::chrono::milliseconds listenFirst{0};
@@ -59,8 +68,9 @@ struct LoopCounters
     int exchanges = 0;  ///< with a good reply
     int retries = 0;    ///< requests that were to be sent again
     int errors = 0;     ///< requests given up
+    int refused = 0;    ///< whole replies that could not be the answer
     qint64 bytesSent = 0;
-    qint64 bytesReceived = 0;  ///< stale bytes not included
+    qint64 bytesReceived = 0;  ///< stale bytes and refused replies not included
     qint64 bytesStale = 0;
     qint64 wordsRead = 0;  ///< in good replies
 
@@ -68,11 +78,9 @@ struct LoopCounters
 };
 
 /**
- * Replies carry no number that ties them to their request, and the driver takes a well-formed
- * reply of any length. So the loop guards: what arrived before a request is sent is thrown away;
- * after a failed exchange, or when bytes came that nobody asked for, it waits for the line to be
- * silent before the next request; a reply of the wrong length counts as none. On a paced line a
- * reply that begins before its request has left counts as none, too.
+ * Replies carry no number that ties them to their request, and the driver takes any well-formed
+ * reply. So the loop guards, by time, by what is owed and by length: docs/host-guide.md tells the
+ * rules. On a healthy line they cost nothing.
  */
 class Loop
 {
@@ -87,8 +95,8 @@ public:
     Outcome exchange();
 
     /**
-     * Goes on until done() is true, asked after every exchange. Returns false when the time is up
-     * or the line is lost first.
+     * Goes on until done() is true, asked after every exchange. Returns false when the line's time
+     * is up or the line is lost first.
      */
     bool runUntil(const std::function<bool()> &done, std::chrono::milliseconds patience);
 
@@ -98,17 +106,28 @@ public:
     const LoopCounters &counters() const { return m_counters; }
 
 private:
-    QByteArray settleLine();
-    bool replyIsEarly(const QElapsedTimer &sending);
+    QByteArray settleLine(bool sameRequest);
+    bool send(const QByteArray &request, bool sameRequest);
+    void collectReply();
+    void refuseStrangers();
+    ReplyFault earlyFault() const;
+    ReplyFault examine() const;
     Outcome judge();
-    void count(const Exchange &exchange);
+    void remember();
+    void count();
 
     const Driver &m_driver;
     Line &m_line;
     LoopSettings m_settings;
     LoopCounters m_counters;
     Exchange m_exchange;
-    bool m_restless = false;  // bytes of an earlier reply may still be on their way
+    ReplyFault m_early;  // of the reply that is being collected
+
+    QByteArray m_lastRequest;
+    bool m_owed = false;     // the last request, however often it was sent, may still be answered
+    LineTime m_firstTry{0};  // when the request was handed over for the first of its tries
+    LineTime m_owedUntil{0};
+    bool m_restless = false;  // bytes that make no sense came; the rest of them may be on its way
 };
 
 }  // namespace host

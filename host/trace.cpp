@@ -28,16 +28,23 @@ Trace::Trace(const QString &path) : m_file(path)
 void Trace::write(const Exchange &exchange)
 {
     const QByteArray request = exchange.request();
-    const QDateTime end = QDateTime::currentDateTime();
-    const QDateTime start = end.addMSecs(
-        -std::chrono::duration_cast<std::chrono::milliseconds>(exchange.duration).count());
+    const QDateTime end = QDateTime::currentDateTimeUtc();
+    const auto at = [&](LineTime time) {
+        return end.addMSecs(
+            -std::chrono::duration_cast<std::chrono::milliseconds>(exchange.end - time).count());
+    };
     if (!exchange.stale.isEmpty())
-        line(start, "<-", exchange.stale, QStringLiteral("thrown away: nobody waits for it"));
-    line(start, "->", request, meaningOf(readRequest(request)));
-    const FrameReading reply = exchange.reply.isEmpty()
-                                   ? FrameReading{QStringLiteral("no reply"), {}, {}, -1}
-                                   : readReply(exchange.reply, request);
-    line(end, "<-", exchange.reply, meaningOf(reply));
+        line(at(exchange.begin), "<-", exchange.stale,
+             QStringLiteral("thrown away: nobody waits for it"));
+    line(at(exchange.begin), "->", request, meaningOf(readRequest(request)));
+    for (const RefusedReply &refused : exchange.refused)
+        line(at(refused.at), "<-", refused.bytes,
+             QStringLiteral("refused: ") + refused.fault.text());
+    const QString meaning =
+        exchange.reply.isEmpty() ? QString() : readReply(exchange.reply, request).text;
+    const QString fault = exchange.fault.text();
+    line(end, "<-", exchange.reply,
+         meaning + QLatin1String(meaning.isEmpty() || fault.isEmpty() ? "" : "; ") + fault);
     m_file.flush();  // a trace is read while it grows, and after a crash
 }
 

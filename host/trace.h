@@ -10,10 +10,10 @@
 namespace host {
 
 /**
- * Each line has the local time, "->" or "<-", the bytes as hex pairs ("-" for none) and what they
+ * Each line has the time (UTC), "->" or "<-", the bytes as hex pairs ("-" for none) and what they
  * say, two spaces apart:
  *
- *     2026-11-22T22:41:05.123  ->  02 72 61 ... 03  read 2 words of D from word 100
+ *     2026-11-22T22:41:05.123Z  ->  02 72 61 ... 03  read 2 words of D from word 100
  */
 class Trace
 {
@@ -21,7 +21,10 @@ public:
     /** Starts the file anew. Throws Failure (bad input) when it cannot be written. */
     explicit Trace(const QString &path);
 
-    /** Writes what was thrown away, the request and the reply. */
+    /**
+     * Writes what was thrown away, the request, the replies that were refused and the reply, with
+     * what was wrong with it. To be called as soon as the exchange has ended.
+     */
     void write(const Exchange &exchange);
 
 private:

@@ -104,6 +104,8 @@ Verdict judge(Request *request)
 
 }  // namespace
 
+constexpr char Controller::Commands[];
+
 const char *verdictName(Verdict verdict)
 {
     static const std::array<const char *, VerdictCount> names = {

@@ -1,8 +1,6 @@
 // The fault plan's text form and the dice.
 #include "plc/faults.h"
 
-#include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QStringList>
 #include <algorithm>
 
@@ -21,45 +19,98 @@ bool hasTime(Fault fault)
     return fault == Fault::Late || fault == Fault::Mute;
 }
 
-/** Reads one "name=share%[:time]" into the plan; returns what is wrong, or an empty text. */
+/** Reads "12.5%" in millionths, up to four decimals; -1 when it is none. */
+int readShare(const QString &text)
+{
+    const QString number = text.left(text.size() - 1);
+    const int point = int(number.indexOf(QLatin1Char('.')));
+    const int decimals = point < 0 ? 0 : int(number.size()) - point - 1;
+    bool ok = false;
+    const double share = number.toDouble(&ok);
+    const bool plain = !number.isEmpty() && number.at(0).isDigit() &&
+                       number.at(number.size() - 1).isDigit() && !number.contains(QLatin1Char('e'));
+    if (!text.endsWith(QLatin1Char('%')) || !ok || !plain || decimals > 4 || share > 999)
+        return -1;
+    return qRound(share * Million / 100);
+}
+
+/** Reads "300ms" or "2s" in milliseconds; -1 when it is neither, or not from 1 ms to 1 h. */
+int readTime(const QString &text)
+{
+    const bool inMs = text.endsWith(QLatin1String("ms"));
+    bool ok = false;
+    const int number = text.left(text.size() - (inMs ? 2 : 1)).toInt(&ok);
+    if (!ok || !text.endsWith(QLatin1Char('s')) || number < 1 || number > LongestMs)
+        return -1;
+    const qint64 ms = number * qint64(inMs ? 1 : 1000);
+    return ms > LongestMs ? -1 : int(ms);
+}
+
+/** Reads one "name=share%[:time[..time]]" into the plan; returns what is wrong, or nothing. */
 QString parseShare(const QString &text, FaultPlan *plan)
 {
-    static const QRegularExpression form(
-        QStringLiteral(R"(^([a-z]+)=(\d{1,3}(?:\.\d{1,4})?)%(?::(\d{1,7})(ms|s))?$)"));
-    const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch())
-        return QStringLiteral("\"%1\" is not a fault, expected one like loss=2% or late=1%:300ms")
+    const QString faultText = text.section(QLatin1Char('='), 0, 0);
+    const QString shareText = text.section(QLatin1Char('='), 1).section(QLatin1Char(':'), 0, 0);
+    const QString timeText = text.section(QLatin1Char(':'), 1);
+    const int ofMillion = readShare(shareText);
+    if (ofMillion < 0)
+        return QString::fromLatin1(
+                   "\"%1\" is not a fault, expected one like loss=2% or late=1%:300ms")
             .arg(text);
 
-    const auto name = std::find(names.begin(), names.end(), match.captured(1));
+    const auto name = std::find(names.begin(), names.end(), faultText);
     if (name == names.end()) {
         QStringList known;
         for (const char *each : names)
             known.append(QLatin1String(each));
-        return QStringLiteral("unknown fault \"%1\", expected one of %2")
-            .arg(match.captured(1), known.join(QLatin1Char(' ')));
+        return QString::fromLatin1("unknown fault \"%1\", expected one of %2")
+            .arg(faultText, known.join(QLatin1String(" ")));
     }
 
     const Fault fault = Fault(name - names.begin());
     FaultPlan::Share &share = plan->shares[size_t(fault)];
     if (share.ofMillion != 0)
-        return QStringLiteral("\"%1\" is named twice").arg(match.captured(1));
-    share.ofMillion = qRound(match.captured(2).toDouble() * Million / 100);
-    if (hasTime(fault) != !match.captured(3).isEmpty()) {
+        return QString::fromLatin1("\"%1\" is named twice").arg(faultText);
+    share.ofMillion = ofMillion;
+    if (hasTime(fault) == timeText.isEmpty()) {
         return hasTime(fault)
-                   ? QStringLiteral("\"%1\" lacks its time, expected one like %2=1%:300ms")
+                   ? QString::fromLatin1("\"%1\" lacks its time, expected one like %2=1%:300ms")
                          .arg(text, QLatin1String(*name))
-                   : QStringLiteral("\"%1\" has a time, expected none: %2=1%")
+                   : QString::fromLatin1("\"%1\" has a time, expected none: %2=1%")
                          .arg(text, QLatin1String(*name));
     }
-    const qint64 ms =
-        match.captured(3).toLongLong() * (match.captured(4) == QLatin1String("s") ? 1000 : 1);
-    if (hasTime(fault) && (ms < 1 || ms > LongestMs))
-        return QStringLiteral("\"%1\" lasts too long or not at all, expected 1ms to 3600s")
+    if (!hasTime(fault))
+        return QString();
+    share.ms = readTime(timeText.section(QLatin1String(".."), 0, 0));
+    share.longestMs = readTime(timeText.section(QLatin1String(".."), -1));
+    if (share.ms < 0 || share.longestMs < share.ms)
+        return QString::fromLatin1(
+                   "\"%1\": expected a time from 1ms to 3600s, or two such as 300ms..2s")
             .arg(text);
-    share.ms = int(ms);
     return QString();
 }
+
+/** Numbers for one reply; the same for the same seed and number on every machine. */
+class Dice
+{
+public:
+    Dice(quint32 seed, quint32 number) : state_(quint64(seed) << 32 | number) {}
+
+    /** From 0 to `sides` - 1. */
+    int roll(int sides)
+    {
+        // SplitMix64: neighbouring numbers give independent sequences.
+        state_ += 0x9E3779B97F4A7C15ULL;
+        quint64 mixed = state_;
+        mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
+        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
+        mixed ^= mixed >> 31;
+        return int((mixed >> 32) * quint64(sides) >> 32);
+    }
+
+private:
+    quint64 state_;
+};
 
 }  // namespace
 
@@ -71,7 +122,8 @@ const char *faultName(Fault fault)
 QString FaultPlan::parse(const QString &list, FaultPlan *plan)
 {
     *plan = FaultPlan();
-    for (const QString &text : list.split(QLatin1Char(','))) {
+    const QStringList texts = list.split(QLatin1Char(','));
+    for (const QString &text : texts) {
         const QString fault = parseShare(text.trimmed(), plan);
         if (!fault.isEmpty())
             return fault;
@@ -80,18 +132,17 @@ QString FaultPlan::parse(const QString &list, FaultPlan *plan)
     for (const Share &share : plan->shares)
         sum += share.ofMillion;
     if (sum > Million)
-        return QStringLiteral("the shares of \"%1\" add up to more than 100%").arg(list);
+        return QString::fromLatin1("the shares of \"%1\" add up to more than 100%").arg(list);
     return QString();
 }
 
 QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
 {
     // Dice of its own for each reply, so that none depends on what befell those before it.
-    const quint32 seeds[] = {seed_, replies_++};
-    QRandomGenerator dice(seeds);
+    Dice dice(seed_, replies_++);
 
     int fault = 0;
-    int roll = dice.bounded(Million);
+    int roll = dice.roll(Million);
     while (fault < FaultCount && roll >= plan_.shares[size_t(fault)].ofMillion)
         roll -= plan_.shares[size_t(fault++)].ofMillion;
 
@@ -102,29 +153,31 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
         return {{0, reply}};
 
     ++counts_[size_t(fault)];
+    const FaultPlan::Share &share = plan_.shares[size_t(fault)];
+    const int lastsMs = share.ms + dice.roll(share.longestMs - share.ms + 1);
     const int size = int(reply.size());
     QByteArray bytes = reply;
     switch (Fault(fault)) {
         case Fault::Loss:
             return {};
         case Fault::Cut:
-            return {{0, reply.left(size > 1 ? dice.bounded(1, size) : 0)}};
+            return {{0, reply.left(size > 1 ? 1 + dice.roll(size - 1) : 0)}};
         case Fault::Flip: {
-            const int at = dice.bounded(size);
-            bytes[at] = char(bytes[at] ^ 1 << dice.bounded(8));
+            const int at = dice.roll(size);
+            bytes[at] = char(bytes[at] ^ 1 << dice.roll(8));
             return {{0, bytes}};
         }
         case Fault::Late:
-            return {{plan_.shares[size_t(fault)].ms, reply}};
+            return {{lastsMs, reply}};
         case Fault::Double:
             return {{0, reply}, {0, reply}};
         case Fault::Noise:
-            for (int count = dice.bounded(1, 9); count > 0; --count)
-                bytes.prepend(char(dice.bounded(256)));
+            for (int count = 1 + dice.roll(8); count > 0; --count)
+                bytes.prepend(char(dice.roll(256)));
             return {{0, bytes}};
         case Fault::Mute:
             if (!muted)
-                mutedUntilMs_ = nowMs + plan_.shares[size_t(fault)].ms;
+                mutedUntilMs_ = nowMs + lastsMs;
             return {};
     }
     return {};

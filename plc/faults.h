@@ -29,14 +29,16 @@ struct FaultPlan
     struct Share
     {
         int ofMillion = 0;  ///< replies that meet the fault
-        int ms = 0;         ///< delay of Late, silence of Mute
+        int ms = 0;         ///< delay of Late, silence of Mute: at least
+        int longestMs = 0;  ///< and at most; each length is as likely
     };
     std::array<Share, FaultCount> shares{};
 
     /**
      * Reads a list such as "loss=2%,late=0.5%:300ms,mute=0.1%:2s" into `*plan`. Shares have up to
-     * four decimals and add up to 100 % at most; late and mute need a time of 1 ms to 1 h. Returns
-     * an empty text, or what is wrong; the plan is then of no use.
+     * four decimals and add up to 100 % at most; late and mute need a time of 1 ms to 1 h, or two
+     * with ".." between: any time from the first to the second. Returns an empty text, or what is
+     * wrong; the plan is then of no use.
      */
     static QString parse(const QString &list, FaultPlan *plan);
 };

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "plc/image.h"
+#include "plc/line.h"
 #include "plc/motion.h"
 #include "plc/options.h"
 #include "plc/pseudo_terminal.h"

@@ -29,7 +29,8 @@ const char notes[] =
     "loss=2%,cut=1%,flip=1%,late=1%:300ms,double=1%,noise=1%,mute=0.1%:2s\n"
     "  loss    the reply is not sent          double  the reply is sent twice\n"
     "  cut     only its first part is sent    noise   1 to 8 random bytes go before it\n"
-    "  flip    one of its bits is turned      late    it is sent later by a time (ms or s)\n"
+    "  flip    one of its bits is turned      late    it is sent later by a time (ms or s, or "
+    "2s..5s)\n"
     "  mute    no reply is sent for a time, beginning with this one\n"
     "Shares are percentages of all replies, with up to four decimals, 100% together at most. What "
     "a\n"
@@ -73,7 +74,10 @@ struct Known
         "save", "With --image: store the memory in FILE at the end; FILE need not exist before.");
     const QCommandLineOption still = option("still", "Nothing moves by itself.");
     const QCommandLineOption baud = option(
-        "baud", "Pace the bytes both ways like a line of N bits per second, 10 bits a byte.", "N");
+        "baud",
+        "Pace the bytes both ways like a line of N bits per second, 10 bits a byte; 0 for no "
+        "pace (default: 115200).",
+        "N");
     const QCommandLineOption turnaround =
         option("turnaround", "Wait MS milliseconds between request and reply.", "MS");
     const QCommandLineOption faults = option("faults", "Disturb replies, see below.", "LIST");
@@ -140,7 +144,7 @@ QString read(const QCommandLineParser &parser, const Known &known, Options *opti
     if (wrong.isEmpty())
         wrong = readNumber(parser, known.tcp, 0, 65535, &options->tcpPort);
     if (wrong.isEmpty())
-        wrong = readNumber(parser, known.baud, 300, 4000000, &options->line.baud);
+        wrong = readNumber(parser, known.baud, 0, 4000000, &options->line.baud);
     if (wrong.isEmpty())
         wrong = readNumber(parser, known.turnaround, 0, 60000, &options->line.turnaroundMs);
     if (wrong.isEmpty())

@@ -7,9 +7,11 @@
 #include <optional>
 
 #include "plc/faults.h"
-#include "plc/line.h"
+#include "plc/pacing.h"
 
 namespace plc {
+
+constexpr int DefaultBaud = 115200;
 
 struct Options
 {
@@ -21,7 +23,7 @@ struct Options
     bool save = false;
     bool still = false;
     bool verbose = false;
-    LineSettings line;
+    LineSettings line{DefaultBaud, 0};
     FaultPlan faults;
     quint32 seed = 1;
 };

@@ -11,12 +11,12 @@ const std::array<const char *, 4> commandNames = {"read", "write", "set", "clear
 QString pair(const char *name, qint64 number, qint64 *total)
 {
     *total += number;
-    return QStringLiteral(" %1=%2").arg(QLatin1String(name), QString::number(number));
+    return QString::fromLatin1(" %1=%2").arg(QLatin1String(name), QString::number(number));
 }
 
 QString line(const char *title, qint64 total, const QString &pairs)
 {
-    return QStringLiteral("%1: total=%2%3\n")
+    return QString::fromLatin1("%1: total=%2%3\n")
         .arg(QLatin1String(title), QString::number(total), pairs);
 }
 
@@ -38,28 +38,31 @@ QString countsText(const Controller::Counts &counts, const Faults &faults)
         faulty += pair(faultName(Fault(i)), faults.count(Fault(i)), &faultyTotal);
     return line("served", servedTotal, served) + line("refused", refusedTotal, refused) +
            line("faults", faultyTotal, faulty) +
-           QStringLiteral("stray bytes: %1\n").arg(counts.strayBytes);
+           QString::fromLatin1("stray bytes: %1\n").arg(counts.strayBytes);
 }
 
 QString requestText(const Request &request, Verdict verdict)
 {
     if (verdict != Verdict::Served) {
-        return QStringLiteral("refused (%1): %2")
-            .arg(QLatin1String(verdictName(verdict)),
-                 QString::fromLatin1(request.frame.toHex(' ').toUpper()));
+        QByteArray hex;
+        for (int i = 0; i < int(request.frame.size()); ++i)
+            hex += (i > 0 ? " " : "") + request.frame.mid(i, 1).toHex();
+        return QString::fromLatin1("refused (%1): %2")
+            .arg(QLatin1String(verdictName(verdict)), QString::fromLatin1(hex.toUpper()));
     }
     const auto command = QByteArray(Controller::Commands).indexOf(request.command);
     const QString text =
-        QStringLiteral("%1 %2 %3")
+        QString::fromLatin1("%1 %2 %3")
             .arg(QLatin1String(commandNames[size_t(command)]),
                  QString::fromLatin1(Memory::name(request.device)), QString::number(request.word));
     if (request.command == 'r')
-        return text + QStringLiteral(" x %1").arg(request.words);
+        return text + QString::fromLatin1(" x %1").arg(request.words);
     if (request.command != 'w')
-        return text + QString::asprintf(" mask %04X", unsigned(request.mask));
+        return text + QString::fromLatin1(" mask %1")
+                          .arg(QString::number(request.mask, 16).toUpper(), 4, QLatin1Char('0'));
     QString values;
-    for (quint16 value : request.values)
-        values += QStringLiteral(" %1").arg(value);
+    for (const quint16 value : request.values)
+        values += QString::fromLatin1(" %1").arg(value);
     return text + QLatin1String(" =") + values;
 }
 

@@ -3,8 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/demo/tour.h"
 #include "host/failure.h"
-#include "host/neighbours.h"
-#include "host/serial_line.h"
+#include "host/line/serial_settings.h"
 
 namespace host {
 
@@ -19,13 +18,10 @@ int runTour(const QString &driverPath, QTextStream &out)
 {
     const Driver driver = loadDriver(driverPath);
     const Identity identity = identify(driver);
-    const SerialSettings settings = SerialSettings::parse(identity.serialLine);
-    ControllerProcess controller(findController(),
-                                 {QStringLiteral("--baud"), QString::number(settings.baudRate)});
-    SerialLine line(controller.device(), settings);
-    if (!line.open())
-        throw Failure(
-            QStringLiteral("cannot open %1: %2").arg(controller.device(), line.errorText()));
+    VirtualSettings settings;
+    settings.line.baud = SerialSettings::parse(identity.serialLine).baudRate;
+    VirtualLine line(settings);
+    line.open();
 
     Report report(out);
     report.line(
@@ -36,10 +32,10 @@ int runTour(const QString &driverPath, QTextStream &out)
                        "\"ok\" is a result that was checked."));
     report.line();
     report.item(QStringLiteral("library"), driverPath);
-    report.item(
-        QStringLiteral("device"),
-        QStringLiteral("%1, at the pace of %2").arg(controller.device(), identity.serialLine));
-    Tour tour(driver, identity, line, controller, report);
+    report.item(QStringLiteral("device"),
+                QStringLiteral("a simulated controller, in simulated time, at the pace of %1")
+                    .arg(identity.serialLine));
+    Tour tour(driver, identity, line, report);
     for (const auto step : Steps)
         step(tour);
 

@@ -3,8 +3,8 @@
 #include "host/commands/commands.h"
 #include "host/controller_process.h"
 #include "host/failure.h"
+#include "host/line/serial_line.h"
 #include "host/neighbours.h"
-#include "host/serial_line.h"
 #include "host/soak/report.h"
 
 #include <QtCore/QFileInfo>
@@ -82,10 +82,12 @@ int judge(const SoakSetup &setup, int requests, bool asJson)
     const MemoryImage start = Soak::startImage(setup.seed);
     saveImage(image, start);
     ControllerProcess controller(
-        setup.controller, {QStringLiteral("--still"), QStringLiteral("--image"), image,
-                           QStringLiteral("--save"), QStringLiteral("--faults"), setup.faults,
-                           QStringLiteral("--seed"), QString::number(setup.seed)});
-    SerialLine line(controller.device(), SerialSettings::parse(QLatin1String(LineSettingsText)));
+        setup.controller,
+        {QStringLiteral("--baud"), QStringLiteral("0"), QStringLiteral("--still"),
+         QStringLiteral("--image"), image, QStringLiteral("--save"), QStringLiteral("--faults"),
+         setup.faults, QStringLiteral("--seed"), QString::number(setup.seed)});
+    SerialLine line(controller.device(),
+                    {SerialSettings::parse(QLatin1String(LineSettingsText)), true});
     if (!line.open())
         throw Failure(
             QStringLiteral("cannot open %1: %2").arg(controller.device(), line.errorText()));

@@ -24,12 +24,11 @@ bool samePoint(const Change &left, const Change &right)
 
 }  // namespace
 
-Tour::Tour(const Driver &loadedDriver, const Identity &driverIdentity, Line &openLine,
-           ControllerProcess &controllerProcess, Report &tourReport)
+Tour::Tour(const Driver &loadedDriver, const Identity &driverIdentity, VirtualLine &openLine,
+           Report &tourReport)
     : driver(loadedDriver),
       identity(driverIdentity),
       line(openLine),
-      controller(controllerProcess),
       report(tourReport),
       session(loadedDriver, SessionSettings()),
       loop(loadedDriver, openLine, TourLoop)

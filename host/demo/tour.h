@@ -3,8 +3,8 @@
 #ifndef TOLVANE_HOST_DEMO_TOUR_H
 #define TOLVANE_HOST_DEMO_TOUR_H
 
-#include "host/controller_process.h"
 #include "host/demo/report.h"
+#include "host/line/virtual_line.h"
 #include "host/session.h"
 
 namespace host {
@@ -21,8 +21,8 @@ struct Change
 class Tour
 {
 public:
-    Tour(const Driver &loadedDriver, const Identity &driverIdentity, Line &openLine,
-         ControllerProcess &controllerProcess, Report &tourReport);
+    Tour(const Driver &loadedDriver, const Identity &driverIdentity, VirtualLine &openLine,
+         Report &tourReport);
 
     /** Opens a step: forgets what was seen. The first so many exchanges of it are printed. */
     void begin(const QString &title, const QString &intent, int exchangesShown);
@@ -59,13 +59,12 @@ public:
 
     const Driver &driver;
     const Identity &identity;
-    Line &line;
-    ControllerProcess &controller;
+    VirtualLine &line;
     Report &report;
     Session session;
     Loop loop;
 
-    QVector<Exchange> exchanges;
+    QList<Exchange> exchanges;
     QVector<Change> changes;
     QVector<bool> conditionReadEnds;
     QVector<int> recipeUnits;

@@ -2,7 +2,7 @@
 #ifndef TOLVANE_HOST_PLAN_CYCLE_H
 #define TOLVANE_HOST_PLAN_CYCLE_H
 
-#include "host/serial_line.h"
+#include "host/line/serial_settings.h"
 #include "host/session.h"
 #include "host/tags.h"
 

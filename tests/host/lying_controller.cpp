@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "plc/image.h"
+#include "plc/line.h"
 #include "plc/options.h"
 #include "plc/pseudo_terminal.h"
 #include "plc/signals.h"

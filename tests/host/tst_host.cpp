@@ -1,16 +1,12 @@
-// The bench host: frames in plain words, line settings, the loop's guards, and the command line.
+// The bench host: frames in plain words, line settings, and the command line.
 #include "host/failure.h"
 #include "host/frame_text.h"
-#include "host/loop.h"
-#include "host/serial_line.h"
+#include "host/line/serial_settings.h"
 
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>
 
-#include <algorithm>
-
 using namespace host;
-using std::chrono::milliseconds;
 
 namespace {
 
@@ -21,69 +17,6 @@ QByteArray hex(const char *text)
 
 const QByteArray ReadD100x2 = hex("02 72 61 43383030 3030 3034 3732 03");
 const QByteArray ReplyA = hex("06 72 33343132 43444142 3436 04");  // 0x1234, 0xABCD
-const QByteArray ReplyB = hex("06 72 30303030 30303030 4632 04");  // 0, 0
-
-/** A driver that always has the same request, and takes every reply that ends in EOT. */
-QList<QByteArray> handedOver;
-
-int offerRequest(FRAME_PRO *frame)
-{
-    std::copy(ReadD100x2.cbegin(), ReadD100x2.cend(), frame->frame);
-    frame->sendLen = int(ReadD100x2.size());
-    frame->replyLen = int(ReplyA.size());
-    frame->readCount = 2;
-    return 1;
-}
-
-int judgeReply(QByteArray reply, QString *)
-{
-    handedOver.append(reply);
-    return reply.endsWith('\x04') ? 1 : 8;
-}
-
-/** A driver that always asks for the same and notes what it is given. */
-Driver scriptedDriver()
-{
-    Driver driver;
-    driver.getSendFrame = offerRequest;
-    driver.dealRcvFrame = judgeReply;
-    handedOver.clear();
-    return driver;
-}
-
-/** A line on which each wait brings the next of a list of arrivals, and every call is noted. */
-class ScriptedLine : public Line
-{
-public:
-    QByteArray waiting;          // has arrived already
-    QByteArray whileSending;     // arrives before the first request has left
-    QList<QByteArray> arrivals;  // one for each wait; after them silence
-    bool babbles = false;        // never silent
-    int sendsUntilLost = 1000000;
-    QStringList calls;
-
-    bool open() override { return true; }
-    bool isOpen() const override { return sendsUntilLost > 0; }
-    QString errorText() const override { return {}; }
-    QByteArray discard() override { return std::exchange(waiting, QByteArray()); }
-    std::chrono::microseconds wireTime(int) const override { return milliseconds(5); }
-
-    bool send(const QByteArray &) override
-    {
-        calls += QStringLiteral("send");
-        waiting += std::exchange(whileSending, QByteArray());
-        return --sendsUntilLost > 0;
-    }
-
-    QByteArray collect(int bytes, milliseconds) override
-    {
-        calls += bytes == 1 ? QStringLiteral("quiet?") : QStringLiteral("reply?");
-        waiting += arrivals.isEmpty() ? QByteArray(babbles ? "x" : "") : arrivals.takeFirst();
-        const QByteArray taken = waiting.left(bytes);
-        waiting.remove(0, taken.size());
-        return taken;
-    }
-};
 
 }  // namespace
 
@@ -99,11 +32,6 @@ private slots:
     void longFramesAreShortened();
     void serialSettings_data();
     void serialSettings();
-    void guards_data();
-    void guards();
-    void replyBeforeTheRequestHasLeftCountsAsNone();
-    void babblingLineDoesNotStopTheLoop();
-    void lostLineKeepsTheRequest();
     void badInput_data();
     void badInput();
 };
@@ -216,6 +144,8 @@ void TestHost::serialSettings_data()
     QTest::newRow("no baud rate") << "fast,8,NONE,1" << 0;
     QTest::newRow("standing still") << "0,8,NONE,1" << 0;
     QTest::newRow("nine bits") << "9600,9,NONE,1" << 0;
+    QTest::newRow("as others write it") << "9600,8N1" << 10;
+    QTest::newRow("parity as a letter") << "9600,8,E,1" << 11;
     QTest::newRow("parity") << "9600,8,none,1" << 0;
     QTest::newRow("stop bits") << "9600,8,NONE,3" << 0;
     QTest::newRow("too few") << "9600,8,NONE" << 0;
@@ -232,100 +162,6 @@ void TestHost::serialSettings()
         QCOMPARE(failure.status(), BadInput);
     }
     QTEST(bits, "bitsPerByte");
-}
-
-void TestHost::guards_data()
-{
-    QTest::addColumn<QByteArray>("waiting");          // before the first exchange
-    QTest::addColumn<QList<QByteArray>>("arrivals");  // one for each wait
-    QTest::addColumn<QStringList>("calls");           // of two exchanges
-    QTest::addColumn<QList<QByteArray>>("handedToDriver");
-
-    const QByteArray none;
-    const QByteArray flipped = ReplyA.left(12) + 'x';
-    const QStringList inTurn = {"send", "reply?", "send", "reply?"};
-    const QStringList quietBetween = {"send", "reply?", "quiet?", "send", "reply?"};
-    QTest::newRow("good replies cost no wait")
-        << none << QList<QByteArray>{ReplyA, ReplyB} << inTurn << QList<QByteArray>{ReplyA, ReplyB};
-    QTest::newRow("what lay on the line before is not taken for the reply")
-        << ReplyB << QList<QByteArray>{none, ReplyA, ReplyB} << (QStringList{"quiet?"} + inTurn)
-        << QList<QByteArray>{ReplyA, ReplyB};
-    QTest::newRow("a late reply is not taken for the next one's")
-        << none << QList<QByteArray>{none, ReplyB, none, ReplyA}
-        << QStringList{"send", "reply?", "quiet?", "quiet?", "send", "reply?"}
-        << QList<QByteArray>{none, ReplyA};
-    QTest::newRow("the rest of a doubled reply is thrown away")
-        << none << QList<QByteArray>{ReplyA + ReplyA, none, ReplyB} << quietBetween
-        << QList<QByteArray>{ReplyA, ReplyB};
-    QTest::newRow("a cut reply counts as none, and its rest is waited out")
-        << none << QList<QByteArray>{ReplyA.left(5), ReplyA.mid(5), none, ReplyB}
-        << QStringList{"send", "reply?", "quiet?", "quiet?", "send", "reply?"}
-        << QList<QByteArray>{none, ReplyB};
-    QTest::newRow("a well-formed reply that is too short counts as none")
-        << none << QList<QByteArray>{hex("06 6F 3646 04"), none, ReplyA} << quietBetween
-        << QList<QByteArray>{none, ReplyA};
-    QTest::newRow("a bad reply may be part of something longer")
-        << none << QList<QByteArray>{flipped, none, ReplyA} << quietBetween
-        << QList<QByteArray>{flipped, ReplyA};
-}
-
-void TestHost::guards()
-{
-    QFETCH(QByteArray, waiting);
-    QFETCH(QList<QByteArray>, arrivals);
-    const Driver driver = scriptedDriver();
-    ScriptedLine line;
-    line.waiting = waiting;
-    line.arrivals = arrivals;
-
-    Loop loop(driver, line, LoopSettings());
-    loop.exchange();
-    loop.exchange();
-    QTEST(line.calls, "calls");
-    QTEST(handedOver, "handedToDriver");
-    QCOMPARE(loop.counters().exchanges + loop.counters().retries, 2);
-    QCOMPARE(loop.counters().wordsRead, 2 * loop.counters().exchanges);
-    QCOMPARE(loop.counters().bytesSent, 2 * ReadD100x2.size());
-}
-
-void TestHost::replyBeforeTheRequestHasLeftCountsAsNone()
-{
-    const Driver driver = scriptedDriver();
-    ScriptedLine line;
-    line.whileSending = ReplyB;
-    line.arrivals = {QByteArray(), ReplyA};
-    LoopSettings settings;
-    settings.paced = true;
-    Loop loop(driver, line, settings);
-    QCOMPARE(loop.exchange(), Outcome::Again);
-    QCOMPARE(loop.exchange(), Outcome::Good);
-    QCOMPARE(handedOver, (QList<QByteArray>{QByteArray(), ReplyA}));
-}
-
-void TestHost::babblingLineDoesNotStopTheLoop()
-{
-    const Driver driver = scriptedDriver();
-    ScriptedLine line;
-    line.waiting = "x";
-    line.babbles = true;
-    Loop loop(driver, line, LoopSettings{milliseconds(1), milliseconds(0)});
-    QCOMPARE(loop.exchange(), Outcome::Again);
-    QCOMPARE(line.calls.count("send"), 1);
-}
-
-void TestHost::lostLineKeepsTheRequest()
-{
-    const Driver driver = scriptedDriver();
-    ScriptedLine line;
-    line.sendsUntilLost = 1;
-    Loop loop(driver, line, LoopSettings());
-    QCOMPARE(loop.exchange(), Outcome::LineLost);
-    QCOMPARE(loop.exchange(), Outcome::LineLost);
-    QVERIFY(handedOver.isEmpty());
-
-    line.sendsUntilLost = 2;  // back again
-    line.arrivals = {QByteArray(), ReplyA};
-    QCOMPARE(loop.exchange(), Outcome::Good);
 }
 
 void TestHost::badInput_data()

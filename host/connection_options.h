@@ -1,0 +1,38 @@
+// The options that say how to reach a controller, and what they amount to.
+#ifndef TOLVANE_HOST_CONNECTION_OPTIONS_H
+#define TOLVANE_HOST_CONNECTION_OPTIONS_H
+
+#include "host/identity.h"
+#include "host/line/device_line.h"
+#include "host/loop.h"
+#include "host/session.h"
+
+#include <QtCore/QCommandLineParser>
+
+namespace host {
+
+/** Reads a whole number from an option. Throws Failure (bad input) outside the range. */
+int numberOption(const QCommandLineParser &parser, const QString &name, int lowest, int highest);
+
+/** Adds --port, --tcp, --simulate and the others that ConnectionOptions reads. */
+void addConnectionOptions(QCommandLineParser &parser);
+
+struct ConnectionOptions
+{
+    QString device;  ///< one of these two, or neither: simulated
+    QString server;
+    bool simulationAsked = false;  ///< --simulate was given
+    LinePace pace;
+    int simulatedBaud = 0;  ///< of a simulated controller; 0: answers at once
+    int stationNo = 1;
+    SessionSettings session;
+    LoopSettings loop;
+    QString trace;  ///< file to write, or empty
+
+    /** Throws Failure (bad input) that names the option and what was expected. */
+    ConnectionOptions(const QCommandLineParser &parser, const Identity &identity);
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,80 @@
+// Blocking transfers that notice a lost device.
+#include "host/line/device_line.h"
+
+#include <QtCore/QDeadlineTimer>
+
+#include <algorithm>
+#include <thread>
+
+namespace host {
+
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds SendPatience(1000);  // beyond the time that the bytes take on the wire
+
+}  // namespace
+
+bool DeviceLine::open()
+{
+    closeDevice();
+    m_errorText.clear();
+    if (openDevice())
+        return true;
+    m_errorText = deviceError();
+    closeDevice();
+    return false;
+}
+
+LineTime DeviceLine::now() const
+{
+    return std::chrono::steady_clock::now().time_since_epoch();
+}
+
+void DeviceLine::pause(LineTime duration)
+{
+    std::this_thread::sleep_for(duration);
+}
+
+bool DeviceLine::send(const QByteArray &bytes)
+{
+    if (!isOpen())
+        return false;
+    const QDeadlineTimer deadline(std::chrono::ceil<milliseconds>(wireTime(int(bytes.size()))) +
+                                  SendPatience);
+    bool taken = m_device.write(bytes) == bytes.size();
+    while (taken && m_device.bytesToWrite() > 0)
+        taken = m_device.waitForBytesWritten(int(deadline.remainingTime()));
+    if (!taken)
+        lose();
+    return taken;
+}
+
+QByteArray DeviceLine::receive(LineTime until)
+{
+    while (isOpen() && m_device.bytesAvailable() == 0) {
+        const auto left =
+            std::chrono::ceil<milliseconds>(std::max(LineTime(0), until - now())).count();
+        if (m_device.waitForReadyRead(int(left)))
+            continue;
+        if (!timedOut())
+            lose();
+        else if (now() >= until)
+            break;
+    }
+    return isOpen() ? m_device.readAll() : QByteArray();
+}
+
+LineTime DeviceLine::wireTime(int bytes) const
+{
+    return m_pace.none ? LineTime(0) : m_pace.settings.wireTime(bytes);
+}
+
+void DeviceLine::lose()
+{
+    m_errorText = deviceError();
+    closeDevice();
+}
+
+}  // namespace host

@@ -1,0 +1,28 @@
+// A serial port, or a pseudo-terminal, as the line to the controller.
+#ifndef TOLVANE_HOST_SERIAL_LINE_H
+#define TOLVANE_HOST_SERIAL_LINE_H
+
+#include "host/line/device_line.h"
+
+namespace host {
+
+class SerialLine : public DeviceLine
+{
+public:
+    /** device: a port name or the path of a device file. The line is not opened yet. */
+    SerialLine(const QString &device, const LinePace &pace);
+
+    bool isOpen() const override { return m_port.isOpen(); }
+
+private:
+    bool openDevice() override { return m_port.open(QIODevice::ReadWrite); }
+    void closeDevice() override { m_port.close(); }
+    bool timedOut() override;
+    QString deviceError() const override;
+
+    QSerialPort m_port;
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,137 @@
+// The words for what went wrong with a reply.
+#include "host/reply_fault.h"
+
+#include <QtCore/QStringList>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr char Ack = 0x06;  // opens a reply
+constexpr char Eot = 0x04;  // closes it
+constexpr int ShortestReply = 5;
+
+QString hexByte(int byte)
+{
+    return QString::number(byte, 16).toUpper().rightJustified(2, QLatin1Char('0'));
+}
+
+QString milliseconds(LineTime time)
+{
+    const double ms = double(time.count()) * 1e-6;
+    return QStringLiteral("%1 ms").arg(ms, 0, 'f', ms < 10 ? 1 : 0);
+}
+
+ReplyFault byteFault(ReplyFault::Reason reason, int got, int expected)
+{
+    ReplyFault fault;
+    fault.reason = reason;
+    fault.got = got & 0xFF;
+    fault.expected = expected;
+    return fault;
+}
+
+}  // namespace
+
+const char *ReplyFault::name(Reason reason)
+{
+    constexpr const char *names[ReasonCount] = {
+        "good",      "no-reply", "too-short", "too-long",  "wrong-checksum", "first-byte",
+        "last-byte", "not-asked", "echo",     "too-early", "line-lost"};
+    return names[reason];
+}
+
+QString ReplyFault::text() const
+{
+    switch (reason) {
+        case None:
+            return QString();
+        case NoReply:
+            return QStringLiteral("no reply within %1").arg(milliseconds(waited));
+        case TooShort:
+            return QStringLiteral("too short: %1 bytes instead of %2").arg(got).arg(expected);
+        case TooLong:
+            return QStringLiteral("too long: %1 bytes instead of %2").arg(got).arg(expected);
+        case Checksum:
+            return QStringLiteral("wrong checksum: %1 instead of %2")
+                .arg(hexByte(got), hexByte(expected));
+        case FirstByte:
+            return QStringLiteral("not a reply: first byte %1 instead of %2")
+                .arg(hexByte(got), hexByte(expected));
+        case LastByte:
+            return QStringLiteral("not a reply: last byte %1 instead of %2")
+                .arg(hexByte(got), hexByte(expected));
+        case NotAsked:
+            return QStringLiteral("not the reply to this request");
+        case Echo:
+            return QStringLiteral("the request's own echo");
+        case TooEarly:
+            return QStringLiteral("too early: after %1, when both frames take %2")
+                .arg(milliseconds(waited), milliseconds(expectedTime));
+        case LineLost:
+            return QStringLiteral("line lost: %1").arg(detail);
+    }
+    return QString();
+}
+
+QString ReplyFault::hint() const
+{
+    if (reason == Echo)
+        return QStringLiteral("see to the wiring: what is sent comes straight back");
+    if (reason == TooEarly)
+        return QStringLiteral("--pace none if nothing paces the line");
+    return QString();
+}
+
+QString faultsText(const QVector<ReplyFault> &tries)
+{
+    if (tries.isEmpty())
+        return QString();
+    const ReplyFault &last = tries.constLast();
+    const bool alike = std::all_of(tries.cbegin(), tries.cend(), [&](const ReplyFault &fault) {
+        return fault.reason == last.reason;
+    });
+    QString text;
+    if (tries.size() == 1) {
+        text = last.text();
+    } else if (alike && last.reason == ReplyFault::NoReply) {
+        text = QStringLiteral("no reply to %1 requests of %2 each")
+                   .arg(QString::number(tries.size()), milliseconds(last.waited));
+    } else if (alike) {
+        text = QStringLiteral("%1 requests: %2").arg(QString::number(tries.size()), last.text());
+    } else {
+        QStringList texts;
+        for (const ReplyFault &fault : tries)
+            texts.append(fault.text());
+        text = texts.join(QLatin1String("; then "));
+    }
+    return last.hint().isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, last.hint());
+}
+
+ReplyFault formFault(const QByteArray &reply)
+{
+    const int size = int(reply.size());
+    if (size > 0 && reply.at(0) != Ack)
+        return byteFault(ReplyFault::FirstByte, reply.at(0), Ack);
+    if (size > 0 && reply.at(size - 1) != Eot)
+        return byteFault(ReplyFault::LastByte, reply.at(size - 1), Eot);
+    if (size < ShortestReply) {
+        ReplyFault fault;
+        fault.reason = ReplyFault::TooShort;
+        fault.got = size;
+        fault.expected = ShortestReply;
+        return fault;
+    }
+    int sum = 0;
+    for (const char byte : reply.mid(1, size - 4))
+        sum += static_cast<unsigned char>(byte);
+    bool isHex = false;
+    const int carried = reply.mid(size - 3, 2).toInt(&isHex, 16);
+    return isHex && carried == (sum & 0xFF)
+               ? ReplyFault()
+               : byteFault(ReplyFault::Checksum, carried, sum & 0xFF);
+}
+
+}  // namespace host
