@@ -61,6 +61,7 @@ Loop::Loop(const Driver &driver, Line &line, const LoopSettings &settings)
 {
     if (m_settings.quietTime == milliseconds(0))
         m_settings.quietTime = m_settings.replyTimeout;
+    m_latest = m_settings.replyTimeout + m_settings.quietTime;
 }
 
 Outcome Loop::exchange()
@@ -134,11 +135,13 @@ QByteArray Loop::settleLine(bool sameRequest)
     QByteArray stale;
     for (;;) {
         const QByteArray bytes = m_line.receive(until);
-        if (bytes.isEmpty() || m_line.now() >= deadline)
-            return stale + bytes;
         stale += bytes;
+        if (bytes.isEmpty() || m_line.now() >= deadline)
+            return stale;
         if (!onlyWholeReplies(stale))
             until = std::max<LineTime>(until, m_line.now() + m_settings.quietTime);
+        else if (m_owed)
+            noteLateness();
     }
 }
 
@@ -151,9 +154,10 @@ bool Loop::send(const QByteArray &request, bool sameRequest)
     m_owed = m_owed && sameRequest;
     m_lastRequest = request;
     const bool sent = m_line.send(request);
-    m_owedUntil = m_line.now() +
-                  m_line.wireTime(m_exchange.frame.sendLen + m_exchange.frame.replyLen) +
-                  m_settings.replyTimeout + m_settings.quietTime;
+    const LineTime arriving =
+        m_line.now() + m_line.wireTime(m_exchange.frame.sendLen + m_exchange.frame.replyLen);
+    m_replyUntil = arriving + m_settings.replyTimeout;
+    m_owedUntil = arriving + m_latest;
     return sent;
 }
 
@@ -161,11 +165,10 @@ bool Loop::send(const QByteArray &request, bool sameRequest)
 void Loop::collectReply()
 {
     const int replyLen = m_exchange.frame.replyLen;
-    const LineTime until = m_owedUntil - m_settings.quietTime;
-    const LineTime deadline = until + QuietTimesAtMost * m_settings.quietTime;
+    const LineTime deadline = m_replyUntil + QuietTimesAtMost * m_settings.quietTime;
     QByteArray &reply = m_exchange.reply;
     do {
-        const QByteArray bytes = m_line.receive(until);
+        const QByteArray bytes = m_line.receive(m_replyUntil);
         if (bytes.isEmpty())
             return;
         reply += bytes;
@@ -265,14 +268,24 @@ void Loop::remember()
     const bool answered =
         !m_exchange.reply.isEmpty() && m_exchange.fault.reason != ReplyFault::Echo;
     m_restless = failed && !m_exchange.reply.isEmpty();
-    if (failed && !answered) {
+    if (failed && !answered)
         m_owed = true;
-    } else if (m_owed) {
-        // It may be the answer to the first try; then the last one's is just as late.
-        m_owedUntil = std::max(m_owedUntil, m_exchange.end + m_exchange.begin - m_firstTry);
-    }
+    else if (m_owed && !m_exchange.tries.isEmpty())
+        noteLateness();
     if (failed)
         m_exchange.tries.append(m_exchange.fault);
+}
+
+// A reply has come behind a failed try. It may be as old as the first one; then the answer to the
+// last one may be as late.
+void Loop::noteLateness()
+{
+    const LineTime age =
+        std::min<LineTime>(m_line.now() - m_firstTry, QuietTimesAtMost * m_settings.quietTime);
+    if (age <= m_latest)
+        return;
+    m_owedUntil += age - m_latest;
+    m_latest = age;
 }
 
 void Loop::count()

@@ -114,6 +114,7 @@ private:
     ReplyFault examine() const;
     Outcome judge();
     void remember();
+    void noteLateness();
     void count();
 
     const Driver &m_driver;
@@ -124,10 +125,12 @@ private:
     ReplyFault m_early;  // of the reply that is being collected
 
     QByteArray m_lastRequest;
-    bool m_owed = false;     // the last request, however often it was sent, may still be answered
-    LineTime m_firstTry{0};  // when the request was handed over for the first of its tries
-    LineTime m_owedUntil{0};
-    bool m_restless = false;  // bytes that make no sense came; the rest of them may be on its way
+    bool m_owed = false;       // the last request, however often it was sent, may still be answered
+    LineTime m_firstTry{0};    // when the request was handed over for the first of its tries
+    LineTime m_replyUntil{0};  // how long to wait for its reply
+    LineTime m_owedUntil{0};   // and how long one may still come
+    LineTime m_latest{0};      // how late replies may be, as far as is known
+    bool m_restless = false;   // bytes that make no sense came; the rest of them may be on its way
 };
 
 }  // namespace host

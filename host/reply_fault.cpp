@@ -38,8 +38,8 @@ ReplyFault byteFault(ReplyFault::Reason reason, int got, int expected)
 const char *ReplyFault::name(Reason reason)
 {
     constexpr const char *names[ReasonCount] = {
-        "good",      "no-reply", "too-short", "too-long",  "wrong-checksum", "first-byte",
-        "last-byte", "not-asked", "echo",     "too-early", "line-lost"};
+        "good",      "no-reply",  "too-short", "too-long",  "wrong-checksum", "first-byte",
+        "last-byte", "not-asked", "echo",      "too-early", "line-lost"};
     return names[reason];
 }
 
@@ -129,9 +129,8 @@ ReplyFault formFault(const QByteArray &reply)
         sum += static_cast<unsigned char>(byte);
     bool isHex = false;
     const int carried = reply.mid(size - 3, 2).toInt(&isHex, 16);
-    return isHex && carried == (sum & 0xFF)
-               ? ReplyFault()
-               : byteFault(ReplyFault::Checksum, carried, sum & 0xFF);
+    return isHex && carried == (sum & 0xFF) ? ReplyFault()
+                                            : byteFault(ReplyFault::Checksum, carried, sum & 0xFF);
 }
 
 }  // namespace host

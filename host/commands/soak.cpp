@@ -1,15 +1,13 @@
-// tolvane-host soak: random traffic against a controller that misbehaves, and a verdict.
+// tolvane-host soak: random traffic on a line with faults, and a verdict.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/controller_process.h"
 #include "host/failure.h"
 #include "host/line/serial_line.h"
-#include "host/neighbours.h"
+#include "host/line/tcp_line.h"
+#include "host/line/virtual_line.h"
 #include "host/soak/report.h"
 
-#include <QtCore/QFileInfo>
-#include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
+#include "plc/report.h"
 
 #include <unistd.h>
 #include <cstdio>
@@ -21,18 +19,9 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Nothing but the controller's process takes time on an unpaced pseudo-terminal, so the waits can
-// be short; they are what the faults cost. Before each request the host listens for the second copy
-// of a doubled reply, which no pace of the line gives away here.
-constexpr milliseconds DefaultTimeout(7);
-constexpr milliseconds ListenFirst(1);
-// What timers and the scheduling of processes may add to the time of a late reply.
-constexpr milliseconds Lateness(5);
-// The line carries bytes at once; the wire time that this rate means does not lengthen the waits.
-const char LineSettingsText[] = "4000000,8,NONE,1";
-
 const char DefaultFaults[] =
-    "loss=2%,cut=1%,flip=2%,late=1%:9ms,double=2%,noise=1.8%,mute=0.2%:70ms";
+    "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s";
+constexpr int LostRequests = 10000;  // of a million
 
 qint64 wholeNumber(const CommandLine &commandLine, const char *option, qint64 lowest,
                    qint64 highest)
@@ -48,60 +37,103 @@ qint64 wholeNumber(const CommandLine &commandLine, const char *option, qint64 lo
     return number;
 }
 
-// The quiet time must be longer than the latest reply is late: what came after it would be taken
-// for the answer to the next request.
-LoopSettings waitsFor(const QString &faults, milliseconds timeout)
-{
-    static const QRegularExpression late(QStringLiteral("late=[^:,]*:([0-9]{1,7})(m?s)"));
-    const QRegularExpressionMatch match = late.match(faults);
-    const int unit = match.captured(2) == QLatin1String("s") ? 1000 : 1;
-    LoopSettings settings;
-    settings.replyTimeout = timeout;
-    settings.quietTime =
-        std::max(timeout, milliseconds(match.captured(1).toLongLong() * unit) + Lateness - timeout);
-    settings.listenFirst = ListenFirst;
-    return settings;
-}
-
 // On a terminal, a line that is written over.
-void showProgress(int sent, int requests)
+void showProgress(qint64 sent, qint64 requests)
 {
     if (::isatty(STDERR_FILENO))
-        std::fprintf(stderr, "\r%d of %d requests\x1b[K%s", sent, requests,
+        std::fprintf(stderr, "\r%lld of %lld requests\x1b[K%s", sent, requests,
                      sent >= requests ? "\r\x1b[K" : "");
 }
 
-int judge(const SoakSetup &setup, int requests, bool asJson)
+struct SoakRun
 {
-    const Driver driver = loadDriver(setup.driver);
-    const Identity identity = identify(driver);
-    const QTemporaryDir folder;
-    if (!folder.isValid())
-        throw Failure(QStringLiteral("no temporary folder: %1").arg(folder.errorString()));
-    const QString image = folder.filePath(QStringLiteral("memory.csv"));
-    const MemoryImage start = Soak::startImage(setup.seed);
-    saveImage(image, start);
-    ControllerProcess controller(
-        setup.controller,
-        {QStringLiteral("--baud"), QStringLiteral("0"), QStringLiteral("--still"),
-         QStringLiteral("--image"), image, QStringLiteral("--save"), QStringLiteral("--faults"),
-         setup.faults, QStringLiteral("--seed"), QString::number(setup.seed)});
-    SerialLine line(controller.device(),
-                    {SerialSettings::parse(QLatin1String(LineSettingsText)), true});
-    if (!line.open())
-        throw Failure(
-            QStringLiteral("cannot open %1: %2").arg(controller.device(), line.errorText()));
+    SoakSetup setup;
+    qint64 requests = 0;
+    SerialSettings serial;
+    plc::FaultPlan faults;  // of the simulated controller
+    QString device;         // one of these two, or neither: simulated
+    QString server;
+    bool asJson = false;
+};
 
-    Soak soak(driver, identity, line, setup.loop, start, setup.seed);
-    soak.run(requests, [requests](int sent) { showProgress(sent, requests); });
-    controller.heal();
-    soak.settle();
-    const QString report = controller.finish();
-    soak.judge(loadImage(image));
-
+int conclude(const SoakRun &run, const Soak &soak, const QString &controllerReport)
+{
     QTextStream out(stdout);
-    (asJson ? printSoakAsJson : printSoak)(out, setup, soak, report);
+    (run.asJson ? printSoakAsJson : printSoak)(out, run.setup, soak, controllerReport);
     return soak.findings().isEmpty() ? AllRight : SomethingFailed;
+}
+
+int soakSimulated(const SoakRun &run, const Driver &driver, const Identity &identity)
+{
+    VirtualSettings settings;
+    settings.line.baud = run.serial.baudRate;
+    settings.faults = run.faults;
+    settings.lostRequests = LostRequests;
+    settings.seed = run.setup.seed;
+    settings.moving = false;
+    VirtualLine line(settings);
+    const MemoryImage start = Soak::startImage(run.setup.seed);
+    storeImage(start, line.memory());
+    line.open();
+
+    Soak soak(driver, identity, line, run.setup.loop, start, run.setup.seed);
+    soak.run(run.requests, [&run](qint64 sent) { showProgress(sent, run.requests); });
+    line.heal();
+    soak.settle();
+    soak.judge(imageOf(line.memory()));
+    return conclude(run, soak, plc::countsText(line.controller().counts(), line.faults()));
+}
+
+int soakReal(const SoakRun &run, const Driver &driver, const Identity &identity, Line &line)
+{
+    if (!line.open())
+        throw Failure(QStringLiteral("cannot open %1: %2").arg(run.setup.line, line.errorText()));
+    const QVector<Point> places = Soak::places();
+    MemoryImage start;
+    {
+        Session session(driver, SessionSettings());
+        start = readImage(driver, session, line, run.setup.loop, places);
+    }
+    Soak soak(driver, identity, line, run.setup.loop, start, run.setup.seed);
+    soak.run(run.requests, [&run](qint64 sent) { showProgress(sent, run.requests); });
+    soak.settle();
+    soak.judge(readImage(driver, soak.session(), line, run.setup.loop, places));
+    return conclude(run, soak, QString());
+}
+
+SoakRun readOptions(const CommandLine &commandLine, const Identity &identity)
+{
+    SoakRun run;
+    const auto given = [&](const char *option) { return commandLine.value(QLatin1String(option)); };
+    run.requests = wholeNumber(commandLine, "exchanges", 1, 1000000000);
+    run.setup.seed = quint32(wholeNumber(commandLine, "seed", 0, std::numeric_limits<int>::max()));
+    run.setup.loop.replyTimeout = milliseconds(wholeNumber(commandLine, "timeout", 1, 60000));
+    run.setup.loop.quietTime = milliseconds(wholeNumber(commandLine, "quiet", 0, 60000));
+    run.serial =
+        SerialSettings::parse(given("serial").isEmpty() ? identity.serialLine : given("serial"));
+    run.device = given("port");
+    run.server = given("tcp");
+    run.asJson = commandLine.isSet(QStringLiteral("json"));
+    run.setup.faults = given("faults");
+    const QString wrong = plc::FaultPlan::parse(run.setup.faults, &run.faults);
+    if (!wrong.isEmpty())
+        throw Failure(QStringLiteral("--faults: %1").arg(wrong), BadInput);
+
+    const bool isReal = !run.device.isEmpty() || !run.server.isEmpty();
+    if (isReal && !commandLine.isSet(QStringLiteral("overwrite")))
+        throw Failure(QStringLiteral("it would write at random to D 50-249, M 8-23 and TX 16-135 "
+                                     "of that controller; expected --overwrite if it may"),
+                      BadInput);
+    if (isReal && commandLine.isSet(QStringLiteral("faults")))
+        throw Failure(QStringLiteral("--faults: a real line has its own; expected neither --port "
+                                     "nor --tcp beside it"),
+                      BadInput);
+    if (isReal)
+        run.setup.faults = QStringLiteral("the line's own");
+    run.setup.line = isReal ? run.device + run.server
+                            : QStringLiteral("a simulated controller, in simulated time, %1 baud")
+                                  .arg(run.serial.baudRate);
+    return run;
 }
 
 }  // namespace
@@ -110,46 +142,56 @@ int soakCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
         QStringLiteral("soak"),
-        QStringLiteral("Monitors, writes and reads at random through the driver, against a "
-                       "controller whose replies\nget lost, late or damaged; then lets the line "
-                       "heal and proves the end state.\nExit status 0 only if the controller's "
-                       "memory and all that was read are right."));
+        QStringLiteral("Monitors, writes and reads at random through the driver, on a line whose "
+                       "replies get lost,\nlate or damaged; then lets the line heal and proves the "
+                       "end state. In simulated time, so it\ntakes as long as its computing and "
+                       "comes out the same for the same seed.\nExit status 0 only if the "
+                       "controller's memory and all that was read are right."));
     commandLine.addOptions({
         {QStringLiteral("exchanges"),
-         QStringLiteral("Requests to send while the line is bad (default: 20000)."),
-         QStringLiteral("n"), QStringLiteral("20000")},
+         QStringLiteral("Requests to send while the line is bad (default: 100000)."),
+         QStringLiteral("n"), QStringLiteral("100000")},
         {QStringLiteral("faults"),
-         QStringLiteral("Faults and their shares, as tolvane-plc takes them (default: %1).")
+         QStringLiteral("Faults of replies and their shares, as tolvane-plc takes them (default: "
+                        "%1). One of 100 requests gets lost besides.")
              .arg(QLatin1String(DefaultFaults)),
          QStringLiteral("list"), QLatin1String(DefaultFaults)},
-        {QStringLiteral("seed"),
-         QStringLiteral("Start of all dice, the controller's too (default: 1)."),
+        {QStringLiteral("seed"), QStringLiteral("Start of all dice (default: 1)."),
          QStringLiteral("n"), QStringLiteral("1")},
         {QStringLiteral("timeout"),
-         QStringLiteral("Wait so long for a reply (default: %1).").arg(DefaultTimeout.count()),
-         QStringLiteral("ms"), QString::number(DefaultTimeout.count())},
-        {QStringLiteral("controller"),
-         QStringLiteral("The controller program to start, with tolvane-plc's options (default: "
-                        "the tolvane-plc beside this program)."),
-         QStringLiteral("path")},
+         QStringLiteral("How long the controller may think (default: 500)."), QStringLiteral("ms"),
+         QStringLiteral("500")},
+        {QStringLiteral("quiet"),
+         QStringLiteral("How much later than the time-out a reply may come (default: the "
+                        "time-out)."),
+         QStringLiteral("ms"), QStringLiteral("0")},
+        {QStringLiteral("serial"),
+         QStringLiteral("Settings of the line (default: the driver's own)."),
+         QStringLiteral("settings")},
+        {QStringLiteral("port"),
+         QStringLiteral("A real line, in real time: a serial port or pseudo-terminal."),
+         QStringLiteral("device")},
+        {QStringLiteral("tcp"), QStringLiteral("A real line, in real time: a device server."),
+         QStringLiteral("host:port")},
+        {QStringLiteral("overwrite"),
+         QStringLiteral("Allow random values in that controller: D 50-249, M 8-23, TX 16-135.")},
         {QStringLiteral("json"), QStringLiteral("Print the result as JSON.")},
     });
     commandLine.read(arguments);
 
-    const int requests = int(wholeNumber(commandLine, "exchanges", 1, 100000000));
-    const milliseconds timeout(wholeNumber(commandLine, "timeout", 1, 60000));
-    SoakSetup setup;
-    setup.seed = quint32(wholeNumber(commandLine, "seed", 0, std::numeric_limits<int>::max()));
-    setup.faults = commandLine.value(QStringLiteral("faults"));
-    setup.loop = waitsFor(setup.faults, timeout);
-    setup.driver = commandLine.driverPath();
-    const QString controller = commandLine.value(QStringLiteral("controller"));
-    setup.controller = controller.isEmpty() ? findController() : controller;
-    if (!QFileInfo(setup.controller).isExecutable())
-        throw Failure(
-            QStringLiteral("--controller \"%1\": expected a program").arg(setup.controller),
-            BadInput);
-    return judge(setup, requests, commandLine.isSet(QStringLiteral("json")));
+    const Driver driver = loadDriver(commandLine.driverPath());
+    const Identity identity = identify(driver);
+    SoakRun run = readOptions(commandLine, identity);
+    run.setup.driver = commandLine.driverPath();
+    if (!run.server.isEmpty()) {
+        TcpLine line(run.server, {run.serial, false});
+        return soakReal(run, driver, identity, line);
+    }
+    if (!run.device.isEmpty()) {
+        SerialLine line(run.device, {run.serial, false});
+        return soakReal(run, driver, identity, line);
+    }
+    return soakSimulated(run, driver, identity);
 }
 
 }  // namespace host

@@ -10,6 +10,7 @@ namespace host {
 namespace {
 
 constexpr int BitsPerByte = 10;
+constexpr int Million = 1000000;
 constexpr qint64 NsPerSecond = 1000 * 1000 * 1000;
 constexpr qint64 NsPerMs = 1000 * 1000;
 
@@ -46,6 +47,8 @@ bool VirtualLine::send(const QByteArray &bytes)
     comeLate();
     if (!m_isOpen)
         return false;
+    if (int(m_random() % Million) < m_settings.lostRequests)
+        return true;
     if (m_suspended)
         m_waiting += bytes;
     else
@@ -71,6 +74,12 @@ LineTime VirtualLine::wireTime(int bytes) const
 {
     const int baud = m_settings.line.baud;
     return LineTime(baud > 0 ? bytes * BitsPerByte * NsPerSecond / baud : 0);
+}
+
+void VirtualLine::heal()
+{
+    m_faults.heal();
+    m_settings.lostRequests = 0;
 }
 
 void VirtualLine::resume()

@@ -15,8 +15,9 @@ struct VirtualSettings
 {
     plc::LineSettings line;  ///< pace and turnaround of the controller
     plc::FaultPlan faults;
-    quint32 seed = 1;    ///< of the faults and of the jitter
-    bool moving = true;  ///< the controller's process moves by itself
+    int lostRequests = 0;  ///< of a million that are sent
+    quint32 seed = 1;      ///< of the faults, of lost requests and of the jitter
+    bool moving = true;    ///< the controller's process moves by itself
     /** The host's process comes up to so much too late with everything that it does. */
     LineTime jitter{0};
 };
@@ -38,6 +39,9 @@ public:
     plc::Memory &memory() { return m_memory; }
     plc::Controller &controller() { return m_controller; }
     plc::Faults &faults() { return m_faults; }
+
+    /** No more faults, and no more requests get lost. */
+    void heal();
 
     /** From now on what is sent waits for the controller; resume() lets it answer all of that. */
     void suspend() { m_suspended = true; }

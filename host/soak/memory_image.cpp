@@ -1,59 +1,67 @@
-// Reads and writes memory images.
+// Images of simulated and of real controllers.
 #include "host/soak/memory_image.h"
 
 #include "host/failure.h"
-
-#include <QtCore/QFile>
-#include <QtCore/QTextStream>
 
 namespace host {
 
 namespace {
 
-const QLatin1String Header("device,word,value");
-
-Failure failed(const QFile &file)
-{
-    return Failure(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
-}
+constexpr int BitsPerWord = 16;
+constexpr std::chrono::seconds ReadPatience(60);
 
 }  // namespace
 
-MemoryImage loadImage(const QString &path)
+void storeImage(const MemoryImage &image, plc::Memory &memory)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw failed(file);
+    for (auto word = image.cbegin(); word != image.cend(); ++word) {
+        const QString &device = word.key().first;
+        const char letter = plc::Memory::letter(device.toLatin1());
+        if (letter == 0)
+            throw Failure(QStringLiteral("the simulated controller has no device %1").arg(device));
+        memory.setWord(letter, word.key().second, quint16(word.value()));
+    }
+}
+
+MemoryImage imageOf(const plc::Memory &memory)
+{
     MemoryImage image;
-    for (int number = 1; !file.atEnd(); ++number) {
-        const QString line = QString::fromUtf8(file.readLine()).trimmed();
-        if (line.isEmpty() || line == Header)
-            continue;
-        const QString value = line.section(QLatin1Char(','), 2);
-        const int base = value.startsWith(QLatin1String("0x")) ? 16 : 10;
-        bool isWord = false;
-        bool isValue = false;
-        const int word = line.section(QLatin1Char(','), 1, 1).toInt(&isWord);
-        image[{line.section(QLatin1Char(','), 0, 0), word}] = value.toUShort(&isValue, base);
-        if (!isWord || !isValue)
-            throw Failure(QStringLiteral("%1, line %2: \"%3\", expected device,word,value")
-                              .arg(path, QString::number(number), line));
+    for (const char device : plc::Memory::devices()) {
+        const QString name = QString::fromLatin1(plc::Memory::name(device));
+        for (int word = 0; word < plc::Memory::wordCount(device); ++word)
+            if (const int value = memory.word(device, word))
+                image[{name, word}] = value;
     }
     return image;
 }
 
-void saveImage(const QString &path, const MemoryImage &image)
+MemoryImage readImage(const Driver &driver, Session &session, Line &line,
+                      const LoopSettings &settings, const QVector<Point> &points)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw failed(file);
-    QTextStream out(&file);
-    out << Header << '\n';
-    for (auto word = image.cbegin(); word != image.cend(); ++word)
-        out << word.key().first << ',' << word.key().second << ',' << word.value() << '\n';
-    out.flush();
-    if (file.error() != QFile::NoError)
-        throw failed(file);
+    session.conditionReadEnded = nullptr;
+    Loop loop(driver, line, settings);
+    MemoryImage image;
+    for (const Point &point : points) {
+        session.restart();
+        session.readOnce(point);
+        if (!loop.runUntilIdle(ReadPatience) || loop.counters().errors > 0)
+            throw Failure(QStringLiteral("the controller's memory cannot be read: %1 of %2 words "
+                                         "or bits from number %3 on")
+                              .arg(point.regName)
+                              .arg(point.count)
+                              .arg(point.address));
+        const QString device = point.regName.section(QLatin1Char('_'), 0, 0);
+        const QVector<int> values = session.values(point);
+        for (int i = 0; i < values.size(); ++i) {
+            const int address = point.address + i;
+            if (point.isBit)
+                image[{device, address / BitsPerWord}] |= values[i] << address % BitsPerWord;
+            else
+                image[{device, address}] = values[i];
+        }
+    }
+    session.restart();
+    return image;
 }
 
 }  // namespace host

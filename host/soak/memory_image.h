@@ -1,11 +1,15 @@
-// The controller's memory as a file: how the soak gives it its start, and how it finds it at the
-// end, past driver and line.
+// The controller's memory as the soak books it: how it is given its start, and how it is found at
+// the end.
 #ifndef TOLVANE_HOST_SOAK_MEMORY_IMAGE_H
 #define TOLVANE_HOST_SOAK_MEMORY_IMAGE_H
 
+#include "host/loop.h"
+#include "host/session.h"
+
+#include "plc/memory.h"
+
 #include <QtCore/QMap>
 #include <QtCore/QPair>
-#include <QtCore/QString>
 
 namespace host {
 
@@ -15,9 +19,18 @@ using WordAddress = QPair<QString, int>;
 /** Words 0 to 65535; a word that is not listed is 0. */
 using MemoryImage = QMap<WordAddress, int>;
 
-/** Both throw Failure that names the file, and the line that is no "device,word,value". */
-MemoryImage loadImage(const QString &path);
-void saveImage(const QString &path, const MemoryImage &image);
+/** Puts the words into a simulated controller's memory. Throws Failure at an unknown device. */
+void storeImage(const MemoryImage &image, plc::Memory &memory);
+
+/** All words that are not 0, past driver and line. */
+MemoryImage imageOf(const plc::Memory &memory);
+
+/**
+ * Reads the points from a real controller: words, or contacts and bits from a whole word on.
+ * Restarts the session. Throws Failure when a read is given up or the line is lost.
+ */
+MemoryImage readImage(const Driver &driver, Session &session, Line &line,
+                      const LoopSettings &settings, const QVector<Point> &points);
 
 }  // namespace host
 

@@ -40,7 +40,7 @@ QJsonObject countsOf(const QString &controllerReport)
         QJsonObject pairs;
         for (auto match = pair.globalMatch(line); match.hasNext();) {
             const QRegularExpressionMatch found = match.next();
-            pairs[found.captured(1)] = found.captured(2).toInt();
+            pairs[found.captured(1)] = found.captured(2).toLongLong();
         }
         if (!pairs.isEmpty())
             counts[line.section(QLatin1Char(':'), 0, 0)] = pairs;
@@ -75,11 +75,8 @@ void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
         << '\n';
     Rows rows(out);
     rows.row("library", setup.driver);
-    rows.row("controller", setup.controller);
+    rows.row("line", setup.line);
     rows.row("faults", QStringLiteral("%1, seed %2").arg(setup.faults).arg(setup.seed));
-    rows.row("waits", QStringLiteral("%1 ms for a reply, %2 ms of silence after a bad one")
-                          .arg(setup.loop.replyTimeout.count())
-                          .arg(setup.loop.quietTime.count()));
 
     rows.title("What the panel did");
     rows.row("monitored", QStringLiteral("%1 sets of addresses").arg(counts.registrations));
@@ -102,6 +99,8 @@ void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                              .arg(line.exchanges)
                              .arg(line.retries)
                              .arg(line.errors));
+    rows.row("set aside", QStringLiteral("%1 replies of other requests").arg(line.refused));
+    rows.row("took", QStringLiteral("%1 s of the line's time").arg(soak.seconds(), 0, 'f', 0));
     for (const QString &text : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         static const QRegularExpression none(QStringLiteral(" (?!total)[a-z-]+=0\\b"));
         rows.row(text.section(QLatin1Char(':'), 0, 0).toLatin1().constData(),
@@ -139,7 +138,9 @@ void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
         {QStringLiteral("requests"), QJsonObject{{QStringLiteral("sent"), counts.requests},
                                                  {QStringLiteral("good"), soak.line().exchanges},
                                                  {QStringLiteral("repeated"), soak.line().retries},
-                                                 {QStringLiteral("givenUp"), soak.line().errors}}},
+                                                 {QStringLiteral("givenUp"), soak.line().errors},
+                                                 {QStringLiteral("refused"), soak.line().refused}}},
+        {QStringLiteral("seconds"), soak.seconds()},
         {QStringLiteral("writes"),
          QJsonObject{{QStringLiteral("made"), writes.made},
                      {QStringLiteral("acknowledged"), writes.acknowledged},

@@ -12,13 +12,14 @@ namespace host {
 struct SoakSetup
 {
     QString driver;
-    QString controller;
+    QString line;  ///< what the controller is reached through
     QString faults;
     quint32 seed = 1;
     LoopSettings loop;
 };
 
-/** controllerReport: the controller's closing counts, lines of "title: name=number ...". */
+/** controllerReport: the controller's closing counts, lines of "title: name=number ..."; or
+ * nothing. */
 void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                const QString &controllerReport);
 void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,

@@ -31,11 +31,14 @@ constexpr int RecipeAreaCount = 3;
 constexpr const char *FilledDevices[] = {"D", "M", "TX", "P", "L"};
 constexpr int FilledWords = 300;
 
+// Frames carry no station: the driver keeps them apart, and the controller answers for all.
+constexpr int Stations = 2;
+
 constexpr int LongestWrite = 40;  // words or bits: always one request
 constexpr int LongestBurst = 7;
 constexpr int PendingAtMost = 50;  // far from the end of the driver's queue
 constexpr int PatientExchanges = 3000;
-constexpr int ProgressStep = 200;
+constexpr int ProgressStep = 20000;
 constexpr int NothingRead = 0xEEEE;
 
 }  // namespace
@@ -44,6 +47,8 @@ Soak::Soak(const Driver &driver, const Identity &identity, Line &line, const Loo
            const MemoryImage &start, quint32 seed)
     : m_driver(driver),
       m_identity(identity),
+      m_line(line),
+      m_start(line.now()),
       m_model(start),
       m_ledger(m_model, [this](const Finding &finding) { report(finding); }),
       m_session(driver, SessionSettings()),
@@ -65,9 +70,16 @@ MemoryImage Soak::startImage(quint32 seed)
     return image;
 }
 
-void Soak::run(int requests, const std::function<void(int)> &progress)
+QVector<Point> Soak::places()
 {
-    int announced = 0;
+    return {{1, QStringLiteral("D_W"), 0, 300, false},
+            {1, QStringLiteral("M_W"), 0, 64, false},
+            {1, QStringLiteral("TX"), 0, 160, true}};
+}
+
+void Soak::run(qint64 requests, const std::function<void(qint64)> &progress)
+{
+    qint64 announced = 0;
     while (m_counts.requests < requests) {
         step();
         if (m_counts.requests < announced + ProgressStep)
@@ -99,7 +111,7 @@ Point Soak::anyPoint(int area)
 {
     const Area &from = Areas[area];
     Point point;
-    point.stationNo = 1;
+    point.stationNo = 1 + dice(Stations);
     point.regName = QLatin1String(from.regName);
     point.isBit = from.isBit;
     const int offset = dice(from.count);
@@ -128,8 +140,9 @@ void Soak::monitor()
 void Soak::write()
 {
     // Now and then the same range again, while the write before may still wait.
-    const Point point =
-        dice(5) == 0 && m_lastWritten.count > 0 ? m_lastWritten : anyPoint(dice(AreaCount));
+    const Point point = dice(5) == 0 && !m_lastWritten.regName.isEmpty()
+                            ? m_lastWritten
+                            : anyPoint(dice(AreaCount));
     const QVector<int> values = anyValues(point);
     if (m_conditionRead && shareWords(point, *m_conditionRead))
         m_undisturbed = false;

@@ -23,7 +23,7 @@ class Soak
 public:
     struct Counts
     {
-        int requests = 0;  ///< sent, those sent again included
+        qint64 requests = 0;  ///< sent, those sent again included
         int registrations = 0;
         int conditionReads = 0;
         int conditionReadsFailed = 0;
@@ -41,11 +41,14 @@ public:
     /** A memory to start with: random words where the soak writes, and around. */
     static MemoryImage startImage(quint32 seed);
 
+    /** The words, bits and contacts that it writes, and some around, for readImage(). */
+    static QVector<Point> places();
+
     /**
      * Does as a panel does until so many requests were sent. progress is called now and then.
      * Throws Failure when the line is lost or the driver has nothing to send.
      */
-    void run(int requests, const std::function<void(int requestsSent)> &progress);
+    void run(qint64 requests, const std::function<void(qint64 requestsSent)> &progress);
 
     /** On a line that is good again: lets the driver finish, and reads everything once more. */
     void settle();
@@ -53,10 +56,16 @@ public:
     /** Compares the controller's memory with the books and with what the driver shows. */
     void judge(const MemoryImage &memory);
 
+    /** For reading the memory back behind settle(). */
+    Session &session() { return m_session; }
+
     const QVector<Finding> &findings() const { return m_findings; }
     const Counts &counts() const { return m_counts; }
     const WriteLedger::Counts &writes() const { return m_ledger.counts(); }
     const LoopCounters &line() const { return m_loop.counters(); }
+
+    /** Of the line's time since the beginning. */
+    double seconds() const { return double((m_line.now() - m_start).count()) * 1e-9; }
 
 private:
     struct Shown
@@ -94,6 +103,8 @@ private:
 
     const Driver &m_driver;
     const Identity &m_identity;
+    const Line &m_line;
+    const LineTime m_start;
     MemoryModel m_model;
     WriteLedger m_ledger;
     Session m_session;

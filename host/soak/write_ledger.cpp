@@ -21,8 +21,8 @@ WriteLedger::WriteLedger(MemoryModel &model, std::function<void(const Finding &)
 
 bool WriteLedger::sameRange(const Point &left, const Point &right)
 {
-    return left.regName == right.regName && left.address == right.address &&
-           left.count == right.count;
+    return left.stationNo == right.stationNo && left.regName == right.regName &&
+           left.address == right.address && left.count == right.count;
 }
 
 int WriteLedger::make(const Point &point, const QVector<int> &values)

@@ -1,0 +1,360 @@
+// The loop in simulated time: what its guards let through on bad lines, what a healthy line costs,
+// and the words for each failure.
+#include "host/frame_text.h"
+#include "host/line/virtual_line.h"
+#include "host/loop.h"
+#include "host/session.h"
+#include "host/trace.h"
+
+#include <QtTest/QtTest>
+
+using namespace host;
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr char D = 'a';
+constexpr char M = 'i';
+
+Point words(const char *regName, int address, int count)
+{
+    return {1, QLatin1String(regName), address, count, false};
+}
+
+VirtualSettings virtualLine(const char *faults = "", int baud = 115200)
+{
+    VirtualSettings settings;
+    if (*faults && !plc::FaultPlan::parse(QLatin1String(faults), &settings.faults).isEmpty())
+        qFatal("no faults: %s", faults);
+    settings.line.baud = baud;
+    settings.moving = false;
+    return settings;
+}
+
+/**
+ * A panel polls blocks of one length, writes words and several bits, and holds every exchange
+ * against the controller's memory.
+ */
+class Panel
+{
+public:
+    Panel(const Driver &driver, const VirtualSettings &virtualSettings,
+          const LoopSettings &settings, int wordsPerBlock)
+        : line(virtualSettings),
+          loop(driver, line, settings),
+          m_session(driver, SessionSettings{1, 3, 127})
+    {
+        QVector<Point> points;
+        for (int first = 0; first < 5000; first += 1000) {
+            points.append(words("D_W", first, wordsPerBlock));
+            for (int word = first; word < first + wordsPerBlock; ++word)
+                line.memory().setWord(D, word, valueOf(word));
+        }
+        m_session.monitor(points);
+        loop.observer = [this](const Exchange &exchange) { check(exchange); };
+        line.open();
+    }
+
+    void run(int exchanges)
+    {
+        for (int i = 0; i < exchanges; ++i) {
+            if (i % 20 == 0)
+                m_session.write(words("D_W", 6000, 1), {++m_written & 0xFFFF});
+            const int bit = i / 20 % 2;
+            if (i % 20 == 10)
+                m_session.write({1, "M_bit", 16 * 40 + 14, 4, true}, {bit, !bit, bit, !bit});
+            loop.exchange();
+        }
+    }
+
+    VirtualLine line;
+    Loop loop;
+    int wrongValues = 0;  ///< replies with a value of another address
+    int wrongAcks = 0;    ///< acknowledged writes that the controller does not hold
+    int wrongBits = 0;    ///< exchanges behind which bits have changed that nobody writes
+
+private:
+    static quint16 valueOf(int word) { return quint16(word * 7 + 1); }
+
+    void check(const Exchange &exchange)
+    {
+        wrongBits += (line.memory().word(M, 40) & 0x3FFF) || (line.memory().word(M, 41) & 0xFFFC);
+        const VARIABLE &item = exchange.frame.var;
+        if (exchange.outcome != Outcome::Good || item.regName != QLatin1String("D_W"))
+            return;
+        if (exchange.frame.readCount == 0)
+            wrongAcks += line.memory().word(D, 6000) != (m_written & 0xFFFF);
+        const QVector<int> read = readReply(exchange.reply, exchange.request()).words;
+        for (int i = 0; i < exchange.frame.readCount; ++i)
+            wrongValues += read[i] != valueOf(item.startAddr + i);
+    }
+
+    Session m_session;
+    int m_written = 0;
+};
+
+/** A line on which bytes arrive at set times behind each request, and time passes by itself. */
+class ScriptedLine : public Line
+{
+public:
+    QVector<QVector<QPair<double, QByteArray>>> arrivals;  ///< a list of (ms, bytes) per request
+    bool babbles = false;                                  ///< never silent
+
+    bool open() override { return true; }
+    bool isOpen() const override { return true; }
+    QString errorText() const override { return {}; }
+    LineTime now() const override { return m_now; }
+    void pause(LineTime duration) override { m_now += duration; }
+    LineTime wireTime(int bytes) const override { return bytes * milliseconds(1); }
+    bool send(const QByteArray &) override
+    {
+        if (!arrivals.isEmpty())
+            for (const auto &arrival : arrivals.takeFirst())
+                m_coming.insert(m_now + LineTime(qint64(arrival.first * 1e6)), arrival.second);
+        return true;
+    }
+    QByteArray receive(LineTime until) override
+    {
+        if (babbles)
+            m_coming.insert(m_now + milliseconds(1), "x");
+        if (m_coming.isEmpty() || m_coming.firstKey() > until) {
+            m_now = std::max(m_now, until);
+            return {};
+        }
+        m_now = std::max(m_now, m_coming.firstKey());
+        return m_coming.take(m_coming.firstKey());
+    }
+
+private:
+    LineTime m_now{0};
+    QMap<LineTime, QByteArray> m_coming;
+};
+
+using Arrivals = QVector<QVector<QPair<double, QByteArray>>>;
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Arrivals)
+
+class TestLoop : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void nothingOfAnotherAddress_data();
+    void nothingOfAnotherAddress();
+    void healthyLine_data();
+    void healthyLine();
+    void everyFailureHasAName_data();
+    void everyFailureHasAName();
+    void babblingLineDoesNotStopTheLoop();
+    void lostLineKeepsTheRequest();
+    void traceShowsWhatWasRefused();
+
+private:
+    const Driver m_driver = loadDriver(DRIVER_LIBRARY);
+};
+
+void TestLoop::nothingOfAnotherAddress_data()
+{
+    QTest::addColumn<QByteArray>("faults");
+    QTest::addColumn<int>("baud");  // 0: no pace
+    QTest::addColumn<int>("wordsPerBlock");
+    QTest::addColumn<int>("jitterMs");
+    QTest::addColumn<int>("listenMs");
+
+    const QByteArray late = "loss=2%,late=2%:510ms..1500ms";
+    const QByteArray all = late + ",double=5%,cut=1%,noise=1%,flip=2%,mute=0.1%:2s";
+    QTest::newRow("lost, late and doubled") << late + ",double=5%" << 115200 << 8 << 0 << 0;
+    QTest::newRow("in long blocks") << late + ",double=5%" << 115200 << 120 << 0 << 0;
+    QTest::newRow("all there is, on a busy machine") << all << 9600 << 8 << 40 << 0;
+    QTest::newRow("without a pace") << late << 0 << 8 << 3 << 0;
+    QTest::newRow("without a pace, doubled") << all << 0 << 8 << 0 << 5;
+}
+
+void TestLoop::nothingOfAnotherAddress()
+{
+    QFETCH(QByteArray, faults);
+    QFETCH(int, baud);
+    QFETCH(int, wordsPerBlock);
+    QFETCH(int, jitterMs);
+    QFETCH(int, listenMs);
+    VirtualSettings settings = virtualLine(faults.constData(), baud);
+    settings.lostRequests = 5000;
+    settings.jitter = milliseconds(jitterMs);
+    LoopSettings loop;
+    loop.listenFirst = milliseconds(listenMs);
+    Panel panel(m_driver, settings, loop, wordsPerBlock);
+    panel.run(100000);
+    QCOMPARE(panel.wrongValues, 0);
+    QCOMPARE(panel.wrongBits, 0);
+    QCOMPARE(panel.wrongAcks, 0);
+    QVERIFY(panel.loop.counters().retries > 3000 && panel.loop.counters().exchanges > 80000);
+}
+
+void TestLoop::healthyLine_data()
+{
+    QTest::addColumn<int>("baud");
+    QTest::addColumn<int>("turnaroundMs");
+    QTest::addColumn<int>("jitterMs");
+    QTest::newRow("at full speed") << 115200 << 0 << 0;
+    QTest::newRow("busy machine") << 115200 << 0 << 20;
+    QTest::newRow("machine that sleeps for longer than the time-out") << 9600 << 100 << 3000;
+    QTest::newRow("no pace") << 0 << 0 << 20;
+}
+
+void TestLoop::healthyLine()
+{
+    QFETCH(int, baud);
+    QFETCH(int, turnaroundMs);
+    QFETCH(int, jitterMs);
+    VirtualSettings settings = virtualLine("", baud);
+    settings.line.turnaroundMs = turnaroundMs;
+    settings.jitter = milliseconds(jitterMs);
+    Panel panel(m_driver, settings, LoopSettings(), 60);
+    panel.run(20000);
+    const LoopCounters &counters = panel.loop.counters();
+    QCOMPARE(counters.exchanges, 20000);
+    QCOMPARE(counters.refused, 0);
+    QCOMPARE(counters.bytesStale, qint64(0));
+    const LineTime travel = panel.line.wireTime(int(counters.bytesSent + counters.bytesReceived));
+    if (jitterMs == 0)
+        QCOMPARE(panel.line.now() / std::chrono::seconds(1), travel / std::chrono::seconds(1));
+}
+
+void TestLoop::everyFailureHasAName_data()
+{
+    QTest::addColumn<Arrivals>("arrivals");
+    QTest::addColumn<QStringList>("faults");  // of each exchange
+    QTest::addColumn<QStringList>("refused");
+    QTest::addColumn<int>("endMs");
+
+    const auto hex = [](const char *text) { return QByteArray::fromHex(text); };
+    const QByteArray request = hex("02 72 61 43383030 3030 3034 3732 03");
+    const QByteArray reply = hex("06 72 33343132 43444142 3436 04");
+    const QByteArray flipped = hex("06 72 33343132 43444143 3436 04");
+    const QByteArray acknowledged = hex("06 6F 3646 04");
+    const QStringList none;
+    const QString silence("no reply within 500 ms");
+    const QString early("too early: after 15 ms, when both frames take 26 ms");
+
+    // Both frames take 27 ms; a failed try ends after 527.
+    QTest::newRow("good") << Arrivals{{{27, reply}}} << QStringList{""} << none << 27;
+    QTest::newRow("late, and the answer to the next try")
+        << Arrivals{{{540, reply}}, {{27, reply}}} << QStringList{silence, ""} << none << 540;
+    QTest::newRow("three times nothing")
+        << Arrivals{} << QStringList{silence, silence, silence} << none << 3 * 527;
+    QTest::newRow("early, then the answer")
+        << Arrivals{{{15, reply}, {28, reply}}} << QStringList{""} << QStringList{early} << 28;
+    QTest::newRow("early, and no answer")
+        << Arrivals{{{15, reply}}, {{27, reply}}} << QStringList{early, ""} << QStringList{early}
+        << 527 + 27;
+    QTest::newRow("a shorter one first")
+        << Arrivals{{{20, acknowledged}, {27, reply}}} << QStringList{""}
+        << QStringList{"too short: 5 bytes instead of 13"} << 27;
+    QTest::newRow("cut") << Arrivals{{{20, reply.left(5)}}, {{27, reply}}}
+                         << QStringList{"too short: 5 bytes instead of 13", ""} << none
+                         << 527 + 500 + 27;
+    QTest::newRow("more behind it")
+        << Arrivals{{{45, reply + reply}}, {{27, reply}}}
+        << QStringList{"too long: 26 bytes instead of 13", ""} << none << 45 + 500 + 27;
+    QTest::newRow("more before it, faster than the line can carry both")
+        << Arrivals{{{27, reply + reply}}} << QStringList{""}
+        << QStringList{"too early: after 27 ms, when both frames take 38 ms"} << 27;
+    QTest::newRow("a bit turned") << Arrivals{{{27, flipped}}, {{27, reply}}}
+                                  << QStringList{"wrong checksum: 46 instead of 47", ""} << none
+                                  << 27 + 500 + 27;
+    QTest::newRow("noise before it")
+        << Arrivals{{{27, "zz" + reply}}} << QStringList{"not a reply: first byte 7A instead of 06"}
+        << none << 27;
+    QTest::newRow("no end") << Arrivals{{{27, reply.left(12) + 'z'}}}
+                            << QStringList{"not a reply: last byte 7A instead of 04"} << none << 27;
+    QTest::newRow("echo") << Arrivals{{{14, request}}} << QStringList{"the request's own echo"}
+                          << none << 14;
+}
+
+void TestLoop::everyFailureHasAName()
+{
+    QFETCH(Arrivals, arrivals);
+    QFETCH(QStringList, faults);
+    ScriptedLine line;
+    line.arrivals = arrivals;
+    Session session(m_driver, SessionSettings());
+    session.monitor({words("D_W", 100, 2)});
+    Loop loop(m_driver, line, LoopSettings());
+    QStringList said;
+    QStringList refused;
+    loop.observer = [&](const Exchange &exchange) {
+        said.append(exchange.fault.text());
+        for (const RefusedReply &reply : exchange.refused)
+            refused.append(reply.fault.text());
+        QCOMPARE(exchange.outcome == Outcome::Good, exchange.fault.text().isEmpty());
+        if (exchange.outcome == Outcome::GivenUp)
+            QCOMPARE(faultsText(exchange.tries),
+                     QString("no reply to 3 requests of 500 ms each"));
+    };
+    for (int i = 0; i < faults.size(); ++i)
+        loop.exchange();
+    QCOMPARE(said, faults);
+    QTEST(refused, "refused");
+    QTEST(int(line.now() / milliseconds(1)), "endMs");
+}
+
+void TestLoop::babblingLineDoesNotStopTheLoop()
+{
+    ScriptedLine line;
+    line.babbles = true;
+    Session session(m_driver, SessionSettings());
+    session.monitor({words("D_W", 100, 2)});
+    Loop loop(m_driver, line, LoopSettings());
+    QCOMPARE(loop.exchange(), Outcome::Again);
+    QCOMPARE(loop.exchange(), Outcome::Again);
+}
+
+void TestLoop::lostLineKeepsTheRequest()
+{
+    VirtualLine line(virtualLine());
+    line.open();
+    Session session(m_driver, SessionSettings());
+    session.readOnce(words("D_W", 100, 2));
+    Loop loop(m_driver, line, LoopSettings());
+    line.suspend();
+    QCOMPARE(loop.exchange(), Outcome::Again);
+    line.unplug();
+    QCOMPARE(loop.exchange(), Outcome::LineLost);
+    QVERIFY(!line.open());
+    line.plugIn();
+    line.resume();
+    QVERIFY(line.open());
+    QCOMPARE(loop.exchange(), Outcome::Good);
+}
+
+void TestLoop::traceShowsWhatWasRefused()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("trace");
+    Trace trace(path);
+    VirtualLine line(virtualLine("double=100%"));
+    line.open();
+    Session session(m_driver, SessionSettings());
+    session.monitor({words("D_W", 0, 1), words("D_W", 1000, 1)});
+    Loop loop(m_driver, line, LoopSettings());
+    loop.observer = [&](const Exchange &exchange) { trace.write(exchange); };
+    loop.exchange();
+    loop.exchange();
+
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QStringList told;
+    for (const QByteArray &text : file.readAll().split('\n'))
+        told.append(QString(text).section("  ", 1, 1) + QString(text).section("  ", 3));
+    QCOMPARE(told.size(), 6);
+    QCOMPARE(told.mid(0, 3), (QStringList{"->read 1 word of D from word 0", "<-1 word: 0",
+                                          "->read 1 word of D from word 1000"}));
+    QVERIFY2(told[3].startsWith("<-refused: too early: after 0.8 ms, when"), qPrintable(told[3]));
+    QCOMPARE(told[4], QString("<-1 word: 0"));
+}
+
+QTEST_GUILESS_MAIN(TestLoop)
+#include "tst_loop.moc"
