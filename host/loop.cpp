@@ -181,7 +181,7 @@ void Loop::collectReply()
     reply += m_line.receive(m_line.now());
 }
 
-// A well-formed reply that is early, or not as long as the answer, belongs to another request.
+// A reply that is early, or not as long as the answer, belongs to another request.
 void Loop::refuseStrangers()
 {
     QByteArray &reply = m_exchange.reply;
@@ -193,7 +193,7 @@ void Loop::refuseStrangers()
             fault.got = size;
             fault.expected = m_exchange.frame.replyLen;
         }
-        if (!fault || formFault(reply.left(size)))
+        if (!fault)
             return;
         m_exchange.refused.append({m_line.now(), reply.left(size), fault});
         reply.remove(0, size);
@@ -265,9 +265,8 @@ void Loop::remember()
 {
     const bool failed = bool(m_exchange.fault);
     // Bytes that came may be this request's reply, damaged: no other is to be expected then.
-    const bool answered =
-        !m_exchange.reply.isEmpty() && m_exchange.fault.reason != ReplyFault::Echo;
-    m_restless = failed && !m_exchange.reply.isEmpty();
+    const bool answered = !m_exchange.reply.isEmpty();
+    m_restless = failed && answered;
     if (failed && !answered)
         m_owed = true;
     else if (m_owed && !m_exchange.tries.isEmpty())

@@ -72,7 +72,7 @@ QByteArray VirtualLine::receive(LineTime until)
 
 LineTime VirtualLine::wireTime(int bytes) const
 {
-    const int baud = m_settings.line.baud;
+    const int baud = m_settings.paceKnown ? m_settings.line.baud : 0;
     return LineTime(baud > 0 ? bytes * BitsPerByte * NsPerSecond / baud : 0);
 }
 

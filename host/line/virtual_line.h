@@ -14,6 +14,7 @@ namespace host {
 struct VirtualSettings
 {
     plc::LineSettings line;  ///< pace and turnaround of the controller
+    bool paceKnown = true;   ///< the host is told the pace, too
     plc::FaultPlan faults;
     int lostRequests = 0;  ///< of a million that are sent
     quint32 seed = 1;      ///< of the faults, of lost requests and of the jitter

@@ -8,6 +8,8 @@
 
 #include <QtTest/QtTest>
 
+#include <map>
+
 using namespace host;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
@@ -111,24 +113,26 @@ public:
     {
         if (!arrivals.isEmpty())
             for (const auto &arrival : arrivals.takeFirst())
-                m_coming.insert(m_now + LineTime(qint64(arrival.first * 1e6)), arrival.second);
+                m_coming.insert({m_now + LineTime(qint64(arrival.first * 1e6)), arrival.second});
         return true;
     }
     QByteArray receive(LineTime until) override
     {
         if (babbles)
-            m_coming.insert(m_now + milliseconds(1), "x");
-        if (m_coming.isEmpty() || m_coming.firstKey() > until) {
+            m_coming.insert({m_now + milliseconds(1), "x"});
+        if (m_coming.empty() || m_coming.begin()->first > until) {
             m_now = std::max(m_now, until);
             return {};
         }
-        m_now = std::max(m_now, m_coming.firstKey());
-        return m_coming.take(m_coming.firstKey());
+        const auto next = *m_coming.begin();
+        m_coming.erase(m_coming.begin());
+        m_now = std::max(m_now, next.first);
+        return next.second;
     }
 
 private:
     LineTime m_now{0};
-    QMap<LineTime, QByteArray> m_coming;
+    std::multimap<LineTime, QByteArray> m_coming;
 };
 
 using Arrivals = QVector<QVector<QPair<double, QByteArray>>>;
@@ -159,7 +163,7 @@ private:
 void TestLoop::nothingOfAnotherAddress_data()
 {
     QTest::addColumn<QByteArray>("faults");
-    QTest::addColumn<int>("baud");  // 0: no pace
+    QTest::addColumn<int>("baud");  // 0: no pace; less: the host does not know it
     QTest::addColumn<int>("wordsPerBlock");
     QTest::addColumn<int>("jitterMs");
     QTest::addColumn<int>("listenMs");
@@ -170,7 +174,7 @@ void TestLoop::nothingOfAnotherAddress_data()
     QTest::newRow("in long blocks") << late + ",double=5%" << 115200 << 120 << 0 << 0;
     QTest::newRow("all there is, on a busy machine") << all << 9600 << 8 << 40 << 0;
     QTest::newRow("without a pace") << late << 0 << 8 << 3 << 0;
-    QTest::newRow("without a pace, doubled") << all << 0 << 8 << 0 << 5;
+    QTest::newRow("without a known pace, doubled") << all << -115200 << 8 << 0 << 5;
 }
 
 void TestLoop::nothingOfAnotherAddress()
@@ -180,7 +184,8 @@ void TestLoop::nothingOfAnotherAddress()
     QFETCH(int, wordsPerBlock);
     QFETCH(int, jitterMs);
     QFETCH(int, listenMs);
-    VirtualSettings settings = virtualLine(faults.constData(), baud);
+    VirtualSettings settings = virtualLine(faults.constData(), std::abs(baud));
+    settings.paceKnown = baud >= 0;
     settings.lostRequests = 5000;
     settings.jitter = milliseconds(jitterMs);
     LoopSettings loop;
@@ -234,6 +239,7 @@ void TestLoop::everyFailureHasAName_data()
     const QByteArray request = hex("02 72 61 43383030 3030 3034 3732 03");
     const QByteArray reply = hex("06 72 33343132 43444142 3436 04");
     const QByteArray flipped = hex("06 72 33343132 43444143 3436 04");
+    const QByteArray longer = hex("06 72 30303030 30303030 30303030 30303030 3732 04");
     const QByteArray acknowledged = hex("06 6F 3646 04");
     const QStringList none;
     const QString silence("no reply within 500 ms");
@@ -243,6 +249,9 @@ void TestLoop::everyFailureHasAName_data()
     QTest::newRow("good") << Arrivals{{{27, reply}}} << QStringList{""} << none << 27;
     QTest::newRow("late, and the answer to the next try")
         << Arrivals{{{540, reply}}, {{27, reply}}} << QStringList{silence, ""} << none << 540;
+    QTest::newRow("lost; before another request, what is owed has its time")
+        << Arrivals{{}, {{27, reply}}, {{27, reply}}} << QStringList{silence, "", ""} << none
+        << 527 + 27 + 500 + 500 + 27;
     QTest::newRow("three times nothing")
         << Arrivals{} << QStringList{silence, silence, silence} << none << 3 * 527;
     QTest::newRow("early, then the answer")
@@ -250,14 +259,20 @@ void TestLoop::everyFailureHasAName_data()
     QTest::newRow("early, and no answer")
         << Arrivals{{{15, reply}}, {{27, reply}}} << QStringList{early, ""} << QStringList{early}
         << 527 + 27;
+    QTest::newRow("early and longer, then the answer")
+        << Arrivals{{{10, longer.left(13)}, {18, longer.mid(13)}, {31, reply}}} << QStringList{""}
+        << QStringList{"too early: after 10 ms, when both frames take 26 ms"} << 31;
     QTest::newRow("a shorter one first")
         << Arrivals{{{20, acknowledged}, {27, reply}}} << QStringList{""}
         << QStringList{"too short: 5 bytes instead of 13"} << 27;
     QTest::newRow("cut") << Arrivals{{{20, reply.left(5)}}, {{27, reply}}}
                          << QStringList{"too short: 5 bytes instead of 13", ""} << none
                          << 527 + 500 + 27;
+    QTest::newRow("cut, and its rest comes late")
+        << Arrivals{{{20, reply.left(5)}, {900, reply.mid(5)}}, {{27, reply}}}
+        << QStringList{"too short: 5 bytes instead of 13", ""} << none << 900 + 500 + 27;
     QTest::newRow("more behind it")
-        << Arrivals{{{45, reply + reply}}, {{27, reply}}}
+        << Arrivals{{{45, reply}, {45, reply}}, {{27, reply}}}
         << QStringList{"too long: 26 bytes instead of 13", ""} << none << 45 + 500 + 27;
     QTest::newRow("more before it, faster than the line can carry both")
         << Arrivals{{{27, reply + reply}}} << QStringList{""}
@@ -281,7 +296,7 @@ void TestLoop::everyFailureHasAName()
     ScriptedLine line;
     line.arrivals = arrivals;
     Session session(m_driver, SessionSettings());
-    session.monitor({words("D_W", 100, 2)});
+    session.monitor({words("D_W", 100, 2), words("D_W", 1000, 2)});
     Loop loop(m_driver, line, LoopSettings());
     QStringList said;
     QStringList refused;
@@ -291,8 +306,7 @@ void TestLoop::everyFailureHasAName()
             refused.append(reply.fault.text());
         QCOMPARE(exchange.outcome == Outcome::Good, exchange.fault.text().isEmpty());
         if (exchange.outcome == Outcome::GivenUp)
-            QCOMPARE(faultsText(exchange.tries),
-                     QString("no reply to 3 requests of 500 ms each"));
+            QCOMPARE(faultsText(exchange.tries), QString("no reply to 3 requests of 500 ms each"));
     };
     for (int i = 0; i < faults.size(); ++i)
         loop.exchange();

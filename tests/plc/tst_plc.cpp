@@ -6,6 +6,7 @@
 #include "plc/faults.h"
 #include "plc/image.h"
 #include "plc/motion.h"
+#include "plc/pacing.h"
 
 using namespace plc;
 
@@ -21,6 +22,18 @@ QByteArray framed(const QByteArray &text)
         sum += static_cast<unsigned char>(c);
     return '\x02' + text + QByteArray(1, char(sum & 0xFF)).toHex().toUpper() + '\x03';
 }
+
+/** A request, or, of one whose parts come apart, the part up to the address or the one behind it.
+ */
+QByteArray partOf(const QByteArray &text)
+{
+    const QByteArray cut("ra0000");
+    if (text == cut)
+        return '\x02' + cut;
+    return text.startsWith('~') ? framed(cut + text.mid(1)).mid(1 + cut.size()) : framed(text);
+}
+
+constexpr quint32 LateFirst = 3;  // a seed of "late=50%": the first reply is late, the second not
 
 const QByteArray readD0 = "\x02ra0000000255\x03";
 const QByteArray zeroReply = "\x06r000032\x04";
@@ -99,6 +112,9 @@ private slots:
         row("colon for a digit", framed("ra0:000002"), Verdict::Digits);
         row("no words", framed("ra00000000"), Verdict::ByteCount);
         row("half a word", framed("ra00000003"), Verdict::ByteCount);
+        row("half a mask", framed("oi14000008"), Verdict::Layout);
+        row("a read with data", framed("ra000000021234"), Verdict::Layout);
+        row("more data than counted", framed("wa0000000212345678"), Verdict::ByteCount);
         row("less data than counted", framed("wa000000041234"), Verdict::ByteCount);
         row("address between words", framed("ra01000002"), Verdict::OddAddress);
         row("write past D's end", framed("waFEFF000412345678"), Verdict::BeyondDevice);
@@ -259,6 +275,72 @@ private slots:
         QVERIFY(faults.transmit(zeroReply, now + 1999).isEmpty());
         QCOMPARE(faults.transmit(zeroReply, now + 2000).constFirst().bytes, zeroReply);
         QCOMPARE(faults.count(Fault::Mute), qint64(2));
+        faults.heal();
+        QCOMPARE(faults.transmit(zeroReply, now + 2001).constFirst().bytes, zeroReply);
+    }
+
+    void paces_data()
+    {
+        QTest::addColumn<QByteArray>("faults");
+        QTest::addColumn<int>("turnaroundMs");
+        QTest::addColumn<QByteArrayList>("requests");  // "ms text"; "~" for the second half of one
+        QTest::addColumn<QByteArrayList>("replies");   // "ms text" when their last byte has left
+        const auto row = [](const char *name, const char *plan, int turnaroundMs,
+                            const QByteArrayList &requests, const QByteArrayList &replies) {
+            QTest::newRow(name) << QByteArray(plan) << turnaroundMs << requests << replies;
+        };
+        // A byte takes 1 ms: a read of one word 14, its reply 9; of three words 14 and 17.
+        row("one", "", 0, {"0 ra00000002"}, {"23 r0000"});
+        row("after a turnaround", "", 100, {"0 ra00000002"}, {"123 r0000"});
+        row("piled up", "", 0, {"0 ra00000006", "0 ra00000002", "1 ra00000002"},
+            {"31 r000000000000", "40 r0000", "51 r0000"});
+        row("a long one holds up the next", "", 0, {"0 ra00000020", "15 ra00000002"},
+            {"83 r" + QByteArray(64, '0'), "92 r0000"});
+        row("late", "late=100%:50ms", 0, {"0 ra00000002"}, {"73 r0000"});
+        row("late and overtaken", "late=50%:50ms", 0, {"0 ra00000006", "14 ra00000002"},
+            {"37 r0000", "81 r000000000000"});
+        row("late while another leaves", "late=50%:15ms", 0, {"0 ra00000006", "14 ra00000002"},
+            {"37 r0000", "54 r000000000000"});
+        row("twice", "double=100%", 0, {"0 ra00000002"}, {"23 r0000", "32 r0000"});
+        row("in two parts", "", 0, {"0 ra0000", "500 ~0002"}, {"516 r0000"});
+        row("a part that nobody ends", "", 0, {"0 ra0000", "1008 ~0002"}, {});
+    }
+    void paces()
+    {
+        QFETCH(QByteArray, faults);
+        QFETCH(int, turnaroundMs);
+        QFETCH(QByteArrayList, requests);
+        Memory memory;
+        Controller controller(memory);
+        Faults disturbing = faults.isEmpty() ? Faults() : faultsOf(faults.constData(), LateFirst);
+        Pacing pacing(controller, disturbing, {10000, turnaroundMs});
+        QByteArrayList replies;
+        QByteArray reply;
+        for (qint64 ms = 0; ms < 3000; ++ms) {
+            while (!requests.isEmpty() && requests.first().split(' ')[0].toLongLong() == ms)
+                pacing.receive(partOf(requests.takeFirst().split(' ')[1]), ms * 1000000);
+            for (const char byte : pacing.transmit(ms * 1000000)) {
+                reply += byte;
+                if (byte == '\x04') {
+                    replies += QByteArray::number(ms) + ' ' + reply.mid(1, reply.size() - 4);
+                    reply.clear();
+                }
+            }
+        }
+        QTEST(replies, "replies");
+        QCOMPARE(pacing.nextNs(), qint64(-1));
+    }
+
+    void holdsNoMoreRepliesThanALineWould()
+    {
+        Memory memory;
+        Controller controller(memory);
+        Faults none;
+        Pacing pacing(controller, none, {10000, 0});
+        pacing.receive(readD0.repeated(100), 0);
+        const QByteArray first = pacing.transmit(23000000);
+        QCOMPARE(first, zeroReply);
+        QCOMPARE(first.size() + pacing.transmit(10000000000).size(), 64 * zeroReply.size());
     }
 
     void badImages()

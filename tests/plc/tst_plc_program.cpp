@@ -135,19 +135,6 @@ private slots:
         }
     }
 
-    void takesTheLinesTime()
-    {
-        Plc plc(QStringLiteral("--still --baud 1200 --turnaround 100"));
-        const auto line = connectTo(plc.place());
-        QVERIFY(line);
-        QElapsedTimer clock;
-        clock.start();
-        QCOMPARE(exchange(line.get(), readD0, 9), zeroReply);
-        const qint64 shortest = 100 + (14 + 9) * 10 * 1000 / 1200;
-        QVERIFY2(clock.elapsed() >= shortest, qPrintable(QString::number(clock.elapsed())));
-        QVERIFY2(clock.elapsed() < 4 * shortest, qPrintable(QString::number(clock.elapsed())));
-    }
-
     void keepsWhatAReplyLostSaid()
     {
         QTemporaryDir folder;
