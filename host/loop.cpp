@@ -71,8 +71,9 @@ Outcome Loop::exchange()
     if (m_driver.getSendFrame(&m_exchange.frame) == 0)
         return Outcome::Idle;
 
-    // The driver offers a request again until it is answered or given up.
-    if (m_exchange.outcome != Outcome::Again && m_exchange.outcome != Outcome::LineLost)
+    // The driver offers a request again until it is answered or given up; a line that was opened
+    // again starts anew.
+    if (m_exchange.outcome != Outcome::Again)
         m_exchange.tries.clear();
     const QByteArray request = m_exchange.request();
     const bool sameRequest = request == m_lastRequest;

@@ -3,8 +3,8 @@ _tolvane_host()
 {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local command=${COMP_WORDS[1]} candidates
-    local line="--port --tcp --simulate --serial --baud --station --retries --block-limit
-        --timeout --trace"
+    local line="--port --tcp --simulate --serial --pace --baud --station --retries
+        --block-limit --timeout --quiet --listen --trace"
     if [[ $COMP_CWORD == 1 ]]; then
         candidates="check demo explain info plan read recipe series soak watch write
             --help --version"
@@ -12,7 +12,7 @@ _tolvane_host()
         return
     fi
     case $previous in
-    --driver | --port | --trace | --svg | --csv | --controller)
+    --driver | --port | --trace | --svg | --csv)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
@@ -28,8 +28,12 @@ _tolvane_host()
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
         ;;
-    --tcp | --baud | --station | --retries | --block-limit | --timeout | --turnaround | --count | \
-        --step | --for | --exchanges | --seed)
+    --pace)
+        mapfile -t COMPREPLY < <(compgen -W "line none" -- "$word")
+        return
+        ;;
+    --tcp | --baud | --station | --retries | --block-limit | --timeout | --quiet | --listen | \
+        --turnaround | --count | --step | --for | --exchanges | --seed)
         return
         ;;
     esac
@@ -48,7 +52,10 @@ _tolvane_host()
             candidates="pull push $line"
         fi
         ;;
-    soak) candidates="--exchanges --faults --seed --timeout --controller --json" ;;
+    soak)
+        candidates="--exchanges --faults --seed --timeout --quiet --serial --port --tcp --overwrite
+            --json"
+        ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates --driver --help" -- "$word")
     # Tag files, recipes and traces.

@@ -60,12 +60,14 @@ void Report::exchange(const Exchange &exchange)
                  .arg(exchange.stale.size()));
     const QByteArray request = exchange.request();
     frame("->", request, readRequest(request, WordsInRequest).text);
-    if (exchange.reply.isEmpty()) {
-        line(QStringLiteral("<- nothing within the time-out"));
-        return;
-    }
-    const FrameReading reply = readReply(exchange.reply, request, WordsInReply);
-    frame("<-", exchange.reply, reply.fault.isEmpty() ? reply.text : reply.fault);
+    for (const RefusedReply &refused : exchange.refused)
+        frame("<-", refused.bytes, refused.fault.text());
+    if (exchange.reply.isEmpty())
+        line(QLatin1String("<- ") + exchange.fault.text());
+    else
+        frame("<-", exchange.reply,
+              exchange.fault ? exchange.fault.text()
+                             : readReply(exchange.reply, request, WordsInReply).text);
 }
 
 void Report::table(const QVector<QStringList> &rows)
