@@ -88,7 +88,7 @@ QByteArray Pacing::transmit(qint64 nowNs)
             break;
         }
         outputEndNs_ = head.startNs + byteNs_ * size;
-        outgoing_.removeFirst();
+        outgoing_.pop_front();
     }
     return leaving;
 }
