@@ -33,8 +33,6 @@ Pacing::Pacing(Controller &controller, Faults &faults, const LineSettings &setti
 
 void Pacing::receive(const QByteArray &bytes, qint64 nowNs)
 {
-    if (silenceNs_ >= 0 && nowNs >= silenceNs_)
-        controller_.silence();
     inputEndNs_ = qBound(nowNs, inputEndNs_, nowNs + LongestLagNs);
     for (int i = 0; i < int(bytes.size()); ++i) {
         inputEndNs_ += byteNs_;
@@ -54,10 +52,9 @@ void Pacing::enqueue(const Outgoing &outgoing)
 {
     if (outgoing_.size() >= MaxOutgoing)
         return;
-    // What is on its way is not interrupted.
-    const bool headStarted = !outgoing_.isEmpty() && outgoing_.first().sent > 0;
+    // What is on its way has started before now, so nothing is put before it.
     const auto place = std::upper_bound(
-        outgoing_.begin() + (headStarted ? 1 : 0), outgoing_.end(), outgoing,
+        outgoing_.begin(), outgoing_.end(), outgoing,
         [](const Outgoing &a, const Outgoing &b) { return a.startNs < b.startNs; });
     outgoing_.insert(place, outgoing);
 }

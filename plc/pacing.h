@@ -33,7 +33,7 @@ public:
     /** The bytes that have left for the host since the last call. */
     QByteArray transmit(qint64 nowNs);
 
-    /** When transmit() is worth calling next; -1 when nothing is due ever. */
+    /** When transmit() is to be called next; -1 when nothing is due ever. */
     qint64 nextNs() const { return nextNs_; }
 
 private:

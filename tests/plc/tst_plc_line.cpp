@@ -47,6 +47,10 @@ private slots:
             {"loss=-1%", "\"loss=-1%\""},
             {"late=1%", "\"late=1%\""},
             {"mute=1%:3601s", "\"mute=1%:3601s\""},
+            {"late=1%:10ms..10ms", ""},
+            {"late=1%:20ms..10ms", "\"late=1%:20ms..10ms\""},
+            {"loss=0.00001%", "\"loss=0.00001%\""},
+            {"loss=5000000000%", "\"loss=5000000000%\""},
             {"loss=1%,loss=1%", "\"loss\""},
             {"loss=1%,", "\"\""},
             {"loss=60%,cut=40.0001%", "100%"}};
@@ -133,8 +137,19 @@ private slots:
         QVERIFY(faults.transmit(zeroReply, now + 1999).isEmpty());
         QCOMPARE(faults.transmit(zeroReply, now + 2000).constFirst().bytes, zeroReply);
         QCOMPARE(faults.count(Fault::Mute), qint64(2));
-        faults.heal();
-        QCOMPARE(faults.transmit(zeroReply, now + 2001).constFirst().bytes, zeroReply);
+        Faults silent = faultsOf("mute=100%:3600s");
+        QVERIFY(silent.transmit(zeroReply, 0).isEmpty());
+        silent.heal();
+        QCOMPARE(silent.transmit(zeroReply, 1).constFirst().bytes, zeroReply);
+    }
+
+    void lateWithinBounds()
+    {
+        Faults faults = faultsOf("late=100%:10ms..13ms");
+        std::set<int> delays;
+        for (int i = 0; i < 100; ++i)
+            delays.insert(faults.transmit(zeroReply, i).constFirst().afterMs);
+        QCOMPARE(delays, (std::set<int>{10, 11, 12, 13}));
     }
 
     void paces_data()
@@ -160,6 +175,8 @@ private slots:
         row("late while another leaves", "late=50%:15ms", 0, {"0 ra00000006", "14 ra00000002"},
             {"37 r0000", "54 r000000000000"});
         row("twice", "double=100%", 0, {"0 ra00000002"}, {"23 r0000", "32 r0000"});
+        row("faster than the line, which is caught up with", "", 0,
+            {"0 " + QByteArray(2000, 'z'), "0 ra00000002"}, {"1023 r0000"});
         row("in two parts", "", 0, {"0 ra0000", "500 ~0002"}, {"516 r0000"});
         row("a part that nobody ends", "", 0, {"0 ra0000", "1008 ~0002"}, {});
     }
@@ -174,19 +191,24 @@ private slots:
         Pacing pacing(controller, disturbing, {10000, turnaroundMs});
         QByteArrayList replies;
         QByteArray reply;
-        for (qint64 ms = 0; ms < 3000; ++ms) {
-            while (!requests.isEmpty() && requests.first().split(' ')[0].toLongLong() == ms)
-                pacing.receive(partOf(requests.takeFirst().split(' ')[1]), ms * 1000000);
-            for (const char byte : pacing.transmit(ms * 1000000)) {
+        while (!requests.isEmpty() || pacing.nextNs() >= 0) {
+            const qint64 requestNs =
+                requests.isEmpty() ? -1 : requests.first().split(' ')[0].toLongLong() * 1000000;
+            const bool sends =
+                requestNs >= 0 && (pacing.nextNs() < 0 || requestNs <= pacing.nextNs());
+            const qint64 now = sends ? requestNs : pacing.nextNs();
+            if (sends)
+                pacing.receive(partOf(requests.takeFirst().split(' ')[1]), now);
+            for (const char byte : pacing.transmit(now)) {
                 reply += byte;
                 if (byte == '\x04') {
-                    replies += QByteArray::number(ms) + ' ' + reply.mid(1, reply.size() - 4);
+                    replies +=
+                        QByteArray::number(now / 1000000) + ' ' + reply.mid(1, reply.size() - 4);
                     reply.clear();
                 }
             }
         }
         QTEST(replies, "replies");
-        QCOMPARE(pacing.nextNs(), qint64(-1));
     }
 
     void holdsNoMoreRepliesThanALineWould()
