@@ -33,7 +33,7 @@ constexpr Command Commands[] = {
 QString usage()
 {
     QString text = QStringLiteral(
-        "Usage: tolvane-host COMMAND [options]\n"
+        "Usage: tolvane-host [options] COMMAND [options]\n"
         "Loads the driver library and talks through it, as a panel does.\n\nCommands:\n");
     for (const Command &command : Commands)
         text += QStringLiteral("  %1  %2\n")
@@ -41,31 +41,47 @@ QString usage()
                     .arg(QLatin1String(command.summary));
     return text +
            QStringLiteral(
-               "\ntolvane-host COMMAND --help tells about a command, --version the version.\n"
+               "\ntolvane-host COMMAND --help tells about a command, -v or --version the version.\n"
                "Exit status: 0 all right, 1 something failed, 2 bad input.\n");
 }
 
-int run(const QStringList &arguments)
+const Command *commandNamed(const QString &name)
 {
-    const QString name = arguments.value(1);
-    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
-        QTextStream(stdout) << usage();
-        return host::AllRight;
-    }
-    if (name == QLatin1String("--version")) {
-        QTextStream(stdout) << "tolvane-host " << QCoreApplication::applicationVersion() << '\n';
-        return host::AllRight;
-    }
     const auto *command = std::find_if(
         std::begin(Commands), std::end(Commands),
         [&](const Command &candidate) { return name == QLatin1String(candidate.name); });
-    if (command == std::end(Commands))
-        throw host::Failure(
-            (name.isEmpty() ? QStringLiteral("no command given")
-                            : QStringLiteral("there is no command \"%1\"").arg(name)) +
-                QStringLiteral("; tolvane-host --help lists them"),
-            host::BadInput);
-    return command->run(arguments);
+    return command == std::end(Commands) ? nullptr : command;
+}
+
+// Options may stand before the command. Which of them take a value only the command knows: so the
+// first word that names a command is it, and goes to the front.
+int run(QStringList arguments)
+{
+    const QString first = arguments.value(1);
+    if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
+        QTextStream(stdout) << usage();
+        return host::AllRight;
+    }
+    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+        QTextStream(stdout) << "tolvane-host " << QCoreApplication::applicationVersion() << '\n';
+        return host::AllRight;
+    }
+    const bool optionsFirst = first.startsWith(QLatin1Char('-'));
+    for (int i = 1; i < int(arguments.size()); ++i) {
+        const Command *command = commandNamed(arguments[i]);
+        if (command) {
+            arguments.move(i, 1);
+            return command->run(arguments);
+        }
+        if (!optionsFirst)
+            break;
+    }
+    throw host::Failure(
+        (first.isEmpty() ? QStringLiteral("no command given")
+         : optionsFirst  ? QStringLiteral("no command given behind \"%1\"").arg(first)
+                         : QStringLiteral("there is no command \"%1\"").arg(first)) +
+            QStringLiteral("; tolvane-host --help lists them"),
+        host::BadInput);
 }
 
 }  // namespace
@@ -78,7 +94,7 @@ int main(int argc, char *argv[])
     try {
         return run(QCoreApplication::arguments());
     } catch (const host::Failure &failure) {
-        QTextStream(stderr) << "tolvane-host: " << failure.what() << '\n';
+        QTextStream(stderr) << "tolvane-host: " << QString::fromUtf8(failure.what()) << '\n';
         return failure.status();
     }
 }

@@ -2,12 +2,10 @@
 #include "host/recipe_file.h"
 
 #include "host/failure.h"
+#include "host/whole_file.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
-
-#include <cstdio>
 
 namespace host {
 
@@ -48,14 +46,7 @@ void writeRecipeFile(const QString &path, const QVector<RecipeLine> &lines)
     for (const RecipeLine &line : lines)
         text += (line.address + QLatin1Char(',') + line.values).toUtf8() + '\n';
 
-    if (path == QLatin1String("-")) {
-        std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout);
-        return;
-    }
-    // The old file stays whole until the new one is.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-        throw Failure(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+    replaceFile(path, text);
 }
 
 }  // namespace host

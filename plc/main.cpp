@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QSaveFile>
 #include <QTimer>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 
@@ -34,16 +35,20 @@ QString load(const plc::Options &options, plc::Memory *memory)
     return wrong.isEmpty() ? QString() : QStringLiteral("%1, %2").arg(options.image, wrong);
 }
 
-/** Stores the image; returns what went wrong, or an empty text. */
+/** Stores the image in the place of the old one; returns what went wrong, or an empty text. */
 QString save(const plc::Options &options, const plc::Memory &memory)
 {
+    const QByteArray text = plc::saveImage(memory);
     QSaveFile file(options.image);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(plc::saveImage(memory));
-        if (file.commit())
-            return QString();
-    }
-    return QStringLiteral("%1: %2").arg(options.image, file.errorString());
+    // Only a flush tells whether the text found room on the disk; commit() alone would put an empty
+    // file in the place of a good one.
+    errno = 0;
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() &&
+        file.commit())
+        return QString();
+    const int error = errno;
+    return QStringLiteral("%1: %2").arg(options.image,
+                                        error != 0 ? qt_error_string(error) : file.errorString());
 }
 
 /** Opens the door that the options ask for; returns what went wrong, or an empty text. */

@@ -4,6 +4,8 @@
 #include "host/failure.h"
 #include "host/neighbours.h"
 
+#include <QtCore/QRegularExpression>
+
 namespace host {
 
 CommandLine::CommandLine(const QString &name, const QString &summary)
@@ -22,7 +24,12 @@ void CommandLine::read(const QStringList &arguments, int positionalArgumentCount
 {
     const QString advice = QStringLiteral("; see tolvane-host %1 --help").arg(m_name);
     if (!parse(arguments))
-        throw Failure(errorText() + advice, BadInput);
+        throw Failure(errorText().remove(QRegularExpression(QStringLiteral("\\.$"))) + advice,
+                      BadInput);
+    for (const QString &option : optionNames())
+        if (values(option).contains(QString()))
+            throw Failure(QStringLiteral("--%1 is empty; expected a value").arg(option) + advice,
+                          BadInput);
     if (isSet(m_help))
         showHelp();
     const QStringList given = positionalArguments().mid(1);

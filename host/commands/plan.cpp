@@ -5,8 +5,8 @@
 #include "host/failure.h"
 #include "host/plan/picture.h"
 #include "host/plan/plan_text.h"
+#include "host/whole_file.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 
 #include <limits>
@@ -17,15 +17,6 @@ namespace {
 
 constexpr int LongestTurnaroundMs = 10000;
 constexpr int HighestStation = 255;
-
-void save(const QString &path, const QByteArray &picture)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(picture) != picture.size() || !file.flush())
-        throw Failure(
-            QStringLiteral("cannot write the picture %1: %2").arg(path, file.errorString()),
-            BadInput);
-}
 
 }  // namespace
 
@@ -57,9 +48,11 @@ int planCommand(const QStringList &arguments)
     const QCommandLineOption suggest(
         QStringLiteral("suggest"),
         QStringLiteral("Also find the block limit with the shortest cycle."));
-    const QCommandLineOption svg(QStringLiteral("svg"),
-                                 QStringLiteral("Draw the cycle into this file."),
-                                 QStringLiteral("file"));
+    const QCommandLineOption svg(
+        QStringLiteral("svg"),
+        QStringLiteral("Draw the cycle into this file; - draws it to standard output, "
+                       "instead of the text."),
+        QStringLiteral("file"));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON object."));
     commandLine.addOptions({serial, turnaround, blockLimit, station, suggest, svg, json});
     commandLine.read(arguments, std::numeric_limits<int>::max());
@@ -93,7 +86,9 @@ int planCommand(const QStringList &arguments)
         plan.best = bestBlockLimit(driver, session, identity, points, plan.line);
 
     if (commandLine.isSet(svg))
-        save(commandLine.value(svg), drawPlan(driver, plan));
+        replaceFile(commandLine.value(svg), drawPlan(driver, plan));
+    if (commandLine.value(svg) == QLatin1String("-"))
+        return AllRight;
     QTextStream out(stdout);
     if (commandLine.isSet(json))
         out << QJsonDocument(planToJson(driver, plan)).toJson();

@@ -1,11 +1,13 @@
 // The port's settings and its errors.
 #include "host/line/serial_line.h"
 
+#include "host/port_device.h"
+
 namespace host {
 
 SerialLine::SerialLine(const QString &device, const LinePace &pace) : DeviceLine(m_port, pace)
 {
-    m_port.setPortName(device);
+    m_port.setPortName(portDevice(device));
     m_port.setBaudRate(pace.settings.baudRate);
     m_port.setDataBits(pace.settings.dataBits);
     m_port.setParity(pace.settings.parity);
@@ -22,24 +24,11 @@ bool SerialLine::timedOut()
     return timedOut;
 }
 
+// Of a device that was pulled out the system often says nothing that fits.
 QString SerialLine::deviceError() const
 {
-    switch (m_port.error()) {
-        case QSerialPort::PermissionError:
-            return QStringLiteral(
-                       "%1 (another program may hold it; a user of serial ports belongs to the "
-                       "group dialout)")
-                .arg(m_port.errorString());
-        // Of a device that was pulled out the system often says nothing that fits.
-        case QSerialPort::NoError:
-        case QSerialPort::UnknownError:
-        case QSerialPort::ResourceError:
-        case QSerialPort::TimeoutError:
-        case QSerialPort::UnsupportedOperationError:
-            return QStringLiteral("the device has gone");
-        default:
-            return m_port.errorString();
-    }
+    return m_port.isOpen() ? QStringLiteral("the device has gone")
+                           : portTrouble(m_port.portName(), m_port.errorString());
 }
 
 }  // namespace host

@@ -31,7 +31,7 @@ SerialSettings SerialSettings::parse(const QString &text)
     if (parts.size() == 2 && parts[1].size() == 3)  // 9600,8N1
         parts = QStringList{parts[0], parts[1].mid(0, 1), parts[1].mid(1, 1), parts[1].mid(2)};
     if (parts.size() != 4)
-        throw refuse(text, "the text", text, "baud,data bits,parity,stop bits");
+        throw refuse(text, "the text", text, "baud,data bits,parity,stop bits, such as 9600,8,N,1");
 
     SerialSettings settings;
     settings.baudRate = parts[0].toInt();
@@ -48,7 +48,7 @@ SerialSettings SerialSettings::parse(const QString &text)
     else if (isParity(parts[2], "ODD"))
         settings.parity = QSerialPort::OddParity;
     else if (!isParity(parts[2], "NONE"))
-        throw refuse(text, "parity", parts[2], "NONE, EVEN or ODD");
+        throw refuse(text, "parity", parts[2], "NONE, EVEN or ODD, or N, E or O");
 
     if (parts[3] == QLatin1String("2"))
         settings.stopBits = QSerialPort::TwoStop;
