@@ -5,9 +5,14 @@
 
 #include <QtCore/QRegularExpression>
 
+#include <algorithm>
+
 namespace host {
 
 namespace {
+
+constexpr int MostUnits = 1 << 20;  // beyond every type's
+constexpr int BitsPerWord = 16;
 
 enum Validity { Valid, WrongKind, OutOfRange, UnknownType, NoAddress };
 
@@ -37,11 +42,11 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
     Point point;
     point.stationNo = stationNo;
     point.regName = match.captured(1);
-    point.count = unitsPerValue;
-    if (!match.captured(3).isEmpty())
-        point.count *= match.captured(3).toInt();
-    if (point.count < 1)
-        throw refuse(text, QStringLiteral("expected a count of 1 or more"));
+    const int values = match.captured(3).isEmpty() ? 1 : match.captured(3).toInt();
+    if (values < 1 || values > MostUnits / unitsPerValue)
+        throw refuse(
+            text, QStringLiteral("expected a count from 1 to %1").arg(MostUnits / unitsPerValue));
+    point.count = values * unitsPerValue;
     const RegisterType *type = identity.type(point.regName);
     if (!type)
         throw refuse(text, QStringLiteral("no register type \"%1\"; there are\n  %2")
@@ -54,20 +59,47 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
         throw refuse(text, QStringLiteral("\"%1\" is no address of the form %2")
                                .arg(match.captured(2), type->pattern));
     if (verdict == OutOfRange)
-        throw refuse(text, QStringLiteral("outside %1, which reaches from %2 to %3")
-                               .arg(type->name, type->firstAddress, type->lastAddress));
+        throw refuse(text,
+                     QStringLiteral("outside %1, which reaches from %2 to %3")
+                             .arg(type->name, type->firstAddress, type->lastAddress) +
+                         (unitsPerValue == 1
+                              ? QString()
+                              : QStringLiteral("\n  (a value takes %1 words)").arg(unitsPerValue)));
     if (verdict != Valid)
         throw refuse(text, QStringLiteral("refused by the driver with code %1").arg(verdict));
     return point;
 }
 
-QString pointText(const Driver &driver, const Point &point)
+QString memoryArea(const QString &regName)
+{
+    return regName.section(QLatin1Char('_'), 0, 0);
+}
+
+int unitsPerUnit(const Point &point, const Point &block)
+{
+    return point.isBit && point.regName != block.regName ? BitsPerWord : 1;
+}
+
+Part partInside(const Point &point, const Point &block)
+{
+    if (point.stationNo != block.stationNo ||
+        memoryArea(point.regName) != memoryArea(block.regName))
+        return {};
+    const int scale = unitsPerUnit(point, block);
+    const int first = std::max(point.address, block.address * scale);
+    const int end = std::min(point.address + point.count, (block.address + block.count) * scale);
+    return {first - point.address, std::max(0, end - first)};
+}
+
+QString pointText(const Driver &driver, const Point &point, bool withStation)
 {
     QVector<QString> texts;
     QVector<int> numbers;
     driver.multiCopy(point.regName, point.address, 1, 1, texts, numbers);
     const QString address = texts.isEmpty() ? QString::number(point.address) : texts.first();
-    const QString text = point.regName + QLatin1Char(':') + address;
+    QString text = point.regName + QLatin1Char(':') + address;
+    if (withStation)
+        text.prepend(QStringLiteral("%1/").arg(point.stationNo));
     return point.count == 1 ? text : QStringLiteral("%1x%2").arg(text).arg(point.count);
 }
 

@@ -25,8 +25,24 @@ struct Point
 Point parsePoint(const Driver &driver, const Identity &identity, const QString &text, int stationNo,
                  int unitsPerValue = 1);
 
-/** The point in the form that parsePoint() reads. */
-QString pointText(const Driver &driver, const Point &point);
+/** The point in the form that parsePoint() reads; with its station in front: "2/D_W:100". */
+QString pointText(const Driver &driver, const Point &point, bool withStation = false);
+
+/** Units of one point: words, or bits of a bit type; counted from the point's first. */
+struct Part
+{
+    int first = 0;
+    int count = 0;  ///< 0: none
+};
+
+/** The memory that a type lies in: "M" for M_W and M_bit, "TX" for TX. */
+QString memoryArea(const QString &regName);
+
+/** Units of the point to one of the block: 16 for bits "M_bit" in words "M_W", else 1. */
+int unitsPerUnit(const Point &point, const Point &block);
+
+/** The part of the point that lies in the block. Bits "M_bit" lie in the words "M_W". */
+Part partInside(const Point &point, const Point &block);
 
 }  // namespace host
 

@@ -15,7 +15,7 @@ QString addressText(const Driver &driver, const Tag &tag)
 {
     Point point = tag.point;
     point.count = valueCount(tag);
-    return pointText(driver, point);
+    return pointText(driver, point, tag.stationNamed);
 }
 
 QString addressText(const Driver &driver, const Tag &tag, int value)
@@ -23,7 +23,7 @@ QString addressText(const Driver &driver, const Tag &tag, int value)
     Point point = tag.point;
     point.address += value * (point.count / valueCount(tag));
     point.count = 1;
-    return pointText(driver, point);
+    return pointText(driver, point, tag.stationNamed);
 }
 
 TagColumns::TagColumns(const Driver &driver, const QVector<Tag> &tags) : m_driver(driver)
@@ -47,7 +47,9 @@ QString TagColumns::text(const Tag &tag) const
 QJsonObject tagObject(const Driver &driver, const Tag &tag)
 {
     return {{QStringLiteral("name"), tag.name},
-            {QStringLiteral("address"), addressText(driver, tag)}};
+            {QStringLiteral("address"), addressText(driver, tag)},
+            {QStringLiteral("number"), tag.point.address},
+            {QStringLiteral("station"), tag.point.stationNo}};
 }
 
 QJsonArray valueArray(const QStringList &values)

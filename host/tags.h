@@ -4,65 +4,66 @@
 #define TOLVANE_HOST_TAGS_H
 
 #include "host/address.h"
+#include "host/format.h"
 
 namespace host {
-
-/** How values are written. Bit types are always Plain. */
-enum class Format {
-    Plain,  ///< a word as 0 to 65535, a bit as 0 or 1
-    Int16,
-    UInt16,
-    Int32,
-    UInt32,
-    Float,
-    Hex  ///< a word as 0x0000 to 0xFFFF
-};
 
 struct Tag
 {
     QString name;  ///< as given, or else the address as written
     Point point;   ///< its count is in words or bits: two words for each 32-bit value
-    Format format = Format::Plain;
-    QString source;  ///< where it was given, such as "tags.csv:3" or "argument 2"
+    Form form;     ///< of each value
+    QString unit;  ///< what numbers measure, such as "bar"; may be empty
+    QString comment;
+    QString source;             ///< where it was given, such as "tags.csv:3" or "argument 2"
+    bool stationNamed = false;  ///< the station was given with the address
 };
 
 /** A tag as it was given, not judged yet. */
 struct TagText
 {
     QString name;     ///< may be empty
-    QString address;  ///< with the format, if any: "D_W:100x10:float"
+    QString address;  ///< with station and format, if any: "2/D_W:100x10:float"
     QString source;   ///< as Tag::source
+    Form scaling;     ///< scale, offset and decimals
+    QString unit;
+    QString comment;
 };
 
 /**
  * Collects what is to be read or written: each argument is an address with an optional name before
- * it and an optional format behind it, such as "level=D_W:100x10:float", or the path of a tag file
- * (*.csv: name,address,format; the format may be missing; empty lines, lines starting with # and
- * the header are passed over). Throws Failure (bad input) for files that are no tag files.
+ * it, station in front and format behind, such as "level=2/D_W:100x10:float", or the path of a tag
+ * file (*.csv; tagFiles may be called otherwise). Throws Failure (bad input) for files that are no
+ * tag files.
  */
-QVector<TagText> collectTags(const QStringList &arguments);
+QVector<TagText> collectTags(const QStringList &arguments,
+                             const QStringList &tagFiles = QStringList());
 
 /**
- * Reads one address, its count in values, and has the driver check it. Throws Failure (bad input)
- * that names the tag, where it was given, and what is wrong or the range of the type.
+ * Reads one address, its count in values, and has the driver check it; stationNo is for addresses
+ * without one. Throws Failure (bad input) that names the tag, where it was given, and what is wrong
+ * or the range of the type.
  */
+Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text, int stationNo);
 Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
              const QString &address, int stationNo, const QString &source);
 
 /** Collects the tags and reads them all; throws as both do. */
 QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
-                       int stationNo);
+                       int stationNo, const QStringList &tagFiles = QStringList());
 
-/** Values of the tag: its words, its bits, or pairs of its words. */
+/** Values of the tag: its words, its bits, or runs of its words. */
 int valueCount(const Tag &tag);
 
-/** The tag's words (0 to 65535) or bits (0 and 1), one text a value; pairs are low word first. */
+/** The tag's words (0 to 65535) or bits (0 and 1), one text a value. */
 QStringList formatValues(const Tag &tag, const QVector<int> &units);
 
+/** The values as one text with commas between: strings that hold one are in quotes. */
+QString joinedValues(const Tag &tag, const QVector<int> &units);
+
 /**
- * The other way: "5" or "1,2,3", one value for each of the tag's, as words or bits. Numbers may be
- * written as 0x... where the format has no sign. Throws Failure (bad input) that names the text
- * and what was expected.
+ * The other way: "5" or "1,2,3", one value for each of the tag's, as words or bits. Throws Failure
+ * (bad input) that names the text and what was expected.
  */
 QVector<int> parseValues(const Tag &tag, const QString &text);
 

@@ -3,7 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/connection.h"
 #include "host/failure.h"
-#include "host/tags.h"
+#include "host/tag_text.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -60,12 +60,13 @@ int checkCommand(const QStringList &arguments)
                            {QStringLiteral("source"), text.source}};
         QString verdict;
         try {
-            const Point point =
-                parseTag(driver, identity, text.name, text.address, 0, text.source).point;
+            const Tag tag = parseTag(driver, identity, text, 0);
+            const Point &point = tag.point;
             verdict = QStringLiteral("%1: valid, %2 from address number %3")
                           .arg(label, unitsText(point))
                           .arg(point.address);
-            object.insert(QStringLiteral("address"), point.address);
+            object.insert(QStringLiteral("address"), addressText(driver, tag));
+            object.insert(QStringLiteral("number"), point.address);
             object.insert(QStringLiteral("units"), point.count);
         } catch (const Failure &failure) {
             ++refused;
@@ -119,8 +120,9 @@ int seriesCommand(const QStringList &arguments)
     if (commandLine.isSet(json)) {
         QJsonArray array;
         for (int i = 0; i < int(texts.size()); ++i)
-            array.append(QJsonObject{{QStringLiteral("address"), texts[i]},
-                                     {QStringLiteral("number"), numbers[i]}});
+            array.append(QJsonObject{
+                {QStringLiteral("address"), first.regName + QLatin1Char(':') + texts[i]},
+                {QStringLiteral("number"), numbers[i]}});
         out << QJsonDocument(array).toJson();
     } else {
         for (int i = 0; i < int(texts.size()); ++i)

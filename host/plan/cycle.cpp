@@ -4,7 +4,10 @@
 #include "host/failure.h"
 #include "host/frame_text.h"
 
+#include <QtCore/QHash>
+
 #include <algorithm>
+#include <numeric>
 
 namespace host {
 
@@ -12,10 +15,42 @@ namespace {
 
 constexpr int BitsPerWord = 16;
 
-// Types that end in _bit lie in the words of their letter.
-QString memoryArea(const QString &regName)
+CycleCosts costsOf(CycleCosts costs, const LineCosts &line)
 {
-    return regName.section(QLatin1Char('_'), 0, 0);
+    costs.wireTime = line.wireTime(costs.bytes);
+    costs.time = costs.wireTime + costs.requests * line.turnaround;
+    return costs;
+}
+
+QString laneOf(const Point &point)
+{
+    return QStringLiteral("%1/%2").arg(point.stationNo).arg(memoryArea(point.regName));
+}
+
+// The blocks of one memory area of one station by their addresses, with how far any block up to
+// each of them reaches: blocks may overlap.
+struct Lane
+{
+    QVector<int> blocks;
+    QVector<int> reach;
+};
+
+QHash<QString, Lane> lanesOf(const QVector<Block> &blocks)
+{
+    QHash<QString, Lane> lanes;
+    QVector<int> order(blocks.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](int left, int right) {
+        return blocks[left].point.address < blocks[right].point.address;
+    });
+    for (const int index : std::as_const(order)) {
+        const Point &point = blocks[index].point;
+        Lane &lane = lanes[laneOf(point)];
+        const int end = point.address + point.count;
+        lane.reach.append(lane.reach.isEmpty() ? end : std::max(end, lane.reach.last()));
+        lane.blocks.append(index);
+    }
+    return lanes;
 }
 
 Block nextBlock(const Driver &driver, const Identity &identity)
@@ -59,23 +94,17 @@ CycleCosts costsOf(const QVector<Block> &blocks, const LineCosts &line)
     costs.requests = int(blocks.size());
     for (const Block &block : blocks)
         costs.bytes += block.bytes();
-    costs.wireTime = line.wireTime(costs.bytes);
-    costs.time = costs.wireTime + costs.requests * line.turnaround;
-    return costs;
+    return costsOf(costs, line);
 }
 
 Span unitsOf(const Block &block, const Point &point)
 {
-    if (point.stationNo != block.point.stationNo ||
-        memoryArea(point.regName) != memoryArea(block.point.regName))
+    const Part part = partInside(point, block.point);
+    if (part.count == 0)
         return {};
-    const bool inWords = point.isBit && !block.point.isBit;
-    const int perUnit = inWords ? BitsPerWord : 1;
-    const int first = point.address / perUnit;
-    const int end = (point.address + point.count - 1) / perUnit + 1;
-    const int from = std::max(first, block.point.address);
-    const int to = std::min(end, block.point.address + block.point.count);
-    return from < to ? Span{from, to - from} : Span();
+    const int scale = unitsPerUnit(point, block.point);
+    const int first = (point.address + part.first) / scale;
+    return {first, (point.address + part.first + part.count - 1) / scale + 1 - first};
 }
 
 QVector<Block> walkCycle(const Driver &driver, Session &session, const Identity &identity,
@@ -91,10 +120,24 @@ QVector<Block> walkCycle(const Driver &driver, Session &session, const Identity 
 CycleCosts costsOneByOne(const Driver &driver, Session &session, const Identity &identity,
                          const QVector<Point> &points, const LineCosts &line)
 {
-    QVector<Block> blocks;
-    for (const Point &point : points)
-        blocks += walkCycle(driver, session, identity, {point});
-    return costsOf(blocks, line);
+    // What a point costs depends on its type and extent, not on where it lies.
+    QHash<QString, CycleCosts> known;
+    CycleCosts all;
+    for (const Point &point : points) {
+        const QString extent = QStringLiteral("%1 %2 %3")
+                                   .arg(point.regName)
+                                   .arg(point.count)
+                                   .arg(point.isBit ? point.address % BitsPerWord : 0);
+        auto costs = known.constFind(extent);
+        if (costs == known.constEnd()) {
+            session.restart();
+            costs =
+                known.insert(extent, costsOf(walkCycle(driver, session, identity, {point}), line));
+        }
+        all.requests += costs->requests;
+        all.bytes += costs->bytes;
+    }
+    return costsOf(all, line);
 }
 
 BlockLimit bestBlockLimit(const Driver &driver, Session &session, const Identity &identity,
@@ -114,19 +157,32 @@ BlockLimit bestBlockLimit(const Driver &driver, Session &session, const Identity
 
 void assignTags(QVector<Block> &blocks, const QVector<Tag> &tags)
 {
-    for (Block &block : blocks) {
-        QVector<Span> covered;
-        for (int i = 0; i < int(tags.size()); ++i) {
-            const Span span = unitsOf(block, tags[i].point);
-            if (span.count == 0)
-                continue;
-            block.tags.append(i);
-            covered.append(span);
+    const QHash<QString, Lane> lanes = lanesOf(blocks);
+    QVector<QVector<Span>> covered(blocks.size());
+    for (int tag = 0; tag < int(tags.size()); ++tag) {
+        const Lane lane = lanes.value(laneOf(tags[tag].point));
+        const int perUnit =
+            lane.blocks.isEmpty() ? 1 : unitsPerUnit(tags[tag].point, blocks[lane.blocks[0]].point);
+        const int first = tags[tag].point.address / perUnit;
+        int at =
+            int(std::upper_bound(lane.reach.begin(), lane.reach.end(), first) - lane.reach.begin());
+        for (; at < int(lane.blocks.size()); ++at) {
+            Block &block = blocks[lane.blocks[at]];
+            const Span span = unitsOf(block, tags[tag].point);
+            if (span.count > 0) {
+                block.tags.append(tag);
+                covered[lane.blocks[at]].append(span);
+            } else if (block.point.address > first) {
+                break;
+            }
         }
-        std::sort(covered.begin(), covered.end(),
+    }
+    for (int i = 0; i < int(blocks.size()); ++i) {
+        Block &block = blocks[i];
+        std::sort(covered[i].begin(), covered[i].end(),
                   [](const Span &left, const Span &right) { return left.first < right.first; });
         int reached = block.point.address;
-        for (const Span &span : std::as_const(covered)) {
+        for (const Span &span : std::as_const(covered[i])) {
             if (span.first > reached)
                 block.bridged.append(Span{reached, span.first - reached});
             reached = std::max(reached, span.end());

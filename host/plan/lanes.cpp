@@ -15,7 +15,6 @@ constexpr double ShortestSegment = 34;  // room for an address below and a numbe
 constexpr int ShortPiece = 4;           // units
 constexpr double WidestUnit = 30;
 constexpr double ThinnestBar = 3;
-constexpr double BitsPerWord = 16;
 
 Span spanOf(const Block &block)
 {
@@ -144,10 +143,10 @@ const Segment &segmentAt(const Row &row, const Block &block)
 
 void placeTag(Row &row, const Block &block, const Segment &segment, int index, const Point &point)
 {
-    const double scale = point.isBit && !block.point.isBit ? BitsPerWord : 1;
-    const Span units = spanOf(block);
-    const double first = std::max<double>(point.address / scale, units.first);
-    const double end = std::min<double>((point.address + point.count) / scale, units.end());
+    const Part part = partInside(point, block.point);
+    const double scale = unitsPerUnit(point, block.point);
+    const double first = (point.address + part.first) / scale;
+    const double end = (point.address + part.first + part.count) / scale;
     Bar bar;
     bar.index = index;
     bar.place.left = segment.at(first);

@@ -95,7 +95,7 @@ void TestOffline::initTestCase()
     m_identity = identify(m_driver);
     save("tags.csv", TagFile);
     save("wrong.csv", "name,address\nlevel,D_W:100\n\nflood,D_W:32767:float\n");
-    save("columns.csv", "level;D_W:100;float\n");
+    save("columns.csv", "name,address,colour\n");
     save("empty.csv", "name,address,format\n# nothing\n");
     save("good.trace",
          "2026-11-22T22:41:05.123  ->  02 72 61 43 38 30 30 30 30 30 34 37 32 03  read 2 words\n"
@@ -216,10 +216,10 @@ void TestOffline::command_data()
         1,
         "^argument 1: .*from 0 to 32767\nargument 2: .*\"1\\.16\".*DDDD\\.DD\n"
         "argument 3: .*\"X\".*\n  P_W, .*\nlevel: valid.*\nwrong\\.csv:4: tag \"flood\": "
-        ".*32767\n$");
+        ".*32767\n  \\(a value takes 2 words\\)\n$");
     refused("check no tag file", {"check", file("none.csv")}, "none\\.csv: No such file");
     refused("check another file", {"check", file("columns.csv")},
-            "columns\\.csv:1: .*expected name,address,format");
+            "columns\\.csv:1: \"colour\": expected columns out of name, ");
     refused("check an empty file", {"check", file("empty.csv")}, "no tag in .*empty\\.csv");
 
     row("series", {"series", "M_bit:20.15", "--count", "2"}, 0,
