@@ -4,6 +4,7 @@
 #include "host/failure.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 
 namespace host {
 
@@ -48,7 +49,8 @@ QStringList csvFields(const QString &line, QChar separator, bool *ok)
 
 QString csvField(QString text)
 {
-    if (!text.contains(QLatin1Char(',')) && !text.contains(Quote) && text == text.trimmed())
+    static const QRegularExpression special(QStringLiteral("[,;\"]|^\\s|\\s$"));
+    if (!text.contains(special))
         return text;
     return Quote + text.replace(Quote, QLatin1String("\"\"")) + Quote;
 }

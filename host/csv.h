@@ -12,7 +12,7 @@ namespace host {
  */
 QStringList csvFields(const QString &line, QChar separator, bool *ok);
 
-/** The text as one field: in quotes when it holds a comma, a quote or outer blanks. */
+/** The text as one field: in quotes when it holds a separator, a quote or outer blanks. */
 QString csvField(QString text);
 
 /** ';' for a line that holds one outside quotes, as some spreadsheets write it, else ','. */

@@ -1,52 +1,77 @@
 // Reads and writes recipe files.
 #include "host/recipe_file.h"
 
+#include "host/csv.h"
 #include "host/failure.h"
 #include "host/whole_file.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+
+#include <utility>
 
 namespace host {
 
 namespace {
 
-const char *const Header = "address,values";
+const QString Header = QStringLiteral("address,values");
+
+RecipeLine lineOf(const Driver &driver, const Identity &identity, const QString &text,
+                  int stationNo, const QString &source)
+{
+    bool ok = false;
+    QStringList fields = csvFields(text, csvSeparator(text), &ok);
+    if (!ok)
+        throw Failure(QStringLiteral("%1: \"%2\": expected each quote to be closed at its field's "
+                                     "end")
+                          .arg(source, text),
+                      BadInput);
+    RecipeLine line;
+    line.address = fields.takeFirst();
+    line.tag = parseTag(driver, identity, QString(), line.address, stationNo, source);
+    while (fields.size() > valueCount(line.tag) && fields.last().isEmpty())
+        fields.removeLast();  // spreadsheets fill lines up
+    for (QString &field : fields)
+        field = csvField(field);
+    line.values = fields.join(QLatin1Char(','));
+    return line;
+}
 
 }  // namespace
 
 QVector<RecipeLine> readRecipeFile(const Driver &driver, const Identity &identity,
                                    const QString &path, int stationNo)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(QStringLiteral("cannot read the recipe %1: %2").arg(path, file.errorString()),
-                      BadInput);
     QVector<RecipeLine> recipe;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    QStringList before;
+    const QStringList lines = readLines(path, QStringLiteral("recipe"));
     for (int i = 0; i < int(lines.size()); ++i) {
-        const QString text = lines[i].trimmed();
-        if (text.isEmpty() || text.startsWith(QLatin1Char('#')) || text == QLatin1String(Header))
+        const QString &text = lines[i];
+        const bool isHeader = text.startsWith(QLatin1String("address"), Qt::CaseInsensitive);
+        if (isHeader || text.isEmpty() || text.startsWith(QLatin1Char('#'))) {
+            before.append(isHeader ? Header : text);
             continue;
-        RecipeLine line;
-        line.address = text.section(QLatin1Char(','), 0, 0).trimmed();
-        line.values = text.section(QLatin1Char(','), 1).trimmed();
+        }
         const QString source = QStringLiteral("%1:%2").arg(QFileInfo(path).fileName()).arg(i + 1);
-        line.tag = parseTag(driver, identity, QString(), line.address, stationNo, source);
-        recipe.append(line);
+        recipe.append(lineOf(driver, identity, text, stationNo, source));
+        recipe.last().before = std::exchange(before, QStringList());
     }
     if (recipe.isEmpty())
         throw Failure(QStringLiteral("there is no address in %1").arg(path), BadInput);
+    if (!before.isEmpty() && before.last().isEmpty())
+        before.removeLast();  // what follows the last end of line
+    recipe.last().after = before;
     return recipe;
 }
 
 void writeRecipeFile(const QString &path, const QVector<RecipeLine> &lines)
 {
-    QByteArray text = QByteArray(Header) + '\n';
+    QStringList all;
     for (const RecipeLine &line : lines)
-        text += (line.address + QLatin1Char(',') + line.values).toUtf8() + '\n';
-
-    replaceFile(path, text);
+        all +=
+            line.before + QStringList(line.address + QLatin1Char(',') + line.values) + line.after;
+    if (!lines.isEmpty() && lines.first().before.isEmpty())
+        all.prepend(Header);
+    replaceFile(path, all.join(QLatin1Char('\n')).toUtf8() + '\n');
 }
 
 }  // namespace host

@@ -1,6 +1,8 @@
 // Lays tags out in columns and in JSON.
 #include "host/tag_text.h"
 
+#include "host/csv.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -16,6 +18,14 @@ QString addressText(const Driver &driver, const Tag &tag)
     Point point = tag.point;
     point.count = valueCount(tag);
     return pointText(driver, point, tag.stationNamed);
+}
+
+QString valuesText(const Tag &tag, const QStringList &values)
+{
+    QStringList texts;
+    for (const QString &value : values)
+        texts += csvField(value) + (tag.unit.isEmpty() ? QString() : QLatin1Char(' ') + tag.unit);
+    return texts.join(QLatin1String(", "));
 }
 
 QString addressText(const Driver &driver, const Tag &tag, int value)

@@ -15,6 +15,10 @@ bool hasOwnName(const Driver &driver, const Tag &tag);
 /** The tag's address, its count in values: "D_W:100x2" for two values of any format. */
 QString addressText(const Driver &driver, const Tag &tag);
 
+/** The values for people: "1.5 bar, 2 bar" with the tag's unit, strings that hold a comma quoted.
+ */
+QString valuesText(const Tag &tag, const QStringList &values);
+
 /** The address of one of the tag's values. */
 QString addressText(const Driver &driver, const Tag &tag, int value);
 

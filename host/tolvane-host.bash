@@ -7,7 +7,7 @@ _tolvane_host()
         --block-limit --timeout --quiet --listen --trace"
     if [[ $COMP_CWORD == 1 ]]; then
         candidates="check demo explain info plan read recipe series soak watch write
-            --help --version"
+            --help --version -v"
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
     fi
@@ -44,12 +44,13 @@ _tolvane_host()
     plan)
         candidates="--serial --turnaround --block-limit --station --suggest --svg --json"
         ;;
-    read | write) candidates="$line --json" ;;
+    read) candidates="$line --tags --json" ;;
+    write) candidates="$line --json" ;;
     watch) candidates="$line --csv --for" ;;
     recipe)
-        candidates=$line
+        candidates="$line --tags"
         if [[ $COMP_CWORD == 2 ]]; then
-            candidates="pull push $line"
+            candidates="pull push $candidates"
         fi
         ;;
     soak)

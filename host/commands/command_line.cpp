@@ -40,6 +40,20 @@ void CommandLine::read(const QStringList &arguments, int positionalArgumentCount
             BadInput);
 }
 
+void CommandLine::addTagFileOption()
+{
+    addOption(QCommandLineOption(
+        QStringLiteral("tags"),
+        QStringLiteral("A tag file with the addresses; its tags are read in as few requests as "
+                       "the driver plans."),
+        QStringLiteral("file")));
+}
+
+QStringList CommandLine::tagFiles() const
+{
+    return values(QStringLiteral("tags"));
+}
+
 QString CommandLine::driverPath() const
 {
     return isSet(m_driver) ? value(m_driver) : findDriver();

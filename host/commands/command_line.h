@@ -18,6 +18,10 @@ public:
      */
     void read(const QStringList &arguments, int positionalArguments = 0);
 
+    /** Declares --tags, which may be given several times; of a tag file by any name. */
+    void addTagFileOption();
+    QStringList tagFiles() const;
+
     /** The driver library to load: --driver, or the one beside the program. */
     QString driverPath() const;
 

@@ -3,6 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/connection.h"
 #include "host/failure.h"
+#include "host/tag_reader.h"
 #include "host/tag_text.h"
 
 #include <QtCore/QJsonDocument>
@@ -21,19 +22,21 @@ int readCommand(const QStringList &arguments)
         QStringLiteral("addresses"),
         QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
         QStringLiteral("ADDRESS..."));
+    commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Print a JSON array, an object a tag."));
     commandLine.addOption(json);
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList addresses = commandLine.positionalArguments().mid(1);
-    if (addresses.isEmpty())
-        throw Failure(QStringLiteral("nothing to read; expected ADDRESS..."), BadInput);
+    if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
+        throw Failure(QStringLiteral("nothing to read; expected ADDRESS... or --tags FILE"),
+                      BadInput);
 
     Connection connection(commandLine);
     const Driver &driver = connection.driver();
-    const QVector<Tag> tags =
-        parseTags(driver, connection.identity(), addresses, connection.stationNo());
+    const QVector<Tag> tags = parseTags(driver, connection.identity(), addresses,
+                                        connection.stationNo(), commandLine.tagFiles());
     const TagColumns columns(driver, tags);
     const bool asJson = commandLine.isSet(json);
     connection.open();
@@ -42,21 +45,20 @@ int readCommand(const QStringList &arguments)
     QTextStream err(stderr);
     QJsonArray array;
     int failed = 0;
-    // One after the other: a failed read takes those that are queued behind it along.
-    for (const Tag &tag : tags) {
-        connection.session().readOnce(tag.point);
-        const QStringList errors = connection.finish();
+    const QVector<TagReading> readings = readTags(connection, tags);
+    for (int i = 0; i < int(tags.size()); ++i) {
+        const Tag &tag = tags[i];
+        const TagReading &reading = readings[i];
         QJsonObject object = tagObject(driver, tag);
-        if (!errors.isEmpty()) {
+        if (!reading.error.isEmpty()) {
             ++failed;
-            err << "tolvane-host: " << tag.name << ": " << errors.first() << '\n' << Qt::flush;
-            object.insert(QStringLiteral("error"), errors.first());
+            err << "tolvane-host: " << tag.name << ": " << reading.error << '\n' << Qt::flush;
+            object.insert(QStringLiteral("error"), reading.error);
         } else {
-            const QStringList values = formatValues(tag, connection.session().values(tag.point));
+            const QStringList values = formatValues(tag, reading.units);
             object.insert(QStringLiteral("values"), valueArray(values));
             if (!asJson)
-                out << columns.text(tag) << "  " << values.join(QLatin1String(", ")) << '\n'
-                    << Qt::flush;
+                out << columns.text(tag) << "  " << valuesText(tag, values) << '\n' << Qt::flush;
         }
         array.append(object);
     }

@@ -4,6 +4,7 @@
 #include "host/failure.h"
 #include "host/recipe_file.h"
 #include "host/recipe_transfer.h"
+#include "host/tag_reader.h"
 
 #include <QtCore/QTextStream>
 
@@ -21,29 +22,33 @@ constexpr int BarWidth = 40;
 class ProgressBar
 {
 public:
-    ProgressBar(RecipeTransfer &transfer, const QString &title)
-        : m_transfer(transfer), m_shown(::isatty(STDERR_FILENO) == 1)
+    explicit ProgressBar(const QString &title)
+        : m_title(title), m_shown(::isatty(STDERR_FILENO) == 1)
     {
-        if (!m_shown)
-            return;
-        transfer.progress = [title](int blocks, int units, int allUnits) {
-            const int done = int(qint64(BarWidth) * qMin(units, allUnits) / allUnits);
-            QTextStream(stderr) << '\r' << title << " [" << QString(done, QLatin1Char('#'))
-                                << QString(BarWidth - done, QLatin1Char(' ')) << "] " << units
-                                << " of " << allUnits << " in " << blocks << " blocks";
-        };
     }
     ~ProgressBar()
     {
-        m_transfer.progress = nullptr;
         if (m_shown)
             QTextStream(stderr) << '\n';
     }
     ProgressBar(const ProgressBar &) = delete;
     ProgressBar &operator=(const ProgressBar &) = delete;
 
+    /** To be called after each block; empty where nobody sees the bar. */
+    std::function<void(int blocks, int units, int allUnits)> progress() const
+    {
+        if (!m_shown)
+            return nullptr;
+        return [title = m_title](int blocks, int units, int allUnits) {
+            const int done = int(qint64(BarWidth) * qMin(units, allUnits) / allUnits);
+            QTextStream(stderr) << '\r' << title << " [" << QString(done, QLatin1Char('#'))
+                                << QString(BarWidth - done, QLatin1Char(' ')) << "] " << units
+                                << " of " << allUnits << " in " << blocks << " blocks";
+        };
+    }
+
 private:
-    RecipeTransfer &m_transfer;
+    QString m_title;
     bool m_shown;
 };
 
@@ -55,27 +60,37 @@ QVector<Tag> tagsOf(const QVector<RecipeLine> &lines)
     return tags;
 }
 
-int pull(Connection &connection, const QString &path, const QStringList &addresses)
+// The lines that a recipe begins with: those of its file, or what is asked for.
+QVector<RecipeLine> linesToPull(Connection &connection, const QString &path,
+                                const QStringList &addresses, const QStringList &tagFiles)
 {
+    if (addresses.isEmpty() && tagFiles.isEmpty())
+        return readRecipeFile(connection.driver(), connection.identity(), path,
+                              connection.stationNo());
     QVector<RecipeLine> lines;
-    if (addresses.isEmpty())
-        lines = readRecipeFile(connection.driver(), connection.identity(), path,
-                               connection.stationNo());
-    for (int i = 0; i < int(addresses.size()); ++i) {
-        const Tag tag =
-            parseTag(connection.driver(), connection.identity(), QString(), addresses[i],
-                     connection.stationNo(), QStringLiteral("argument %1").arg(i + 3));
-        lines.append({tag, addresses[i], QString()});
+    for (TagText text : collectTags(addresses, tagFiles)) {
+        text.scaling = Form();  // a recipe holds what the controller holds
+        lines.append(
+            {parseTag(connection.driver(), connection.identity(), text, connection.stationNo()),
+             text.address, QString()});
     }
-    RecipeTransfer transfer(connection, tagsOf(lines));
+    return lines;
+}
+
+int pull(Connection &connection, const QString &path, const QStringList &addresses,
+         const QStringList &tagFiles)
+{
+    QVector<RecipeLine> lines = linesToPull(connection, path, addresses, tagFiles);
+    const RecipeTransfer pushable(connection, tagsOf(lines));  // throws where a push would
     connection.open();
-    QVector<QVector<int>> values;
-    {
-        const ProgressBar bar(transfer, QStringLiteral("pull"));
-        values = transfer.read();
+    const ProgressBar bar(QStringLiteral("pull"));
+    const QVector<TagReading> readings = readTags(connection, tagsOf(lines), bar.progress());
+    for (int i = 0; i < int(lines.size()); ++i) {
+        if (!readings[i].error.isEmpty())
+            throw Failure(QStringLiteral("%1: %2; %3 stays as it was")
+                              .arg(lines[i].address, readings[i].error, path));
+        lines[i].values = joinedValues(lines[i].tag, readings[i].units);
     }
-    for (int i = 0; i < int(lines.size()); ++i)
-        lines[i].values = formatValues(lines[i].tag, values[i]).join(QLatin1Char(','));
     writeRecipeFile(path, lines);
     return AllRight;
 }
@@ -90,12 +105,14 @@ int push(Connection &connection, const QString &path)
     RecipeTransfer transfer(connection, tagsOf(lines));
     connection.open();
     {
-        const ProgressBar bar(transfer, QStringLiteral("push"));
+        const ProgressBar bar(QStringLiteral("push"));
+        transfer.progress = bar.progress();
         transfer.write(wanted);
     }
     QVector<QVector<int>> found;
     {
-        const ProgressBar bar(transfer, QStringLiteral("check"));
+        const ProgressBar bar(QStringLiteral("check"));
+        transfer.progress = bar.progress();
         found = transfer.read();
     }
 
@@ -106,7 +123,7 @@ int push(Connection &connection, const QString &path)
             continue;
         ++differing;
         out << lines[i].address << ": wrote " << lines[i].values << ", the controller holds "
-            << formatValues(lines[i].tag, found[i]).join(QLatin1Char(',')) << '\n';
+            << joinedValues(lines[i].tag, found[i]) << '\n';
     }
     out << lines.size() - differing << " of " << lines.size()
         << " addresses written and read back alike\n";
@@ -131,6 +148,7 @@ int recipeCommand(const QStringList &arguments)
         QStringLiteral("addresses"),
         QStringLiteral("For pull, to begin a recipe: such as D_W:100x10:float or M_bit:20.5x8."),
         QStringLiteral("[ADDRESS...]"));
+    commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
     commandLine.read(arguments, std::numeric_limits<int>::max());
 
@@ -145,12 +163,14 @@ int recipeCommand(const QStringList &arguments)
     if (path.isEmpty())
         throw Failure(QStringLiteral("no recipe file given; expected %1 FILE").arg(direction),
                       BadInput);
-    if (isPush && !addresses.isEmpty())
+    const QStringList unasked = addresses + commandLine.tagFiles();
+    if (isPush && !unasked.isEmpty())
         throw Failure(QStringLiteral("unexpected \"%1\": push takes its addresses from the file")
-                          .arg(addresses.first()),
+                          .arg(unasked.first()),
                       BadInput);
     Connection connection(commandLine);
-    return isPush ? push(connection, path) : pull(connection, path, addresses);
+    return isPush ? push(connection, path)
+                  : pull(connection, path, addresses, commandLine.tagFiles());
 }
 
 }  // namespace host

