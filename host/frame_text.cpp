@@ -1,6 +1,8 @@
 // Reads link frames for people: a cursor over the bytes that remembers the first fault.
 #include "host/frame_text.h"
 
+#include "host/table.h"
+
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -46,7 +48,7 @@ char sumOf(const QByteArray &frame, int end)
 
 QString wordCount(int words)
 {
-    return words == 1 ? QStringLiteral("1 word") : QStringLiteral("%1 words").arg(words);
+    return countText(words, "word");
 }
 
 QString valuesText(const QVector<int> &words, bool asHex, int maxValues)
@@ -116,7 +118,7 @@ public:
                          .arg(hexPair(found), hexPair(sum)));
         expect(last, lastName);
         if (remaining() > 0)
-            fail(m_position, QStringLiteral("%1 bytes too many").arg(remaining()));
+            fail(m_position, countText(remaining(), "byte") + QStringLiteral(" too many"));
     }
 
 private:

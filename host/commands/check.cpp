@@ -3,6 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/connection.h"
 #include "host/failure.h"
+#include "host/table.h"
 #include "host/tag_text.h"
 
 #include <QtCore/QJsonArray>
@@ -20,14 +21,6 @@ constexpr int LongestSeries = 100000;
 constexpr int LongestStep = 65535;
 constexpr int DoubleWordStep = -2;
 enum SeriesResult { UnknownType = 0, Complete = 1, Capped = 2 };
-
-QString unitsText(const Point &point)
-{
-    const char *unit = point.isBit ? "bit" : "word";
-    return QStringLiteral("%1 %2%3")
-        .arg(point.count)
-        .arg(QLatin1String(unit), QLatin1String(point.count == 1 ? "" : "s"));
-}
 
 }  // namespace
 
@@ -63,7 +56,7 @@ int checkCommand(const QStringList &arguments)
             const Tag tag = parseTag(driver, identity, text, 0);
             const Point &point = tag.point;
             verdict = QStringLiteral("%1: valid, %2 from address number %3")
-                          .arg(label, unitsText(point))
+                          .arg(label, countText(point.count, point.isBit ? "bit" : "word"))
                           .arg(point.address);
             object.insert(QStringLiteral("address"), addressText(driver, tag));
             object.insert(QStringLiteral("number"), point.address);
@@ -125,9 +118,11 @@ int seriesCommand(const QStringList &arguments)
                 {QStringLiteral("number"), numbers[i]}});
         out << QJsonDocument(array).toJson();
     } else {
+        Table table({{Table::Left, 0, 0}, {}});
         for (int i = 0; i < int(texts.size()); ++i)
-            out << first.regName << ':' << texts[i].leftJustified(10) << "address number "
-                << numbers[i] << '\n';
+            table.add({first.regName + QLatin1Char(':') + texts[i],
+                       QStringLiteral("address number %1").arg(numbers[i])});
+        table.print(out);
     }
     if (result == Capped)
         QTextStream(stderr) << "tolvane-host: addresses beyond " << first.regName << ':'

@@ -3,6 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/explain/frames.h"
 #include "host/failure.h"
+#include "host/table.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -10,7 +11,10 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QTextStream>
 
+#include <algorithm>
 #include <limits>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -92,40 +96,54 @@ int explainCommand(const QStringList &arguments)
             "Exit status 1 when a frame is wrong or a reply is missing."));
     commandLine.addPositionalArgument(
         QStringLiteral("frames"),
-        QStringLiteral("Bytes as hex pairs, with blanks or without, or a file that --trace made."),
-        QStringLiteral("HEX...|TRACEFILE"));
+        QStringLiteral("Bytes as hex pairs, with blanks or without, or a file that --trace or "
+                       "\"socat -x\" wrote; - for standard input."),
+        QStringLiteral("HEX...|FILE|-"));
     const QCommandLineOption wrong(QStringLiteral("wrong"),
-                                   QStringLiteral("Print only frames that are wrong."));
+                                   QStringLiteral("Print only frames that are wrong, and the "
+                                                  "requests of wrong replies."));
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Print a JSON array, an object a frame."));
     commandLine.addOptions({wrong, json});
     commandLine.read(arguments, std::numeric_limits<int>::max());
-    const QStringList given = commandLine.positionalArguments().mid(1);
+    QStringList given = commandLine.positionalArguments().mid(1);
+    if (given.isEmpty() && ::isatty(STDIN_FILENO) == 0)
+        given.append(QStringLiteral("-"));
     if (given.isEmpty())
-        throw Failure(QStringLiteral("nothing to explain; expected bytes as hex pairs or a trace "
-                                     "file"),
+        throw Failure(QStringLiteral("nothing to explain; expected bytes as hex pairs, a trace "
+                                     "file, or - for standard input"),
                       BadInput);
 
-    const bool isFile = given.size() == 1 && QFileInfo(given.first()).isFile();
+    const bool isFile = given.size() == 1 &&
+                        (given.first() == QLatin1String("-") || QFileInfo(given.first()).isFile());
     const QVector<ExplainedFrame> frames =
-        isFile ? framesFromTrace(given.first()) : framesFromText(given);
+        isFile ? framesFromFile(given.first()) : framesFromText(given);
     QTextStream out(stdout);
     QJsonArray array;
+    const auto show = [&](const ExplainedFrame &frame) {
+        if (commandLine.isSet(json))
+            array.append(toJson(frame));
+        else
+            print(frame, out);
+    };
     int faulty = 0;
+    int shownRequest = -1;
     for (const ExplainedFrame &frame : frames) {
         const bool isWrong = !frame.reading.fault.isEmpty();
         faulty += isWrong;
         if (!isWrong && commandLine.isSet(wrong))
             continue;
-        if (commandLine.isSet(json))
-            array.append(toJson(frame));
-        else
-            print(frame, out);
+        const bool alone = commandLine.isSet(wrong) && frame.request > shownRequest &&
+                           frames[frame.request].reading.fault.isEmpty();
+        if (alone)
+            show(frames[frame.request]);
+        shownRequest = std::max(shownRequest, frame.request);
+        show(frame);
     }
     if (commandLine.isSet(json))
         out << QJsonDocument(array).toJson();
     else
-        out << frames.size() << (frames.size() == 1 ? " frame, " : " frames, ")
+        out << countText(frames.size(), "frame") << ", "
             << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong\n";
     return faulty == 0 ? AllRight : SomethingFailed;
 }

@@ -3,6 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/failure.h"
 #include "host/identity.h"
+#include "host/table.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -37,24 +38,19 @@ QJsonObject toJson(const Identity &identity)
 
 void print(const Identity &identity, const QString &path, QTextStream &out)
 {
-    const auto item = [&](const char *name, const QString &text) {
-        out << QString::fromLatin1(name).leftJustified(10) << text << '\n';
-    };
-    const auto row = [&](const QString &name, const QString &pattern, const QString &first,
-                         const QString &last, const QString &unit, const QString &access) {
-        out << name.leftJustified(10) << pattern.leftJustified(12) << first.rightJustified(6)
-            << last.rightJustified(12) << QLatin1String("  ") << unit.leftJustified(7) << access
-            << '\n';
-    };
-    item("driver", identity.name + QLatin1Char(' ') + identity.version);
-    item("library", path);
-    item("serial", identity.serialLine + QLatin1String(" by default"));
-    item("network", identity.networkLine + QLatin1String(" by default"));
+    Table head({{Table::Left, 8, 0}, {}});
+    head.add({QStringLiteral("driver"), identity.name + QLatin1Char(' ') + identity.version});
+    head.add({QStringLiteral("library"), path});
+    head.add({QStringLiteral("serial"), identity.serialLine + QLatin1String(" by default")});
+    head.add({QStringLiteral("network"), identity.networkLine + QLatin1String(" by default")});
+    head.print(out);
     out << '\n';
-    row(QStringLiteral("type"), QStringLiteral("pattern"), QStringLiteral("first"),
-        QStringLiteral("last"), QStringLiteral("width"), QStringLiteral("access"));
+    Table types({{Table::Left, 8, 0}, {}, {Table::Right, 6}, {Table::Right, 10}, {}, {}});
+    types.add(QString::fromLatin1("type,pattern,first,last,width,access").split(QLatin1Char(',')));
     for (const RegisterType &type : identity.types)
-        row(type.name, type.pattern, type.firstAddress, type.lastAddress, width(type), type.access);
+        types.add({type.name, type.pattern, type.firstAddress, type.lastAddress, width(type),
+                   type.access});
+    types.print(out);
 }
 
 }  // namespace

@@ -13,31 +13,58 @@ namespace host {
 
 namespace {
 
+constexpr char Stx = 0x02;
 constexpr char Etx = 0x03;
 constexpr char Eot = 0x04;
 constexpr char Ack = 0x06;
 
-// Reads frames in the order in which they travelled. A request counts for one reply.
+bool opens(char byte)
+{
+    return byte == Stx || byte == Ack;
+}
+
+bool closes(char byte)
+{
+    return byte == Etx || byte == Eot;
+}
+
+// Reads frames in the order in which they travelled; replies belong to the request before them.
 class Reader
 {
 public:
     void add(const QString &time, bool isRequest, const QByteArray &bytes)
     {
-        ExplainedFrame frame{time, isRequest, bytes, {}};
+        ExplainedFrame frame;
+        frame.time = time;
+        frame.isRequest = isRequest;
+        frame.bytes = bytes;
+        frame.request = isRequest ? -1 : m_request;
+        frame.reading =
+            isRequest
+                ? readRequest(bytes, INT_MAX)
+                : readReply(bytes,
+                            m_request < 0 || m_answered ? QByteArray() : m_frames[m_request].bytes,
+                            INT_MAX);
+        // A request counts for one good reply.
+        m_answered = !isRequest && (m_answered || frame.reading.fault.isEmpty());
         if (isRequest)
-            frame.reading = readRequest(bytes, INT_MAX);
-        else
-            frame.reading = readReply(bytes, std::exchange(m_request, QByteArray()), INT_MAX);
-        if (isRequest)
-            m_request = bytes;
+            m_request = int(m_frames.size());
         m_frames.append(frame);
+    }
+
+    /** Nothing came for the last request, if there was one. */
+    void addMissingReply()
+    {
+        if (m_request == int(m_frames.size()) - 1 && m_request >= 0)
+            add(QString(), false, QByteArray());
     }
 
     const QVector<ExplainedFrame> &frames() const { return m_frames; }
 
 private:
     QVector<ExplainedFrame> m_frames;
-    QByteArray m_request;
+    int m_request = -1;       // place of the latest
+    bool m_answered = false;  // it was
 };
 
 // Empty when the text is no hex pairs.
@@ -54,8 +81,7 @@ QList<QByteArray> split(const QByteArray &bytes)
     QList<QByteArray> frames;
     int begin = 0;
     for (int i = 1; i < int(bytes.size()); ++i) {
-        const bool closes = bytes[i - 1] == Etx || bytes[i - 1] == Eot;
-        if (closes && (bytes[i] == Ack || bytes[i] == Etx - 1)) {
+        if (closes(bytes[i - 1]) && opens(bytes[i])) {
             frames.append(bytes.mid(begin, i - begin));
             begin = i;
         }
@@ -63,6 +89,113 @@ QList<QByteArray> split(const QByteArray &bytes)
     frames.append(bytes.mid(begin));
     return frames;
 }
+
+/** Reads what listened on a line, line by line. */
+class Listing
+{
+public:
+    /** Returns false when the line is none that is known. */
+    bool take(const QString &line)
+    {
+        static const QRegularExpression traced(
+            QStringLiteral("^(\\S+)\\s+(->|<-)\\s+(-|[0-9A-F]{2}(?: [0-9A-F]{2})*)(?:  .*)?$"));
+        static const QRegularExpression socatHead(
+            QStringLiteral("^([<>]) (\\S+ \\S+)  length=[0-9]+ from=[0-9]+ to=[0-9]+$"));
+        static const QRegularExpression socatNews(QStringLiteral("^\\S+ \\S+ socat\\["));
+        static const QRegularExpression hexLine(
+            QStringLiteral("^ ?([0-9A-Fa-f]{2}(?: ?[0-9A-Fa-f]{2})*) ?(?:  .*)?$"));
+        if (line.trimmed().isEmpty() || line == QLatin1String("--") ||
+            socatNews.match(line).hasMatch())
+            return true;
+        QRegularExpressionMatch match = traced.match(line);
+        if (match.hasMatch()) {
+            flush();
+            m_reader.add(match.captured(1), match.captured(2) == QLatin1String("->"),
+                         bytesOf(match.captured(3)));
+            return true;
+        }
+        match = socatHead.match(line);
+        if (match.hasMatch()) {
+            const QChar arrow = match.captured(1).at(0);
+            if (arrow != m_arrow)
+                flush();
+            m_arrow = arrow;
+            m_time = match.captured(2);
+            m_chunkBegins = true;
+            return true;
+        }
+        match = hexLine.match(line);
+        if (match.hasMatch())
+            takeBytes(bytesOf(match.captured(1)));
+        return match.hasMatch();
+    }
+
+    /** A last line that breaks off: the bytes that it still holds, if any. */
+    void takeCut(const QString &line)
+    {
+        static const QRegularExpression traced(
+            QStringLiteral("^(\\S+)\\s+(->|<-)((?:\\s+[0-9A-F]{2}\\b)*)"));
+        static const QRegularExpression pairs(QStringLiteral("^(?:\\s*[0-9A-Fa-f]{2})+"));
+        flush();
+        const QRegularExpressionMatch match = traced.match(line);
+        const QString hex = match.hasMatch() ? match.captured(3) : pairs.match(line).captured();
+        const QByteArray bytes = bytesOf(hex);
+        const bool isRequest =
+            match.hasMatch() ? match.captured(2) == QLatin1String("->") : !bytes.startsWith(Ack);
+        if (bytes.isEmpty())
+            return;
+        m_reader.add(match.captured(1), isRequest, bytes);
+    }
+
+    /** All frames; isCut: the last line had no end. */
+    QVector<ExplainedFrame> frames(bool isCut)
+    {
+        flush();
+        QVector<ExplainedFrame> frames = m_reader.frames();
+        if (isCut && !frames.isEmpty() && !frames.last().reading.fault.isEmpty())
+            frames.last().reading.fault += QStringLiteral(" (the last line is cut)");
+        return frames;
+    }
+
+private:
+    // Frames travel in pieces: a piece goes on with the frame before it unless that has ended or
+    // this opens one.
+    void takeBytes(const QByteArray &bytes)
+    {
+        const bool isPasted = m_arrow.isNull();
+        if ((m_chunkBegins || isPasted) && !m_run.isEmpty() &&
+            (closes(m_run.back()) || opens(bytes.front())))
+            flush();
+        m_chunkBegins = false;
+        if (m_run.isEmpty())
+            m_runTime = m_time;
+        m_run += bytes;
+    }
+
+    void flush()
+    {
+        if (m_run.isEmpty())
+            return;
+        for (const QByteArray &frame : split(m_run)) {
+            if (frame[0] == Stx)
+                m_requestArrow = m_arrow;
+            const bool isRequest =
+                frame[0] == Stx || (frame[0] != Ack && m_arrow == m_requestArrow);
+            if (isRequest)
+                m_reader.addMissingReply();
+            m_reader.add(m_runTime, isRequest, frame);
+        }
+        m_run.clear();
+    }
+
+    Reader m_reader;
+    QByteArray m_run;  // bytes in one direction that are no frames yet
+    QString m_runTime;
+    QString m_time;  // of the latest piece
+    QChar m_arrow;   // its direction
+    QChar m_requestArrow = QLatin1Char('>');
+    bool m_chunkBegins = false;
+};
 
 }  // namespace
 
@@ -91,30 +224,37 @@ QVector<ExplainedFrame> framesFromText(const QStringList &arguments)
     return reader.frames();
 }
 
-QVector<ExplainedFrame> framesFromTrace(const QString &path)
+QVector<ExplainedFrame> framesFromFile(const QString &path)
 {
-    static const QRegularExpression form(
-        QStringLiteral("^(\\S+)\\s+(->|<-)\\s+(-|[0-9A-F]{2}(?: [0-9A-F]{2})*)(?:  .*)?$"));
+    const bool isInput = path == QLatin1String("-");
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!(isInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly)))
         throw Failure(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()), BadInput);
-    Reader reader;
-    for (int number = 1; !file.atEnd(); ++number) {
-        const QString line = QString::fromUtf8(file.readLine()).trimmed();
-        if (line.isEmpty())
+    Listing listing;
+    const QByteArray all = file.readAll();
+    const QByteArrayList lines = all.split('\n');
+    for (int i = 0; i < int(lines.size()); ++i) {
+        QString line = QString::fromUtf8(lines[i]);
+        while (line.endsWith(QLatin1Char('\r')) || line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        const bool isCut = i + 1 == int(lines.size());  // no line's end behind it
+        if (listing.take(line))
             continue;
-        const QRegularExpressionMatch match = form.match(line);
-        if (!match.hasMatch())
-            throw Failure(QStringLiteral("%1:%2: \"%3\": expected time, -> or <-, and bytes as hex "
-                                         "pairs")
-                              .arg(path)
-                              .arg(number)
+        if (!isCut || i == 0)
+            throw Failure(QStringLiteral("%1:%2: \"%3\": expected what --trace or socat -x writes, "
+                                         "or bytes as hex pairs")
+                              .arg(isInput ? QStringLiteral("standard input") : path)
+                              .arg(i + 1)
                               .arg(line.left(60)),
                           BadInput);
-        reader.add(match.captured(1), match.captured(2) == QLatin1String("->"),
-                   bytesOf(match.captured(3)));
+        listing.takeCut(line);
     }
-    return reader.frames();
+    const QVector<ExplainedFrame> frames = listing.frames(!all.isEmpty() && !all.endsWith('\n'));
+    if (frames.isEmpty())
+        throw Failure(QStringLiteral("there is no frame in %1")
+                          .arg(isInput ? QStringLiteral("standard input") : path),
+                      BadInput);
+    return frames;
 }
 
 }  // namespace host

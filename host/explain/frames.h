@@ -1,4 +1,4 @@
-// Frames to be explained: from bytes that were typed or pasted, or from a trace file.
+// Frames to be explained: from bytes that were typed or pasted, or from what listened on the line.
 #ifndef TOLVANE_HOST_EXPLAIN_FRAMES_H
 #define TOLVANE_HOST_EXPLAIN_FRAMES_H
 
@@ -15,6 +15,7 @@ struct ExplainedFrame
     bool isRequest = false;
     QByteArray bytes;  ///< empty: a reply that never came
     FrameReading reading;
+    int request = -1;  ///< of a reply: the place of the frame that it answers; -1: none is known
 };
 
 /**
@@ -24,8 +25,12 @@ struct ExplainedFrame
  */
 QVector<ExplainedFrame> framesFromText(const QStringList &arguments);
 
-/** Reads a trace file. Throws Failure (bad input) that names the line that is none of a trace. */
-QVector<ExplainedFrame> framesFromTrace(const QString &path);
+/**
+ * Reads a file that --trace or "socat -x" wrote, or lines of hex pairs; "-" is standard input. What
+ * a last line that is cut short still holds is read, too. Throws Failure (bad input) that names the
+ * line that is none of these.
+ */
+QVector<ExplainedFrame> framesFromFile(const QString &path);
 
 }  // namespace host
 

@@ -3,6 +3,7 @@
 
 #include "host/plan/page.h"
 #include "host/plan/svg.h"
+#include "host/table.h"
 
 #include <algorithm>
 
@@ -97,12 +98,12 @@ private:
         TextStyle style;
         style.size = 17;
         style.bold = true;
-        m_svg.text({16, 28},
-                   QStringLiteral("One poll cycle: %1 tags, %2 requests, %3")
-                       .arg(m_plan.tags.size())
-                       .arg(m_plan.costs.requests)
-                       .arg(timeText(m_plan.costs.time)),
-                   style);
+        m_svg.text(
+            {16, 28},
+            QStringLiteral("One poll cycle: %1, %2, %3")
+                .arg(countText(m_plan.tags.size(), "tag"),
+                     countText(m_plan.costs.requests, "request"), timeText(m_plan.costs.time)),
+            style);
         m_svg.text({16, 48}, settingsText(m_plan));
     }
 
@@ -162,9 +163,8 @@ private:
         const QRectF place(m_left + bar.place.left + 0.5, top + bar.level * BlockHeight, width - 1,
                            BlockHeight - 3);
         m_svg.rectangle(place, text(Colours[colour]), text("#333"),
-                        QStringLiteral("%1: %2 words, %3 + %4 bytes, %5")
-                            .arg(pointText(m_driver, block.point))
-                            .arg(block.words)
+                        QStringLiteral("%1: %2, %3 + %4 bytes, %5")
+                            .arg(pointText(m_driver, block.point), countText(block.words, "word"))
                             .arg(block.requestBytes)
                             .arg(block.replyBytes)
                             .arg(timeText(time)));

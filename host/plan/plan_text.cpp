@@ -1,6 +1,8 @@
 // Lays the planned cycle out in 100 columns.
 #include "host/plan/plan_text.h"
 
+#include "host/table.h"
+
 #include <QtCore/QJsonArray>
 
 #include <algorithm>
@@ -10,7 +12,7 @@ namespace host {
 namespace {
 
 constexpr int Columns = 100;
-constexpr int TagColumn = 68;  // 3 + 2 + 16 + 5 * 9 + 2
+constexpr int TagColumn = 68;  // of the table as long as no column grows
 constexpr int LabelColumn = 20;
 
 double milliseconds(std::chrono::microseconds time)
@@ -33,42 +35,48 @@ QStringList wrappedNames(const Block &block, const QVector<Tag> &tags)
     return lines;
 }
 
-void printRow(const QStringList &cells, const QString &tags, QTextStream &out)
+bool stationsDiffer(const QVector<Block> &blocks)
 {
-    out << cells[0].rightJustified(3) << QLatin1String("  ") << cells[1].leftJustified(16);
-    for (const QString &cell : cells.mid(2))
-        out << cell.rightJustified(9);
-    out << QLatin1String("  ") << tags << '\n';
+    return std::any_of(blocks.begin(), blocks.end(), [&](const Block &block) {
+        return block.point.stationNo != blocks.first().point.stationNo;
+    });
 }
 
 void printBlocks(const Driver &driver, const Plan &plan, QTextStream &out)
 {
-    printRow({QStringLiteral("#"), QStringLiteral("block"), QStringLiteral("words"),
-              QStringLiteral("bridged"), QStringLiteral("request"), QStringLiteral("reply"),
-              QStringLiteral("wire")},
-             QStringLiteral("tags"), out);
+    const Table::Column number{Table::Right, 7, 2};
+    Table table({{Table::Right, 3, 0},
+                 {Table::Left, 16, 2},
+                 number,
+                 number,
+                 number,
+                 number,
+                 {Table::Right, 8, 1},
+                 {Table::Left, 0, 2}});
+    table.add(QString::fromLatin1("#,block,words,bridged,request,reply,wire,tags")
+                  .split(QLatin1Char(',')));
+    const bool stations = stationsDiffer(plan.blocks);
     for (int i = 0; i < int(plan.blocks.size()); ++i) {
         const Block &block = plan.blocks[i];
         const QStringList names = wrappedNames(block, plan.tags);
         const int bridged = block.bridgedCount();
-        printRow(
-            {QString::number(i + 1), pointText(driver, block.point), QString::number(block.words),
-             bridged == 0 ? QStringLiteral("-") : QString::number(bridged),
-             QString::number(block.requestBytes), QString::number(block.replyBytes),
-             timeText(plan.line.wireTime(block.bytes()))},
-            names.first(), out);
+        table.add({QString::number(i + 1), pointText(driver, block.point, stations),
+                   QString::number(block.words),
+                   bridged == 0 ? QStringLiteral("-") : QString::number(bridged),
+                   QString::number(block.requestBytes), QString::number(block.replyBytes),
+                   timeText(plan.line.wireTime(block.bytes())), names.first()});
         for (const QString &more : names.mid(1))
-            out << QString(TagColumn, QLatin1Char(' ')) << more << '\n';
+            table.add({QString(), QString(), QString(), QString(), QString(), QString(), QString(),
+                       more});
     }
+    table.print(out);
 }
 
 QString costsText(const CycleCosts &costs)
 {
-    return QStringLiteral("%1 %2, %3 bytes, %4")
-        .arg(costs.requests)
-        .arg(QLatin1String(costs.requests == 1 ? "request" : "requests"))
-        .arg(costs.bytes)
-        .arg(timeText(costs.time));
+    return QStringLiteral("%1, %2, %3")
+        .arg(countText(costs.requests, "request"), countText(costs.bytes, "byte"),
+             timeText(costs.time));
 }
 
 QString ratioText(const CycleCosts &costs, const CycleCosts &plan)
@@ -86,8 +94,9 @@ double percentShorter(const CycleCosts &costs, const CycleCosts &plan)
 
 void printTotals(const Plan &plan, QTextStream &out)
 {
+    Table table({{Table::Left, LabelColumn - 2, 0}, {}});
     const auto row = [&](const char *label, const QString &text) {
-        out << QString::fromLatin1(label).leftJustified(LabelColumn) << text << '\n';
+        table.add({QLatin1String(label), text});
     };
     const double seconds = static_cast<double>(plan.costs.time.count()) / 1e6;
     row("one poll cycle", QStringLiteral("%1: %2 cycles a second")
@@ -95,16 +104,17 @@ void printTotals(const Plan &plan, QTextStream &out)
     row("a request per tag",
         QStringLiteral("%1: %2 times as long")
             .arg(costsText(plan.oneByOne), ratioText(plan.oneByOne, plan.costs)));
-    if (plan.best.words == 0)
-        return;
-    const double percent = percentShorter(plan.best.costs, plan.costs);
-    row("shortest cycle", QStringLiteral("with a block limit of %1: %2")
-                              .arg(plan.best.words)
-                              .arg(costsText(plan.best.costs)));
-    row("", percent > 0 ? QStringLiteral("%1 % shorter than with %2")
-                              .arg(QString::number(percent, 'f', 1))
-                              .arg(plan.blockLimit)
-                        : QStringLiteral("as long as with %1").arg(plan.blockLimit));
+    if (plan.best.words > 0) {
+        const double percent = percentShorter(plan.best.costs, plan.costs);
+        row("shortest cycle", QStringLiteral("with a block limit of %1: %2")
+                                  .arg(plan.best.words)
+                                  .arg(costsText(plan.best.costs)));
+        row("", percent > 0 ? QStringLiteral("%1 % shorter than with %2")
+                                  .arg(QString::number(percent, 'f', 1))
+                                  .arg(plan.blockLimit)
+                            : QStringLiteral("as long as with %1").arg(plan.blockLimit));
+    }
+    table.print(out);
 }
 
 QJsonObject toJson(const CycleCosts &costs)
@@ -121,6 +131,7 @@ QJsonObject toJson(const Driver &driver, const Plan &plan, const Block &block)
     for (const int index : block.tags)
         names.append(plan.tags[index].name);
     return {{QStringLiteral("block"), pointText(driver, block.point)},
+            {QStringLiteral("station"), block.point.stationNo},
             {QStringLiteral("words"), block.words},
             {QStringLiteral("bridged"), block.bridgedCount()},
             {QStringLiteral("requestBytes"), block.requestBytes},

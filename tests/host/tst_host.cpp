@@ -75,7 +75,7 @@ void TestHost::requestText_data()
     bad("end", "02 72 61 43383030 3030 3034 3732 04", "read 2 words of D from word 100",
         "expected ETX (03), found 04", 13);
     bad("more", "02 72 61 43383030 3030 3034 3732 03 02", "read 2 words of D from word 100",
-        "1 bytes too many", 14);
+        "1 byte too many", 14);
     bad("data missing", "02 77 61 39303031 3030 3034 44323034 3145 03", "",
         "expected a digit 0-9 or A-F, found 03", 17);
 }
