@@ -47,7 +47,7 @@ QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags,
             const int count = partInside(tags[i].point, block).count;
             units += count;
             if (count > 0 && exchange.outcome == Outcome::GivenUp)
-                readings[i].error = exchange.errorText;
+                readings[i].error = faultsText(exchange.tries);
         }
         if (progress)
             progress(blocks, units, allUnits);

@@ -153,6 +153,8 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
         return {{0, reply}};
 
     ++counts_[size_t(fault)];
+    if (observer_)
+        observer_(Fault(fault));
     const FaultPlan::Share &share = plan_.shares[size_t(fault)];
     const int lastsMs = share.ms + dice.roll(share.longestMs - share.ms + 1);
     const int size = int(reply.size());

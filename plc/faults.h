@@ -6,6 +6,7 @@
 #include <QString>
 #include <QVector>
 #include <array>
+#include <functional>
 
 namespace plc {
 
@@ -68,6 +69,9 @@ public:
      */
     QVector<Transmission> transmit(const QByteArray &reply, qint64 nowMs);
 
+    /** Told of each reply that meets a fault, before transmit() returns. */
+    void setObserver(std::function<void(Fault)> observer) { observer_ = std::move(observer); }
+
     /** Ends all faults, a silence under way included. */
     void heal();
 
@@ -80,6 +84,7 @@ private:
     quint32 replies_ = 0;
     qint64 mutedUntilMs_ = -1;  ///< end of the silence under way, or -1
     std::array<qint64, FaultCount> counts_{};
+    std::function<void(Fault)> observer_;
 };
 
 }  // namespace plc

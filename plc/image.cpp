@@ -46,8 +46,10 @@ QString loadLine(const QByteArray &line, Memory *memory)
 
 QString loadImage(const QByteArray &text, Memory *memory)
 {
+    const QByteArray mark = "\xEF\xBB\xBF";  // some editors begin UTF-8 with it
     int number = 0;
-    for (const QByteArray &rawLine : text.split('\n')) {
+    for (const QByteArray &rawLine :
+         text.mid(text.startsWith(mark) ? mark.size() : 0).split('\n')) {
         ++number;
         const QByteArray line = rawLine.trimmed();
         if (line.isEmpty() || line.startsWith('#') || line == header)

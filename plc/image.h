@@ -12,8 +12,8 @@ namespace plc {
 /**
  * Stores the words that `text` lists. A line is a device name, a word number and a value, such as
  * "D,100,4660" or "M,5,0x00FF"; empty lines, lines starting with "#" and the header line
- * "device,word,value" are passed over. Returns an empty text, or what is wrong in which line; the
- * lines before that one are then stored.
+ * "device,word,value" are passed over, and so is a byte order mark. Returns an empty text, or what
+ * is wrong in which line; the lines before that one are then stored.
  */
 QString loadImage(const QByteArray &text, Memory *memory);
 

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QTimer>
 #include <cerrno>
@@ -61,6 +62,9 @@ QString openDoor(const plc::Options &options, std::unique_ptr<plc::Door> *door)
         *door = std::move(tcp);
         return wrong;
     }
+    // A controller that was killed leaves its link behind, which leads nowhere now.
+    if (QFileInfo(options.link).isSymLink() && !QFileInfo::exists(options.link))
+        QFile::remove(options.link);
     auto terminal = std::make_unique<plc::PseudoTerminal>();
     const QString wrong = terminal->open(options.link);
     *door = std::move(terminal);
@@ -101,6 +105,9 @@ int main(int argc, char *argv[])
             [](const plc::Request &request, plc::Verdict verdict, const QByteArray &) {
                 std::fprintf(stderr, "%s\n", qPrintable(plc::requestText(request, verdict)));
             });
+        faults.setObserver([](plc::Fault fault) {
+            std::fprintf(stderr, "    its reply is disturbed: %s\n", plc::faultName(fault));
+        });
     }
 
     QElapsedTimer clock;

@@ -46,7 +46,7 @@ int indexOf(char letter)
 Memory::Memory()
 {
     for (size_t i = 0; i < table.size(); ++i)
-        words_[i].fill(0, table[i].words);
+        m_words[i].fill(0, table[i].words);
 }
 
 QByteArray Memory::devices()
@@ -81,13 +81,13 @@ char Memory::letter(const QByteArray &name)
 quint16 Memory::word(char device, int number) const
 {
     const int index = indexOf(device);
-    return index < 0 ? quint16(0) : words_[size_t(index)].value(number);
+    return index < 0 ? quint16(0) : m_words[size_t(index)].value(number);
 }
 
 void Memory::setWord(char device, int number, quint16 value)
 {
     if (number >= 0 && number < wordCount(device))
-        words_[size_t(indexOf(device))][number] = value;
+        m_words[size_t(indexOf(device))][number] = value;
 }
 
 }  // namespace plc

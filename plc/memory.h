@@ -34,7 +34,7 @@ public:
     static constexpr int DeviceCount = 13;
 
 private:
-    std::array<QVector<quint16>, DeviceCount> words_;
+    std::array<QVector<quint16>, DeviceCount> m_words;
 };
 
 }  // namespace plc

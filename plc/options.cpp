@@ -55,8 +55,8 @@ struct Known
     const QCommandLineOption pty = option("pty", "Serve a pseudo-terminal (the default).");
     const QCommandLineOption link =
         option("link",
-               "Make a symbolic link to the pseudo-terminal at PATH, where nothing may be yet; it "
-               "is removed at the end.",
+               "Make a symbolic link to the pseudo-terminal at PATH, where nothing may be yet but "
+               "a link that leads nowhere; it is removed at the end.",
                "PATH");
     const QCommandLineOption tcp =
         option("tcp",
@@ -83,7 +83,8 @@ struct Known
     const QCommandLineOption faults = option("faults", "Disturb replies, see below.", "LIST");
     const QCommandLineOption seed =
         option("seed", "Start of the dice that choose the faults; 1 when not given.", "N");
-    const QCommandLineOption verbose = option("verbose", "Print every request on standard error.");
+    const QCommandLineOption verbose = option(
+        "verbose", "Print every request on standard error, and which fault its reply meets.");
     const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Print this text.")};
     const QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
@@ -104,9 +105,13 @@ QString misfit(const QCommandLineParser &parser, const Known &known)
     if (parser.isSet(known.save) && !parser.isSet(known.image))
         return QStringLiteral("--save: expected --image FILE beside it");
     const QFileInfo link(parser.value(known.link));
-    if (parser.isSet(known.link) && (link.exists() || link.isSymLink())) {
-        return QStringLiteral("--link \"%1\": expected a path where nothing is yet")
-            .arg(parser.value(known.link));
+    if (parser.isSet(known.link) && link.exists()) {
+        return QStringLiteral(
+                   "--link \"%1\": expected a path where nothing is yet, or a link that "
+                   "leads nowhere%2")
+            .arg(link.filePath(), link.isSymLink()
+                                      ? QStringLiteral("; it leads to ") + link.symLinkTarget()
+                                      : QString());
     }
     return QString();
 }
