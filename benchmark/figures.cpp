@@ -1,8 +1,6 @@
 // The figures people ask for, computed from the results of one run.
 #include "figures.h"
 
-#include "growth_picture.h"
-
 #include <unistd.h>
 
 #include <cmath>
@@ -106,38 +104,4 @@ bool FiguresReporter::printFigures() const
     complete &= print("share of this core at a full 115200 line, all words changing",
                       nanoseconds(moved) / wire * 100, "%", 1);
     return complete;
-}
-
-bool FiguresReporter::drawGrowth(const std::string &path) const
-{
-    Panel exchanges = {"One exchange of 127 words", "data areas in the cache", "microseconds", {}};
-    const char *const changes[] = {"nothing changed", "everything changed"};
-    for (int changed = 0; changed < 2; ++changed) {
-        const std::string which = "/changed:" + std::to_string(changed);
-        Curve same = {std::string("the same block, ") + changes[changed], {}};
-        Curve inTurn = {std::string("all blocks in turn, ") + changes[changed], {}};
-        for (const int areas : {128, 5000, 50000}) {
-            const std::string amount = "areas:" + std::to_string(areas) + which;
-            same.points.emplace_back(areas, nanoseconds("Exchange/words:127/" + amount) / 1e3);
-            inTurn.points.emplace_back(areas, nanoseconds("ExchangeInTurn/" + amount) / 1e3);
-        }
-        exchanges.curves.push_back(same);
-        exchanges.curves.push_back(inTurn);
-    }
-    Panel registrations = {"Registering scattered keys", "keys", "microseconds", {}};
-    Curve registering = {"intf_addrMerge, first time", {}};
-    for (const int keys : {100, 1000, 10000})
-        registering.points.emplace_back(
-            keys, nanoseconds("Register/" + std::to_string(keys) + "/manual_time") / 1e3);
-    registrations.curves.push_back(registering);
-
-    for (const Panel &panel : {exchanges, registrations}) {
-        for (const Curve &curve : panel.curves) {
-            for (const auto &point : curve.points) {
-                if (std::isnan(point.second))
-                    return false;
-            }
-        }
-    }
-    return writeGrowthPicture(path, {exchanges, registrations});
 }

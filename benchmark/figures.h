@@ -18,9 +18,6 @@ public:
     /** Prints the figures with what is aimed at. Returns false when a result is missing. */
     bool printFigures() const;
 
-    /** Draws how exchanges and registrations grow. Returns false when that is not possible. */
-    bool drawGrowth(const std::string &path) const;
-
 private:
     struct Result
     {

@@ -1,4 +1,4 @@
-# Installing the library like any other of its kind, and the two Debian packages: `tolvane-link`
+# Installing the library and its documents like any other of its kind, and the two Debian packages: `tolvane-link`
 # to run, `tolvane-link-dev` to build against.
 include(CMakePackageConfigHelpers)
 
@@ -26,6 +26,11 @@ file(RELATIVE_PATH TOLVANE_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /
 configure_file(cmake/tolvane_link.pc.in tolvane_link.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvane_link.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# What a package says of itself, where Debian's policy looks for it.
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link/docs FILES_MATCHING
+    PATTERN "*.md" PATTERN "*.svg" PATTERN "*.csv")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tolvane-link)

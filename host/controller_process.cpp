@@ -78,7 +78,7 @@ bool ControllerProcess::end()
 QString ControllerProcess::finish()
 {
     const bool ended = end();
-    const QString report = QString::fromLocal8Bit(m_process.readAllStandardError());
+    QString report = QString::fromLocal8Bit(m_process.readAllStandardError());
     if (!ended || m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
         throw Failure(
             QStringLiteral("the simulated controller did not end well: %1").arg(report.trimmed()));

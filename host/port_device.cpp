@@ -77,7 +77,7 @@ QString portTrouble(const QString &device, const QString &said)
                    "permission denied; members of the group %1 may open it: "
                    "\"sudo adduser $USER %1\", then log in again")
             .arg(groupOf(path));
-    const QString locked = lockText(file);
+    QString locked = lockText(file);
     if (!locked.isEmpty())
         return locked;
     const int descriptor = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);

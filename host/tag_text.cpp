@@ -47,7 +47,7 @@ TagColumns::TagColumns(const Driver &driver, const QVector<Tag> &tags) : m_drive
 
 QString TagColumns::text(const Tag &tag) const
 {
-    const QString name = tag.name.leftJustified(m_nameWidth);
+    QString name = tag.name.leftJustified(m_nameWidth);
     if (m_addressWidth == 0)
         return name;
     const QString address = hasOwnName(m_driver, tag) ? addressText(m_driver, tag) : QString();

@@ -124,7 +124,7 @@ QString FaultPlan::parse(const QString &list, FaultPlan *plan)
     *plan = FaultPlan();
     const QStringList texts = list.split(QLatin1Char(','));
     for (const QString &text : texts) {
-        const QString fault = parseShare(text.trimmed(), plan);
+        QString fault = parseShare(text.trimmed(), plan);
         if (!fault.isEmpty())
             return fault;
     }

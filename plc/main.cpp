@@ -57,7 +57,7 @@ QString openDoor(const plc::Options &options, std::unique_ptr<plc::Door> *door)
 {
     if (options.tcp) {
         auto tcp = std::make_unique<plc::TcpDoor>();
-        const QString wrong = tcp->open(
+        QString wrong = tcp->open(
             options.anyAddress ? QHostAddress::AnyIPv4 : QHostAddress::LocalHost, options.tcpPort);
         *door = std::move(tcp);
         return wrong;
@@ -66,7 +66,7 @@ QString openDoor(const plc::Options &options, std::unique_ptr<plc::Door> *door)
     if (QFileInfo(options.link).isSymLink() && !QFileInfo::exists(options.link))
         QFile::remove(options.link);
     auto terminal = std::make_unique<plc::PseudoTerminal>();
-    const QString wrong = terminal->open(options.link);
+    QString wrong = terminal->open(options.link);
     *door = std::move(terminal);
     return wrong;
 }

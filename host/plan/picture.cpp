@@ -242,8 +242,9 @@ private:
         for (const double shift : {-3.0, 3.0})
             m_svg.path({QPointF(at + shift - 3, y + 6), QPointF(at + shift + 3, y - 6)},
                        text("#333"), 1.2);
-        for (double from = top; from < y - 8; from += 6)
-            m_svg.path({QPointF(at, from), QPointF(at, from + 3)}, text("#bbb"), 1);
+        for (int dash = 0; top + 6 * dash < y - 8; ++dash)
+            m_svg.path({QPointF(at, top + 6 * dash), QPointF(at, top + 6 * dash + 3)}, text("#bbb"),
+                       1);
     }
 
     void drawLegend(double top)

@@ -163,7 +163,8 @@ private slots:
             memory.setWord(device, Memory::wordCount(device) - 1, 0xFFFF);
         }
         Memory copy;
-        QCOMPARE(loadImage("\xEF\xBB\xBF# stored yesterday\r\n" + saveImage(memory), &copy), QString());
+        QCOMPARE(loadImage("\xEF\xBB\xBF# stored yesterday\r\n" + saveImage(memory), &copy),
+                 QString());
         QCOMPARE(saveImage(copy), saveImage(memory));
         QCOMPARE(saveImage(copy).count('\n'), 1 + 2 * Memory::devices().size());
     }
