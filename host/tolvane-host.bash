@@ -22,6 +22,10 @@ _tolvane_host()
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
         ;;
+    --pace)
+        mapfile -t COMPREPLY < <(compgen -W "line none" -- "$word")
+        return
+        ;;
     --faults)
         compopt -o nospace
         candidates="loss= cut= flip= late= double= noise= mute="

@@ -135,10 +135,11 @@ public:
     {
         static const QRegularExpression traced(
             QStringLiteral("^(\\S+)\\s+(->|<-)((?:\\s+[0-9A-F]{2}\\b)*)"));
-        static const QRegularExpression pairs(QStringLiteral("^(?:\\s*[0-9A-Fa-f]{2})+"));
+        static const QRegularExpression pairs(
+            QStringLiteral("^((?: ?[0-9A-Fa-f]{2})+) ?[0-9A-Fa-f]?$"));
         flush();
         const QRegularExpressionMatch match = traced.match(line);
-        const QString hex = match.hasMatch() ? match.captured(3) : pairs.match(line).captured();
+        const QString hex = match.hasMatch() ? match.captured(3) : pairs.match(line).captured(1);
         const QByteArray bytes = bytesOf(hex);
         const bool isRequest =
             match.hasMatch() ? match.captured(2) == QLatin1String("->") : !bytes.startsWith(Ack);

@@ -1,10 +1,15 @@
-// The bench host: frames in plain words, line settings, and the command line.
+// The bench host without a line: frames in plain words and their explanation, line settings, ports
+// that cannot be opened, and how command lines are read and documented.
 #include "host/failure.h"
 #include "host/frame_text.h"
 #include "host/line/serial_settings.h"
+#include "host/port_device.h"
 
-#include <QtCore/QProcess>
-#include <QtTest/QtTest>
+#include "program.h"
+
+#include <QtCore/QTemporaryDir>
+
+#include <unistd.h>
 
 using namespace host;
 
@@ -25,171 +30,283 @@ class TestHost : public QObject
     Q_OBJECT
 
 private slots:
-    void requestText_data();
     void requestText();
-    void replyText_data();
     void replyText();
-    void longFramesAreShortened();
-    void serialSettings_data();
     void serialSettings();
-    void badInput_data();
-    void badInput();
+    void portTroubles();
+    void command_data();
+    void command();
+    void everyOptionIsDocumented();
+
+private:
+    QString file(const char *name, const QByteArray &content = QByteArray()) const
+    {
+        QFile out(m_folder.filePath(name));
+        if (!content.isEmpty() && out.open(QIODevice::WriteOnly))
+            out.write(content);
+        return out.fileName();
+    }
+
+    QTemporaryDir m_folder;
 };
-
-void TestHost::requestText_data()
-{
-    QTest::addColumn<QByteArray>("frame");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<int>("faultAt");
-
-    const auto good = [](const char *name, const char *frame, const char *text) {
-        QTest::newRow(name) << hex(frame) << QString(text) << QString() << -1;
-    };
-    good("read", "02 72 61 43383030 3030 3034 3732 03", "read 2 words of D from word 100");
-    good("read one", "02 72 61 30303030 3030 3032 3535 03", "read 1 word of D from word 0");
-    good("write numbers", "02 77 61 39303031 3030 3034 44323034 32453136 3145 03",
-         "write 2 words of D from word 200: 1234, 5678");
-    good("write bit memory", "02 77 69 32413030 3030 3034 41353635 35393541 3343 03",
-         "write 2 words of M from word 21: 0x65A5, 0x5A59");
-    good("set", "02 6F 69 31343030 3030 30383030 4335 03", "set bit 3 of M word 10");
-    good("clear", "02 6E 69 31343030 3030 46374646 3035 03", "clear bit 3 of M word 10");
-    good("set in contacts", "02 6F 6C 30343030 3030 30383030 4337 03", "set bit 3 of TX word 2");
-
-    const auto bad = [](const char *name, const char *frame, const char *text, const char *fault,
-                        int at) {
-        QTest::newRow(name) << hex(frame) << QString(text) << QString(fault) << at;
-    };
-    bad("nothing", "", "", "the frame ends too early", 0);
-    bad("a reply", "06 77 3737 04", "", "expected STX (02), found 06", 0);
-    bad("command", "02 78 61 30303030 3030 3032 3535 03", "", "unknown command 78", 1);
-    bad("device", "02 72 7A 30303030 3030 3032 3535 03", "", "unknown device letter 7A", 2);
-    bad("small digit", "02 72 61 63383030 3030 3034 3732 03", "",
-        "expected a digit 0-9 or A-F, found 63", 3);
-    bad("odd address", "02 72 61 43393030 3030 3034 3733 03", "", "byte address 201 is odd", 3);
-    bad("odd count", "02 72 61 43383030 3030 3033 3731 03", "", "byte count 3 is odd", 9);
-    bad("checksum", "02 72 61 43383030 3030 3034 3733 03", "read 2 words of D from word 100",
-        "checksum 73, but the bytes add up to 72", 11);
-    bad("cut", "02 72 61 43383030 3030 3034 37", "read 2 words of D from word 100",
-        "the frame ends too early", 12);
-    bad("end", "02 72 61 43383030 3030 3034 3732 04", "read 2 words of D from word 100",
-        "expected ETX (03), found 04", 13);
-    bad("more", "02 72 61 43383030 3030 3034 3732 03 02", "read 2 words of D from word 100",
-        "1 byte too many", 14);
-    bad("data missing", "02 77 61 39303031 3030 3034 44323034 3145 03", "",
-        "expected a digit 0-9 or A-F, found 03", 17);
-}
 
 void TestHost::requestText()
 {
-    QFETCH(QByteArray, frame);
-    const FrameReading reading = readRequest(frame);
-    QTEST(reading.text, "text");
-    QTEST(reading.fault, "fault");
-    QTEST(reading.faultAt, "faultAt");
-}
-
-void TestHost::replyText_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QByteArray>("request");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("fault");
-
-    const QByteArray readM = hex("02 72 69 32413030 3030 3034 3732 03");
-    const QByteArray setBit = hex("02 6F 69 31343030 3030 30383030 4335 03");
-    QTest::newRow("numbers") << ReplyA << ReadD100x2 << "2 words: 4660, 43981"
-                             << "";
-    QTest::newRow("bit memory") << ReplyA << readM << "2 words: 0x1234, 0xABCD"
-                                << "";
-    QTest::newRow("unknown request") << ReplyA << QByteArray() << "2 words: 4660, 43981"
-                                     << "";
-    QTest::newRow("acknowledged") << hex("06 6F 3646 04") << setBit << "acknowledged"
-                                  << "";
-    QTest::newRow("none") << QByteArray() << setBit << "no reply"
-                          << "no reply";
-    QTest::newRow("of another request") << hex("06 6F 3646 04") << ReadD100x2 << ""
-                                        << "0 bytes of data do not answer this request";
-    QTest::newRow("data for a write") << ReplyA << setBit << ""
-                                      << "8 bytes of data do not answer this request";
-    QTest::newRow("cut") << ReplyA.left(9) << QByteArray() << "1 word: 4660"
-                         << "checksum CD, but the bytes add up to 3C";
-    QTest::newRow("flipped") << hex("06 72 33343132 43444143 3436 04") << ReadD100x2
-                             << "2 words: 4660, 44237"
-                             << "checksum 46, but the bytes add up to 47";
+    const char *const d100 = "read 2 words of D from word 100";
+    const struct
+    {
+        const char *frame;
+        const char *text;
+        const char *fault = "";
+        int at = -1;
+    } rows[] = {
+        {"02 72 61 30303030 3030 3032 3535 03", "read 1 word of D from word 0"},
+        {"02 77 61 39303031 3030 3034 44323034 32453136 3145 03",
+         "write 2 words of D from word 200: 1234, 5678"},
+        {"02 77 69 32413030 3030 3034 41353635 35393541 3343 03",
+         "write 2 words of M from word 21: 0x65A5, 0x5A59"},
+        {"02 6E 69 31343030 3030 46374646 3035 03", "clear bit 3 of M word 10"},
+        {"02 6F 6C 30343030 3030 30383030 4337 03", "set bit 3 of TX word 2"},
+        {"", "", "the frame ends too early", 0},
+        {"06 77 3737 04", "", "expected STX (02), found 06", 0},
+        {"02 78 61 30303030 3030 3032 3535 03", "", "unknown command 78", 1},
+        {"02 72 7A 30303030 3030 3032 3535 03", "", "unknown device letter 7A", 2},
+        {"02 72 61 63383030 3030 3034 3732 03", "", "expected a digit 0-9 or A-F, found 63", 3},
+        {"02 72 61 43393030 3030 3034 3733 03", "", "byte address 201 is odd", 3},
+        {"02 72 61 43383030 3030 3033 3731 03", "", "byte count 3 is odd", 9},
+        {"02 72 61 43383030 3030 3034 3733 03", d100, "checksum 73, but the bytes add up to 72",
+         11},
+        {"02 72 61 43383030 3030 3034 37", d100, "the frame ends too early", 12},
+        {"02 72 61 43383030 3030 3034 3732 04", d100, "expected ETX (03), found 04", 13},
+        {"02 72 61 43383030 3030 3034 3732 03 02", d100, "1 byte too many", 14},
+        {"02 77 61 39303031 3030 3034 44323034 3145 03", "",
+         "expected a digit 0-9 or A-F, found 03", 17},
+    };
+    for (const auto &row : rows) {
+        const FrameReading reading = readRequest(hex(row.frame));
+        QCOMPARE(reading.text, QString(row.text));
+        QCOMPARE(reading.fault, QString(row.fault));
+        QCOMPARE(reading.faultAt, row.at);
+    }
 }
 
 void TestHost::replyText()
 {
-    QFETCH(QByteArray, reply);
-    QFETCH(QByteArray, request);
-    const FrameReading reading = readReply(reply, request);
-    QTEST(reading.text, "text");
-    QTEST(reading.fault, "fault");
-}
-
-void TestHost::longFramesAreShortened()
-{
-    QCOMPARE(hexText(hex("06 77 3737 04"), 5), QString("06 77 37 37 04"));
+    const QByteArray readM = hex("02 72 69 32413030 3030 3034 3732 03");
+    const QByteArray setBit = hex("02 6F 69 31343030 3030 30383030 4335 03");
+    const QByteArray ack = hex("06 6F 3646 04");
+    const struct
+    {
+        QByteArray reply;
+        QByteArray request;
+        const char *text;
+        const char *fault;
+    } rows[] = {
+        {ReplyA, ReadD100x2, "2 words: 4660, 43981", ""},
+        {ReplyA, readM, "2 words: 0x1234, 0xABCD", ""},
+        {ReplyA, "", "2 words: 4660, 43981", ""},
+        {ack, setBit, "acknowledged", ""},
+        {"", setBit, "no reply", "no reply"},
+        {ack, ReadD100x2, "", "0 bytes of data do not answer this request"},
+        {ReplyA, setBit, "", "8 bytes of data do not answer this request"},
+        {ReplyA.left(9), "", "1 word: 4660", "checksum CD, but the bytes add up to 3C"},
+        {hex("06 72 33343132 43444143 3436 04"), ReadD100x2, "2 words: 4660, 44237",
+         "checksum 46, but the bytes add up to 47"},
+    };
+    for (const auto &row : rows) {
+        const FrameReading reading = readReply(row.reply, row.request);
+        QCOMPARE(reading.text, QString(row.text));
+        QCOMPARE(reading.fault, QString(row.fault));
+    }
+    QCOMPARE(hexText(ack, 5), QString("06 6F 36 46 04"));
     QCOMPARE(hexText(ReplyA, 8), QString("06 72 33 .. 34 36 04"));
-}
-
-void TestHost::serialSettings_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("bitsPerByte");  // 0: refused
-    QTest::newRow("the usual") << "115200,8,NONE,1" << 10;
-    QTest::newRow("parity counts") << "9600,8,EVEN,1" << 11;
-    QTest::newRow("two stop bits") << "9600,7,ODD,2" << 11;
-    QTest::newRow("no baud rate") << "fast,8,NONE,1" << 0;
-    QTest::newRow("standing still") << "0,8,NONE,1" << 0;
-    QTest::newRow("nine bits") << "9600,9,NONE,1" << 0;
-    QTest::newRow("as others write it") << "9600,8N1" << 10;
-    QTest::newRow("parity as a letter") << "9600,8,E,1" << 11;
-    QTest::newRow("parity") << "9600,8,none,1" << 0;
-    QTest::newRow("stop bits") << "9600,8,NONE,3" << 0;
-    QTest::newRow("too few") << "9600,8,NONE" << 0;
 }
 
 void TestHost::serialSettings()
 {
-    QFETCH(QString, text);
-    int bits = 0;
-    try {
-        bits = SerialSettings::parse(text).bitsPerByte();
-    } catch (const Failure &failure) {
-        QVERIFY(QString(failure.what()).contains(text));
-        QCOMPARE(failure.status(), BadInput);
+    const std::pair<const char *, int> rows[] = {
+        {"115200,8,NONE,1", 10}, {"9600,8,EVEN,1", 11}, {"9600,7,ODD,2", 11}, {"9600,8N1", 10},
+        {"9600,8,E,1", 11},      {"fast,8,NONE,1", 0},  {"0,8,NONE,1", 0},    {"9600,9,NONE,1", 0},
+        {"9600,8,MARK,1", 0},    {"9600,8,NONE,3", 0},  {"9600,8,NONE", 0},   {"9600,8N", 0}};
+    for (const auto &[text, bitsPerByte] : rows) {
+        int bits = 0;  // refused
+        try {
+            bits = SerialSettings::parse(text).bitsPerByte();
+        } catch (const Failure &failure) {
+            QVERIFY(QString(failure.what()).contains(text));
+            QCOMPARE(failure.status(), BadInput);
+        }
+        QVERIFY2(bits == bitsPerByte, text);
     }
-    QTEST(bits, "bitsPerByte");
 }
 
-void TestHost::badInput_data()
+void TestHost::portTroubles()
+{
+    const QTemporaryDir folder;
+    QVERIFY(QDir::setCurrent(folder.path()) && QFile::link("/dev/null", "plc"));
+    QCOMPARE(portDevice("plc"), folder.filePath("plc"));
+    QCOMPARE(portDevice("ttyS1"), QString("ttyS1"));
+    QCOMPARE(portTrouble("/dev/null", "as said"), QString("as said"));
+    QVERIFY(portTrouble("nonesuch", "").contains("no device /dev/nonesuch"));
+    QFile lock("/tmp/LCK..null");
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    lock.write(QByteArray::number(::getppid()) + "\npanel\n");
+    lock.close();
+    const QString said = portTrouble("/dev/null", "");
+    lock.remove();
+    QVERIFY2(hasMatch(said, "process \\d+ \\(panel\\) holds the lock /tmp/LCK\\.\\.null"),
+             qPrintable(said));
+}
+
+void TestHost::command_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("no command") << QStringList{} << "no command given";
-    QTest::newRow("unknown command") << QStringList{"dance"} << "no command \"dance\"";
-    QTest::newRow("unknown option") << QStringList{"demo", "--fast"} << "fast";
-    QTest::newRow("too much") << QStringList{"demo", "D_W:1"} << "unexpected argument \"D_W:1\"";
-    QTest::newRow("no driver") << QStringList{"demo", "--driver", "/nowhere/driver.so"}
-                               << "/nowhere/driver.so";
-    QTest::newRow("no driver's exports")
-        << QStringList{"demo", "--driver", "libQt" TOLVANE_QT "Core.so." TOLVANE_QT}
-        << "does not export intf_";
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("said");  // a pattern
+    QByteArray input;
+    const auto row = [&](const char *name, const QStringList &arguments, int status,
+                         const char *said) {
+        QTest::newRow(name) << arguments << input << status << QString(said);
+    };
+    const auto refused = [&](const char *name, const QStringList &arguments, const char *said) {
+        row(name, arguments, BadInput, said);
+    };
+    const QString tags = file("tags.csv", "address,name\nD_W:100:float,level\nM_bit:20.5,lamp\n");
+    const QString wrong =
+        file("wrong.csv", "name,address\nlevel,D_W:100\n\nflood,D_W:32767:float\n");
+
+    refused("no command", {}, "no command given");
+    refused("unknown command", {"dance"}, "no command \"dance\"");
+    refused("unknown option", {"demo", "--fast"}, "fast");
+    refused("too much", {"demo", "D_W:1"}, "unexpected argument \"D_W:1\"");
+    refused("no driver", {"demo", "--driver", "/nowhere/driver.so"}, "/nowhere/driver.so");
+    refused("no driver's exports", {"info", "--driver", "libQt" TOLVANE_QT "Core.so." TOLVANE_QT},
+            "does not export intf_");
+    refused("empty option", {"read", "--port", "", "D_W:1"}, "--port is empty");
+    refused("options and no command", {"--json", "D_W:1"}, "no command given behind \"--json\"");
+    row("options before the command", {"--count", "1", "series", "TX:5"}, 0, "TX:5");
+    row("version", {"-v"}, 0, "^tolvane-host 2");
+    row("not ASCII", {"check", QString::fromUtf8("F\xC3\xBCll:1")}, 1, "\"F\xC3\xBCll\"");
+
+    row("info", {"info"}, 0,
+        "^driver +tolvane_link 2\\.0[^$]*115200,8,NONE,1[^$]*"
+        "M_bit +DDDD\\.DD +0\\.0 +2047\\.15 +bit +read and write\n");
+    row("check", {"check", "D_W:0x10", tags}, 0,
+        "^D_W:0x10: valid, 10 words .*\nlevel: valid, 2 words .*\nlamp: valid, 1 bit .*number 325");
+    row("check what is not valid",
+        {"check", "D_W:32767x2", "M_bit:1.16", "X:1", "D_W:1:real", wrong}, 1,
+        "^argument 1: .*from 0 to 32767\nargument 2: .*\"1\\.16\".*DDDD\\.DD\nargument 3: "
+        ".*\"X\".*\n"
+        "  P_W, .*\nargument 4: no format \"real\"[^$]*\nlevel: valid.*\nwrong\\.csv:4: tag "
+        "\"flood\": "
+        ".*32767\n  \\(a value takes 2 words\\)\n$");
+    refused("check no tag file", {"check", file("none.csv")}, "none\\.csv: No such file");
+    row("series of 32-bit values to the end",
+        {"series", "D_W:32766", "--count", "2", "--step", "-2"}, 0,
+        "32766 .*\n.*32767 [^$]*beyond D_W:32767");
+    refused("series without end", {"series", "D_W:1", "--count", "0"}, "--count \"0\": expected");
+
+    // 14 + 9 bytes of 10 and of 11 bits
+    row("plan one word", {"plan", "D_W:5"}, 0, "D_W:5 +1 +- +14 +9 +2\\.00 ms  D_W:5\n");
+    row("plan on a slow line", {"plan", "D_W:5", "--serial", "9600,8,EVEN,1", "--turnaround", "10"},
+        0, "26\\.35 ms  D_W:5\n[^$]*1 request, 23 bytes, 36\\.35 ms: 27\\.5 cycles");
+    row("plan a gap that is bridged", {"plan", "D_W:0", "D_W:9", "--block-limit", "10"}, 0,
+        "D_W:0x10 +10 +8 ");
+    row("plan a gap that is not", {"plan", "D_W:0", "D_W:9", "--suggest"}, 0,
+        "block limit of 1: 2 requests, 46 bytes[^$]* 22\\.0 % shorter than with 64");
+    row("plan what no block limit makes shorter", {"plan", "D_W:0", "--suggest"}, 0,
+        "of 1: 1 request, 23 bytes, 2\\.00 ms\n +as long as with 64\n$");
+    row("plan stations apart", {"plan", "2/D_W:1", "D_W:5", "1/D_W:2", "2/M_bit:16.0", "M_W:17"}, 0,
+        " 1/M_W:17 .*  M_W:17\n.* 1/D_W:2x4 .*  D_W:5, 1/D_W:2\n.* 2/M_W:16 .*  2/M_bit:16\\.0\n"
+        ".* 2/D_W:1 .*  2/D_W:1\n");
+    row("plan in JSON", {"plan", "--json", tags, "D_W:106x2:uint32"}, 0,
+        "\"block\": \"M_W:20\"[^}]*\"lamp\"[^$]*\"block\": \"D_W:100x10\",\\s+\"bridged\": 4,[^}]*"
+        "\"station\": 1,\\s+\"tags\": \\[\\s+\"level\",\\s+\"D_W:106x2:uint32\"[^$]*"
+        "\"requestPerTag\": \\{[^}]*\"requests\": 3");
+    refused("plan nothing", {"plan"}, "expected a tag file");
+    refused("plan blocks too long", {"plan", "D_W:5", "--block-limit", "128"}, "from 1 to 127");
+    refused("plan out of range", {"plan", wrong}, "wrong\\.csv:4: tag \"flood\"");
+    refused("draw into nowhere", {"plan", "D_W:5", "--svg", "/nowhere/plan.svg"},
+            "/nowhere/plan\\.svg: No such file");
+
+    const QByteArray request = "02 72 61 43 38 30 30 30 30 30 34 37 32 03";
+    const QByteArray reply = "06 72 33 34 31 32 43 44 41 42 34 36 04";
+    const QByteArray traced = "10:00:00.123Z  ->  " + request + "  read 2\n10:00:00.126Z  <-  ";
+    const QByteArray heard =
+        "> 2026/11/23 04:36:51.000386886  length=3 from=0 to=2\n 02 72 61\n"
+        "> 2026/11/23 04:36:51.000386999  length=11 from=3 to=13\n"
+        " 43 38 30 30 30 30 30 34 37 32 03                 C800000472.\n--\n";
+    const QByteArray answered =
+        "< 2026/11/23 04:36:51.000387072  length=13 from=0 to=12\n " + reply + "\n--\n";
+
+    row("explain frames", {"explain", QString(request).remove(' '), QString(reply)}, 0,
+        "-> 02 72 61 .*\n   read 2 words of D from word 100\n   checksum 72: right\n\n"
+        "<- 06 .*\n   2 words: 4660, 43981\n.*right\n\n2 frames, none wrong\n$");
+    row("explain bytes one by one, and point at the checksum",
+        QString("explain 02 72 61 43 38 30 30 30 30 30 34 37 33 03").split(' '), 1,
+        "37 33 03\n {36}\\^\\^\n   wrong: checksum 73, but .* 72\n");
+    refused("explain no frame", {"explain", "02", "hello"}, "\"hello\" is no frame; expected");
+    refused("explain nothing", {"explain", "-"}, "no frame in standard input");
+    input = traced + reply + "  2 words\n";
+    row("explain a trace", {"explain", file("trace", input)}, 0,
+        "^10:00:00.123Z\n-> [^$]*\n10:00:00.126Z\n<- [^$]*2 words: 4660, 43981[^$]*none wrong");
+    input += traced + "-\n";
+    row("explain only what is wrong, with its request", {"explain", "--wrong", "-"}, 1,
+        "^10:00:00.123Z\n-> 02 [^$]*words of D[^$]*126Z\n<- no reply\n\n4 frames, 1 wrong\n$");
+    input = traced + "06 72 33 3";
+    row("explain a trace that is cut in its last line", {"explain"}, 1,
+        "<- 06 72 33\n[^$]*wrong: [^$]*\\(the last line is cut\\)[^$]*2 frames, 1 wrong");
+    input = traced + reply + "\n10:00:0";
+    row("explain a trace that is cut in its last time", {"explain"}, 0, "2 frames, none wrong\n$");
+    input = heard + answered;
+    row("explain what socat heard, a request in two pieces", {"explain", "-"}, 0,
+        "^2026/11/23 04:36:51.000386886\n-> 02 72 61 43 [^$]*2 words: 4660, 43981[^$]*2 frames, n");
+    input = heard + heard + answered;
+    row("explain a request that socat heard twice", {"explain", "--wrong", "-"}, 1,
+        "D from word 100\n[^$]*<- no reply\n\n4 frames, 1 wrong\n$");
+    input = "something else\n" + request + "\n";
+    refused("explain no trace", {"explain", "-"}, "input:1: \"something else\": expected");
 }
 
-void TestHost::badInput()
+void TestHost::command()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(QString, message);
-    QProcess host;
-    host.start(HOST_PROGRAM, arguments);
-    QVERIFY(host.waitForFinished());
-    QCOMPARE(host.exitCode(), int(BadInput));
-    const QString said = QString::fromUtf8(host.readAllStandardError());
-    QVERIFY2(said.contains(message), qPrintable(said));
-    QVERIFY(host.readAllStandardOutput().isEmpty());
+    QFETCH(QByteArray, input);
+    QFETCH(QString, said);
+    const Result result = runProgram(HOST_PROGRAM, arguments, input);
+    QTEST(result.status, "status");
+    QVERIFY2(hasMatch(result.out + result.err, said), qPrintable(result.out + result.err));
+    QVERIFY(result.status != BadInput || result.out.isEmpty());
+    for (const QString &line : result.out.split('\n'))
+        QVERIFY2(line.size() <= 100, qPrintable(line));
+}
+
+void TestHost::everyOptionIsDocumented()
+{
+    QByteArray texts[2];
+    for (int i = 0; i < 2; ++i) {
+        QFile in(QString(HOST_SOURCES "/tolvane-host.") + (i == 0 ? "1" : "bash"));
+        QVERIFY(in.open(QIODevice::ReadOnly));
+        texts[i] = in.readAll().replace("\\-", "-");
+    }
+    static const QRegularExpression commandRow("^  ([a-z]+) +",
+                                               QRegularExpression::MultilineOption);
+    static const QRegularExpression optionRow("^  (?:-h, )?(--[a-z-]+)",
+                                              QRegularExpression::MultilineOption);
+    const QString usage = runProgram(HOST_PROGRAM, {"--help"}).out;
+    int commands = 0;
+    for (auto rows = commandRow.globalMatch(usage); rows.hasNext(); ++commands) {
+        QStringList words{rows.next().captured(1)};
+        const QString help = runProgram(HOST_PROGRAM, {words[0], "--help"}).out;
+        for (auto options = optionRow.globalMatch(help); options.hasNext();)
+            words += options.next().captured(1);
+        QVERIFY(words.size() > 1);
+        for (const QString &word : words)
+            for (const QByteArray &text : texts)
+                QVERIFY2(text.contains(word.toLatin1()), qPrintable(words[0] + ' ' + word));
+    }
+    QVERIFY(commands >= 11);
 }
 
 QTEST_GUILESS_MAIN(TestHost)
