@@ -32,10 +32,6 @@ _tolvane_host()
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
         ;;
-    --pace)
-        mapfile -t COMPREPLY < <(compgen -W "line none" -- "$word")
-        return
-        ;;
     --tcp | --baud | --station | --retries | --block-limit | --timeout | --quiet | --listen | \
         --turnaround | --count | --step | --for | --exchanges | --seed)
         return
