@@ -127,27 +127,27 @@ QByteArray Controller::receive(char byte)
     // All but the first and last byte of a request is printable, so an opening byte always opens.
     if (byte == STX) {
         silence();
-        frame_ = QByteArray(1, STX);
+        m_frame = QByteArray(1, STX);
         return QByteArray();
     }
-    if (frame_.isEmpty()) {
-        ++counts_.strayBytes;
+    if (m_frame.isEmpty()) {
+        ++m_counts.strayBytes;
         return QByteArray();
     }
-    frame_ += byte;
+    m_frame += byte;
     if (byte == ETX) {
         Request request = takeFrame();
         const Verdict verdict = judge(&request);
         return finish(verdict, request);
     }
-    if (frame_.size() == LongestRequest)
+    if (m_frame.size() == LongestRequest)
         finish(Verdict::TooLong, takeFrame());
     return QByteArray();
 }
 
 void Controller::silence()
 {
-    if (!frame_.isEmpty())
+    if (!m_frame.isEmpty())
         finish(Verdict::Unfinished, takeFrame());
 }
 
@@ -155,21 +155,21 @@ void Controller::silence()
 Request Controller::takeFrame()
 {
     Request request;
-    request.frame.swap(frame_);
+    request.frame.swap(m_frame);
     return request;
 }
 
 /** Counts a request, serves it when it is to be served, tells the observer; returns the reply. */
 QByteArray Controller::finish(Verdict verdict, const Request &request)
 {
-    ++counts_.verdicts[size_t(verdict)];
+    ++m_counts.verdicts[size_t(verdict)];
     QByteArray reply;
     if (verdict == Verdict::Served) {
-        ++counts_.served[size_t(QByteArray(Commands).indexOf(request.command))];
+        ++m_counts.served[size_t(QByteArray(Commands).indexOf(request.command))];
         reply = carryOut(request);
     }
-    if (observer_)
-        observer_(request, verdict, reply);
+    if (m_observer)
+        m_observer(request, verdict, reply);
     return reply;
 }
 
@@ -177,12 +177,12 @@ QByteArray Controller::finish(Verdict verdict, const Request &request)
 QByteArray Controller::carryOut(const Request &request)
 {
     QByteArray text(1, request.command);
-    const quint16 old = memory_.word(request.device, request.word);
+    const quint16 old = m_memory.word(request.device, request.word);
     switch (request.command) {
         case 'r': {
             QByteArray data;
             for (int i = 0; i < request.words; ++i) {
-                const quint16 value = memory_.word(request.device, request.word + i);
+                const quint16 value = m_memory.word(request.device, request.word + i);
                 data += char(value & 0xFF);
                 data += char(value >> 8);
             }
@@ -191,13 +191,13 @@ QByteArray Controller::carryOut(const Request &request)
         }
         case 'w':
             for (int i = 0; i < request.words; ++i)
-                memory_.setWord(request.device, request.word + i, request.values[i]);
+                m_memory.setWord(request.device, request.word + i, request.values[i]);
             break;
         case 'o':
-            memory_.setWord(request.device, request.word, old | request.mask);
+            m_memory.setWord(request.device, request.word, old | request.mask);
             break;
         case 'n':
-            memory_.setWord(request.device, request.word, old & request.mask);
+            m_memory.setWord(request.device, request.word, old & request.mask);
             break;
     }
     return ACK + text + checksum(text) + EOT;

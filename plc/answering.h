@@ -3,12 +3,13 @@
 #ifndef PLC_ANSWERING_H
 #define PLC_ANSWERING_H
 
-#include <QByteArray>
-#include <QVector>
+#include "plc/memory.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QVector>
+
 #include <array>
 #include <functional>
-
-#include "plc/memory.h"
 
 namespace plc {
 
@@ -63,7 +64,7 @@ public:
     using Observer = std::function<void(const Request &, Verdict, const QByteArray &reply)>;
 
     /** Works on `memory`, which stays the caller's and must outlive the controller. */
-    explicit Controller(Memory &memory) : memory_(memory) {}
+    explicit Controller(Memory &memory) : m_memory(memory) {}
 
     /** Takes the next bytes off the line, however cut; returns the replies due after them. */
     QByteArray receive(const QByteArray &bytes);
@@ -72,18 +73,19 @@ public:
     /** The line has been silent too long for the request under way, if any: it is given up. */
     void silence();
 
-    void setObserver(Observer observer) { observer_ = std::move(observer); }
-    const Counts &counts() const { return counts_; }
+    void setObserver(Observer observer) { m_observer = std::move(observer); }
+    const Counts &counts() const { return m_counts; }
 
 private:
     Request takeFrame();
     QByteArray finish(Verdict verdict, const Request &request);
     QByteArray carryOut(const Request &request);
 
-    Memory &memory_;
-    QByteArray frame_;  ///< the request under way, from its opening byte on; empty between requests
-    Counts counts_;
-    Observer observer_;
+    Memory &m_memory;
+    QByteArray
+        m_frame;  ///< the request under way, from its opening byte on; empty between requests
+    Counts m_counts;
+    Observer m_observer;
 };
 
 }  // namespace plc

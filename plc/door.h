@@ -2,8 +2,8 @@
 #ifndef PLC_DOOR_H
 #define PLC_DOOR_H
 
-#include <QByteArray>
-#include <QObject>
+#include <QtCore/QByteArray>
+#include <QtCore/QObject>
 
 namespace plc {
 

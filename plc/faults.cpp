@@ -1,7 +1,8 @@
 // The fault plan's text form and the dice.
 #include "plc/faults.h"
 
-#include <QStringList>
+#include <QtCore/QStringList>
+
 #include <algorithm>
 
 namespace plc {
@@ -94,14 +95,14 @@ QString parseShare(const QString &text, FaultPlan *plan)
 class Dice
 {
 public:
-    Dice(quint32 seed, quint32 number) : state_(quint64(seed) << 32 | number) {}
+    Dice(quint32 seed, quint32 number) : m_state(quint64(seed) << 32 | number) {}
 
     /** From 0 to `sides` - 1. */
     int roll(int sides)
     {
         // SplitMix64: neighbouring numbers give independent sequences.
-        state_ += 0x9E3779B97F4A7C15ULL;
-        quint64 mixed = state_;
+        m_state += 0x9E3779B97F4A7C15ULL;
+        quint64 mixed = m_state;
         mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
         mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
         mixed ^= mixed >> 31;
@@ -109,7 +110,7 @@ public:
     }
 
 private:
-    quint64 state_;
+    quint64 m_state;
 };
 
 }  // namespace
@@ -139,23 +140,23 @@ QString FaultPlan::parse(const QString &list, FaultPlan *plan)
 QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
 {
     // Dice of its own for each reply, so that none depends on what befell those before it.
-    Dice dice(seed_, replies_++);
+    Dice dice(m_seed, m_replies++);
 
     int fault = 0;
     int roll = dice.roll(Million);
-    while (fault < FaultCount && roll >= plan_.shares[size_t(fault)].ofMillion)
-        roll -= plan_.shares[size_t(fault++)].ofMillion;
+    while (fault < FaultCount && roll >= m_plan.shares[size_t(fault)].ofMillion)
+        roll -= m_plan.shares[size_t(fault++)].ofMillion;
 
-    const bool muted = nowMs < mutedUntilMs_;
+    const bool muted = nowMs < m_mutedUntilMs;
     if (muted)
         fault = int(Fault::Mute);
     if (fault == FaultCount || reply.isEmpty())
         return {{0, reply}};
 
-    ++counts_[size_t(fault)];
-    if (observer_)
-        observer_(Fault(fault));
-    const FaultPlan::Share &share = plan_.shares[size_t(fault)];
+    ++m_counts[size_t(fault)];
+    if (m_observer)
+        m_observer(Fault(fault));
+    const FaultPlan::Share &share = m_plan.shares[size_t(fault)];
     const int lastsMs = share.ms + dice.roll(share.longestMs - share.ms + 1);
     const int size = int(reply.size());
     QByteArray bytes = reply;
@@ -179,7 +180,7 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
             return {{0, bytes}};
         case Fault::Mute:
             if (!muted)
-                mutedUntilMs_ = nowMs + lastsMs;
+                m_mutedUntilMs = nowMs + lastsMs;
             return {};
     }
     return {};
@@ -187,8 +188,8 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
 
 void Faults::heal()
 {
-    plan_ = FaultPlan();
-    mutedUntilMs_ = -1;
+    m_plan = FaultPlan();
+    m_mutedUntilMs = -1;
 }
 
 }  // namespace plc

@@ -2,9 +2,10 @@
 #ifndef PLC_FAULTS_H
 #define PLC_FAULTS_H
 
-#include <QByteArray>
-#include <QString>
-#include <QVector>
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
 #include <array>
 #include <functional>
 
@@ -61,7 +62,7 @@ class Faults
 public:
     /** Without faults. */
     Faults() = default;
-    explicit Faults(const FaultPlan &plan, quint32 seed) : plan_(plan), seed_(seed) {}
+    explicit Faults(const FaultPlan &plan, quint32 seed) : m_plan(plan), m_seed(seed) {}
 
     /**
      * What goes out in place of `reply`: nothing, one piece or two. `nowMs` is the time on any
@@ -70,21 +71,21 @@ public:
     QVector<Transmission> transmit(const QByteArray &reply, qint64 nowMs);
 
     /** Told of each reply that meets a fault, before transmit() returns. */
-    void setObserver(std::function<void(Fault)> observer) { observer_ = std::move(observer); }
+    void setObserver(std::function<void(Fault)> observer) { m_observer = std::move(observer); }
 
     /** Ends all faults, a silence under way included. */
     void heal();
 
     /** Replies that met the fault; for Mute, replies swallowed by a silence. */
-    qint64 count(Fault fault) const { return counts_[size_t(fault)]; }
+    qint64 count(Fault fault) const { return m_counts[size_t(fault)]; }
 
 private:
-    FaultPlan plan_;
-    quint32 seed_ = 0;
-    quint32 replies_ = 0;
-    qint64 mutedUntilMs_ = -1;  ///< end of the silence under way, or -1
-    std::array<qint64, FaultCount> counts_{};
-    std::function<void(Fault)> observer_;
+    FaultPlan m_plan;
+    quint32 m_seed = 0;
+    quint32 m_replies = 0;
+    qint64 m_mutedUntilMs = -1;  ///< end of the silence under way, or -1
+    std::array<qint64, FaultCount> m_counts{};
+    std::function<void(Fault)> m_observer;
 };
 
 }  // namespace plc

@@ -1,7 +1,7 @@
 // Reading and writing memory images.
 #include "plc/image.h"
 
-#include <QStringList>
+#include <QtCore/QStringList>
 
 namespace plc {
 

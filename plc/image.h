@@ -2,10 +2,10 @@
 #ifndef PLC_IMAGE_H
 #define PLC_IMAGE_H
 
-#include <QByteArray>
-#include <QString>
-
 #include "plc/memory.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
 
 namespace plc {
 

@@ -4,22 +4,22 @@
 namespace plc {
 
 Line::Line(Controller &controller, Faults &faults, Door &door, const LineSettings &settings)
-    : pacing_(controller, faults, settings), door_(door)
+    : m_pacing(controller, faults, settings), m_door(door)
 {
     connect(&door, &Door::received, this, [this](const QByteArray &bytes) {
-        pacing_.receive(bytes, PreciseTimer::nowNs());
+        m_pacing.receive(bytes, PreciseTimer::nowNs());
         sendDue();
     });
-    connect(&timer_, &PreciseTimer::fired, this, &Line::sendDue);
+    connect(&m_timer, &PreciseTimer::fired, this, &Line::sendDue);
 }
 
 void Line::sendDue()
 {
-    const QByteArray bytes = pacing_.transmit(PreciseTimer::nowNs());
+    const QByteArray bytes = m_pacing.transmit(PreciseTimer::nowNs());
     if (!bytes.isEmpty())
-        door_.send(bytes);
-    if (pacing_.nextNs() >= 0)
-        timer_.fireAt(pacing_.nextNs());
+        m_door.send(bytes);
+    if (m_pacing.nextNs() >= 0)
+        m_timer.fireAt(m_pacing.nextNs());
 }
 
 }  // namespace plc

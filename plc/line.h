@@ -19,9 +19,9 @@ public:
 private:
     void sendDue();
 
-    Pacing pacing_;
-    Door &door_;
-    PreciseTimer timer_;
+    Pacing m_pacing;
+    Door &m_door;
+    PreciseTimer m_timer;
 };
 
 }  // namespace plc

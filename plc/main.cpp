@@ -1,16 +1,4 @@
 // tolvane-plc: the simulated controller on a line.
-#include <signal.h>
-
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
-#include <QTimer>
-#include <cerrno>
-#include <cstdio>
-#include <memory>
-
 #include "plc/image.h"
 #include "plc/line.h"
 #include "plc/motion.h"
@@ -19,6 +7,19 @@
 #include "plc/report.h"
 #include "plc/signals.h"
 #include "plc/tcp_door.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
+#include <QtCore/QTimer>
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+
+#include <signal.h>
 
 namespace {
 

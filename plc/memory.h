@@ -2,8 +2,9 @@
 #ifndef PLC_MEMORY_H
 #define PLC_MEMORY_H
 
-#include <QByteArray>
-#include <QVector>
+#include <QtCore/QByteArray>
+#include <QtCore/QVector>
+
 #include <array>
 
 namespace plc {

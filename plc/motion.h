@@ -3,9 +3,9 @@
 #ifndef PLC_MOTION_H
 #define PLC_MOTION_H
 
-#include <QString>
-
 #include "plc/memory.h"
+
+#include <QtCore/QString>
 
 namespace plc {
 

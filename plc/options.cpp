@@ -1,11 +1,12 @@
 // Options, their help text and their checks.
 #include "plc/options.h"
 
-#include <QCommandLineParser>
-#include <QFileInfo>
-#include <cstdio>
-
 #include "plc/motion.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QFileInfo>
+
+#include <cstdio>
 
 namespace plc {
 

@@ -2,12 +2,13 @@
 #ifndef PLC_OPTIONS_H
 #define PLC_OPTIONS_H
 
-#include <QString>
-#include <QStringList>
-#include <optional>
-
 #include "plc/faults.h"
 #include "plc/pacing.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <optional>
 
 namespace plc {
 

@@ -24,68 +24,68 @@ constexpr int MaxOutgoing = 64;
 }  // namespace
 
 Pacing::Pacing(Controller &controller, Faults &faults, const LineSettings &settings)
-    : controller_(controller),
-      faults_(faults),
-      byteNs_(settings.baud > 0 ? 10 * NsPerSecond / settings.baud : 0),
-      turnaroundNs_(settings.turnaroundMs * NsPerMs)
+    : m_controller(controller),
+      m_faults(faults),
+      m_byteNs(settings.baud > 0 ? 10 * NsPerSecond / settings.baud : 0),
+      m_turnaroundNs(settings.turnaroundMs * NsPerMs)
 {
 }
 
 void Pacing::receive(const QByteArray &bytes, qint64 nowNs)
 {
-    inputEndNs_ = qBound(nowNs, inputEndNs_, nowNs + LongestLagNs);
+    m_inputEndNs = qBound(nowNs, m_inputEndNs, nowNs + LongestLagNs);
     for (int i = 0; i < int(bytes.size()); ++i) {
-        inputEndNs_ += byteNs_;
-        const QByteArray reply = controller_.receive(bytes.at(i));
+        m_inputEndNs += m_byteNs;
+        const QByteArray reply = m_controller.receive(bytes.at(i));
         if (reply.isEmpty())
             continue;
-        const qint64 startNs = inputEndNs_ + turnaroundNs_;
-        const QVector<Transmission> pieces = faults_.transmit(reply, startNs / NsPerMs);
+        const qint64 startNs = m_inputEndNs + m_turnaroundNs;
+        const QVector<Transmission> pieces = m_faults.transmit(reply, startNs / NsPerMs);
         for (const Transmission &piece : pieces)
             enqueue({startNs + piece.afterMs * NsPerMs, piece.bytes, 0});
     }
-    silenceNs_ = inputEndNs_ + SilenceNs;
-    nextNs_ = nowNs;
+    m_silenceNs = m_inputEndNs + SilenceNs;
+    m_nextNs = nowNs;
 }
 
 void Pacing::enqueue(const Outgoing &outgoing)
 {
-    if (outgoing_.size() >= MaxOutgoing)
+    if (m_outgoing.size() >= MaxOutgoing)
         return;
     // What is on its way has started before now, so nothing is put before it.
     const auto place = std::upper_bound(
-        outgoing_.begin(), outgoing_.end(), outgoing,
+        m_outgoing.begin(), m_outgoing.end(), outgoing,
         [](const Outgoing &a, const Outgoing &b) { return a.startNs < b.startNs; });
-    outgoing_.insert(place, outgoing);
+    m_outgoing.insert(place, outgoing);
 }
 
 QByteArray Pacing::transmit(qint64 nowNs)
 {
-    if (silenceNs_ >= 0 && nowNs >= silenceNs_) {
-        controller_.silence();
-        silenceNs_ = -1;
+    if (m_silenceNs >= 0 && nowNs >= m_silenceNs) {
+        m_controller.silence();
+        m_silenceNs = -1;
     }
-    nextNs_ = silenceNs_;
+    m_nextNs = m_silenceNs;
     QByteArray leaving;
-    while (!outgoing_.isEmpty()) {
-        Outgoing &head = outgoing_.first();
+    while (!m_outgoing.isEmpty()) {
+        Outgoing &head = m_outgoing.first();
         const int size = int(head.bytes.size());
-        head.startNs = qMax(head.startNs, outputEndNs_);
+        head.startNs = qMax(head.startNs, m_outputEndNs);
         const qint64 elapsedNs = nowNs - head.startNs;
         int left = 0;
         if (elapsedNs >= 0)
-            left = byteNs_ == 0 ? size : int(qMin(qint64(size), elapsedNs / byteNs_));
+            left = m_byteNs == 0 ? size : int(qMin(qint64(size), elapsedNs / m_byteNs));
         if (left > head.sent) {
             leaving += head.bytes.mid(head.sent, left - head.sent);
             head.sent = left;
         }
         if (left < size) {
-            const qint64 nextPieceNs = head.startNs + byteNs_ * qMin(size, left + PieceBytes);
-            nextNs_ = nextNs_ < 0 ? nextPieceNs : qMin(nextNs_, nextPieceNs);
+            const qint64 nextPieceNs = head.startNs + m_byteNs * qMin(size, left + PieceBytes);
+            m_nextNs = m_nextNs < 0 ? nextPieceNs : qMin(m_nextNs, nextPieceNs);
             break;
         }
-        outputEndNs_ = head.startNs + byteNs_ * size;
-        outgoing_.pop_front();
+        m_outputEndNs = head.startNs + m_byteNs * size;
+        m_outgoing.pop_front();
     }
     return leaving;
 }

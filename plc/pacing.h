@@ -3,11 +3,11 @@
 #ifndef PLC_PACING_H
 #define PLC_PACING_H
 
-#include <QByteArray>
-#include <QVector>
-
 #include "plc/answering.h"
 #include "plc/faults.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QVector>
 
 namespace plc {
 
@@ -34,7 +34,7 @@ public:
     QByteArray transmit(qint64 nowNs);
 
     /** When transmit() is to be called next; -1 when nothing is due ever. */
-    qint64 nextNs() const { return nextNs_; }
+    qint64 nextNs() const { return m_nextNs; }
 
 private:
     struct Outgoing
@@ -46,15 +46,15 @@ private:
 
     void enqueue(const Outgoing &outgoing);
 
-    Controller &controller_;
-    Faults &faults_;
-    qint64 byteNs_;
-    qint64 turnaroundNs_;
-    qint64 inputEndNs_ = 0;       ///< when the last byte taken in has arrived
-    qint64 outputEndNs_ = 0;      ///< when the last transmission finished has left
-    qint64 silenceNs_ = -1;       ///< when the request under way is given up, or -1
-    qint64 nextNs_ = -1;          ///< what nextNs() tells
-    QVector<Outgoing> outgoing_;  ///< by start; the first may be on its way
+    Controller &m_controller;
+    Faults &m_faults;
+    qint64 m_byteNs;
+    qint64 m_turnaroundNs;
+    qint64 m_inputEndNs = 0;       ///< when the last byte taken in has arrived
+    qint64 m_outputEndNs = 0;      ///< when the last transmission finished has left
+    qint64 m_silenceNs = -1;       ///< when the request under way is given up, or -1
+    qint64 m_nextNs = -1;          ///< what nextNs() tells
+    QVector<Outgoing> m_outgoing;  ///< by start; the first may be on its way
 };
 
 }  // namespace plc

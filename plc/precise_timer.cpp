@@ -1,11 +1,11 @@
 // The timer as a file descriptor: Qt's own timers count whole milliseconds.
 #include "plc/precise_timer.h"
 
+#include <QtCore/QSocketNotifier>
+
 #include <sys/timerfd.h>
 #include <time.h>
 #include <unistd.h>
-
-#include <QSocketNotifier>
 
 namespace plc {
 
@@ -15,21 +15,21 @@ constexpr qint64 NsPerSecond = 1000000000;
 
 }  // namespace
 
-PreciseTimer::PreciseTimer() : timer_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
+PreciseTimer::PreciseTimer() : m_timer(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
 {
-    if (timer_ < 0)
+    if (m_timer < 0)
         qFatal("no timer: timerfd_create failed");
-    const auto notifier = new QSocketNotifier(timer_, QSocketNotifier::Read, this);
+    const auto notifier = new QSocketNotifier(m_timer, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this] {
         quint64 expirations = 0;
-        if (read(timer_, &expirations, sizeof expirations) == sizeof expirations)
+        if (read(m_timer, &expirations, sizeof expirations) == sizeof expirations)
             emit fired();
     });
 }
 
 PreciseTimer::~PreciseTimer()
 {
-    close(timer_);
+    close(m_timer);
 }
 
 qint64 PreciseTimer::nowNs()
@@ -44,7 +44,7 @@ void PreciseTimer::fireAt(qint64 ns)
     itimerspec setting = {};
     setting.it_value.tv_sec = time_t(ns / NsPerSecond);
     setting.it_value.tv_nsec = long(ns % NsPerSecond);
-    timerfd_settime(timer_, TFD_TIMER_ABSTIME, &setting, nullptr);
+    timerfd_settime(m_timer, TFD_TIMER_ABSTIME, &setting, nullptr);
 }
 
 }  // namespace plc

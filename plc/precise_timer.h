@@ -2,7 +2,7 @@
 #ifndef PLC_PRECISE_TIMER_H
 #define PLC_PRECISE_TIMER_H
 
-#include <QObject>
+#include <QtCore/QObject>
 
 namespace plc {
 
@@ -23,7 +23,7 @@ signals:
     void fired();
 
 private:
-    int timer_;
+    int m_timer;
 };
 
 }  // namespace plc

@@ -2,10 +2,10 @@
 #ifndef PLC_PSEUDO_TERMINAL_H
 #define PLC_PSEUDO_TERMINAL_H
 
-#include <QString>
-#include <QTimer>
-
 #include "plc/door.h"
+
+#include <QtCore/QString>
+#include <QtCore/QTimer>
 
 namespace plc {
 
@@ -24,17 +24,17 @@ public:
      */
     QString open(const QString &link);
 
-    QString name() const override { return name_; }
+    QString name() const override { return m_name; }
     void send(const QByteArray &bytes) override;
 
 private:
     void takeIn();
 
-    int master_ = -1;
-    int slave_ = -1;
-    QString name_;
-    QString link_;  ///< the symbolic link that open() made, or empty
-    QTimer unlocking_;
+    int m_master = -1;
+    int m_slave = -1;
+    QString m_name;
+    QString m_link;  ///< the symbolic link that open() made, or empty
+    QTimer m_unlocking;
 };
 
 }  // namespace plc

@@ -2,10 +2,10 @@
 #ifndef PLC_REPORT_H
 #define PLC_REPORT_H
 
-#include <QString>
-
 #include "plc/answering.h"
 #include "plc/faults.h"
+
+#include <QtCore/QString>
 
 namespace plc {
 

@@ -1,11 +1,11 @@
 // Signals by way of a signalfd, so that nothing runs in a signal handler.
 #include "plc/signals.h"
 
+#include <QtCore/QSocketNotifier>
+
 #include <signal.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
-
-#include <QSocketNotifier>
 
 namespace plc {
 
@@ -16,13 +16,13 @@ Signals::Signals(std::initializer_list<int> numbers)
     for (int number : numbers)
         sigaddset(&set, number);
     sigprocmask(SIG_BLOCK, &set, nullptr);
-    descriptor_ = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
-    if (descriptor_ < 0)
+    m_descriptor = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
+    if (m_descriptor < 0)
         qFatal("no signals: signalfd failed");
-    const auto notifier = new QSocketNotifier(descriptor_, QSocketNotifier::Read, this);
+    const auto notifier = new QSocketNotifier(m_descriptor, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this] {
         signalfd_siginfo info;
-        while (read(descriptor_, &info, sizeof info) == sizeof info)
+        while (read(m_descriptor, &info, sizeof info) == sizeof info)
             emit arrived(int(info.ssi_signo));
     });
 }

@@ -2,7 +2,8 @@
 #ifndef PLC_SIGNALS_H
 #define PLC_SIGNALS_H
 
-#include <QObject>
+#include <QtCore/QObject>
+
 #include <initializer_list>
 
 namespace plc {
@@ -19,7 +20,7 @@ signals:
     void arrived(int number);
 
 private:
-    int descriptor_;
+    int m_descriptor;
 };
 
 }  // namespace plc

@@ -12,46 +12,46 @@ constexpr qint64 MaxUnsentBytes = 16 * 1024;
 
 TcpDoor::TcpDoor()
 {
-    connect(&server_, &QTcpServer::newConnection, this, &TcpDoor::accept);
+    connect(&m_server, &QTcpServer::newConnection, this, &TcpDoor::accept);
 }
 
 QString TcpDoor::open(const QHostAddress &address, quint16 port)
 {
-    if (server_.listen(address, port))
+    if (m_server.listen(address, port))
         return QString();
     return QStringLiteral("cannot listen on port %1: %2")
-        .arg(QString::number(port), server_.errorString());
+        .arg(QString::number(port), m_server.errorString());
 }
 
 QString TcpDoor::name() const
 {
-    return QStringLiteral("%1:%2").arg(server_.serverAddress().toString(),
-                                       QString::number(server_.serverPort()));
+    return QStringLiteral("%1:%2").arg(m_server.serverAddress().toString(),
+                                       QString::number(m_server.serverPort()));
 }
 
 void TcpDoor::send(const QByteArray &bytes)
 {
-    if (host_ == nullptr || host_->bytesToWrite() > MaxUnsentBytes)
+    if (m_host == nullptr || m_host->bytesToWrite() > MaxUnsentBytes)
         return;
-    host_->write(bytes);
-    host_->flush();
+    m_host->write(bytes);
+    m_host->flush();
 }
 
 void TcpDoor::accept()
 {
-    while (QTcpSocket *next = server_.nextPendingConnection()) {
-        if (host_ != nullptr) {
-            host_->disconnect(this);
-            host_->abort();
-            host_->deleteLater();
+    while (QTcpSocket *next = m_server.nextPendingConnection()) {
+        if (m_host != nullptr) {
+            m_host->disconnect(this);
+            m_host->abort();
+            m_host->deleteLater();
         }
-        host_ = next;
+        m_host = next;
         // Frames are short and wait for each other: collecting bytes would only delay them.
-        host_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        connect(host_, &QTcpSocket::readyRead, this, [this] { emit received(host_->readAll()); });
-        connect(host_, &QTcpSocket::disconnected, this, [this] {
-            host_->deleteLater();
-            host_ = nullptr;
+        m_host->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        connect(m_host, &QTcpSocket::readyRead, this, [this] { emit received(m_host->readAll()); });
+        connect(m_host, &QTcpSocket::disconnected, this, [this] {
+            m_host->deleteLater();
+            m_host = nullptr;
         });
     }
 }

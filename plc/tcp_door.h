@@ -2,11 +2,11 @@
 #ifndef PLC_TCP_DOOR_H
 #define PLC_TCP_DOOR_H
 
-#include <QHostAddress>
-#include <QTcpServer>
-#include <QTcpSocket>
-
 #include "plc/door.h"
+
+#include <QtNetwork/QHostAddress>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
 
 namespace plc {
 
@@ -30,8 +30,8 @@ public:
 private:
     void accept();
 
-    QTcpServer server_;
-    QTcpSocket *host_ = nullptr;  ///< the host's connection, a child of server_, or null
+    QTcpServer m_server;
+    QTcpSocket *m_host = nullptr;  ///< the host's connection, a child of m_server, or null
 };
 
 }  // namespace plc
