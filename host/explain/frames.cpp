@@ -32,7 +32,9 @@ bool closes(char byte)
 class Reader
 {
 public:
-    void add(const QString &time, bool isRequest, const QByteArray &bytes)
+    /** refused: why the host took the frame for no reply; empty where it did. */
+    void add(const QString &time, bool isRequest, const QByteArray &bytes,
+             const QString &refused = QString())
     {
         ExplainedFrame frame;
         frame.time = time;
@@ -45,6 +47,8 @@ public:
                 : readReply(bytes,
                             m_request < 0 || m_answered ? QByteArray() : m_frames[m_request].bytes,
                             INT_MAX);
+        if (frame.reading.fault.isEmpty() && !refused.isEmpty())
+            frame.reading.fault = QStringLiteral("refused by the host: ") + refused;
         // A request counts for one good reply.
         m_answered = !isRequest && (m_answered || frame.reading.fault.isEmpty());
         if (isRequest)
@@ -98,7 +102,8 @@ public:
     bool take(const QString &line)
     {
         static const QRegularExpression traced(
-            QStringLiteral("^(\\S+)\\s+(->|<-)\\s+(-|[0-9A-F]{2}(?: [0-9A-F]{2})*)(?:  .*)?$"));
+            QStringLiteral("^(\\S+)\\s+(->|<-)\\s+(-|[0-9A-F]{2}(?: [0-9A-F]{2})*)"
+                           "(?:  (?:refused: (.*)|.*))?$"));
         static const QRegularExpression socatHead(
             QStringLiteral("^([<>]) (\\S+ \\S+)  length=[0-9]+ from=[0-9]+ to=[0-9]+$"));
         static const QRegularExpression socatNews(QStringLiteral("^\\S+ \\S+ socat\\["));
@@ -111,7 +116,7 @@ public:
         if (match.hasMatch()) {
             flush();
             m_reader.add(match.captured(1), match.captured(2) == QLatin1String("->"),
-                         bytesOf(match.captured(3)));
+                         bytesOf(match.captured(3)), match.captured(4));
             return true;
         }
         match = socatHead.match(line);

@@ -214,9 +214,10 @@ void TestHost::command_data()
     input = traced + reply + "  2 words\n";
     row("explain a trace", {"explain", file("trace", input)}, 0,
         "^10:00:00.123Z\n-> [^$]*\n10:00:00.126Z\n<- [^$]*2 words: 4660, 43981[^$]*none wrong");
-    input += traced + "-\n";
+    input += traced + reply + "  refused: too early: after 0.1 ms\n" + traced + "-\n";
     row("explain only what is wrong, with its request", {"explain", "--wrong", "-"}, 1,
-        "^10:00:00.123Z\n-> 02 [^$]*words of D[^$]*126Z\n<- no reply\n\n4 frames, 1 wrong\n$");
+        "^10:00:00.123Z\n-> 02 [^$]*host: too early[^$]*Z\n-> 02 [^$]*Z\n<- no reply\n\n6 frames, "
+        "2");
     input = traced + "06 72 33 3";
     row("explain a trace that is cut in its last line", {"explain"}, 1,
         "<- 06 72 33\n[^$]*wrong: [^$]*\\(the last line is cut\\)[^$]*2 frames, 1 wrong");
