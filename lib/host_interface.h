@@ -10,8 +10,7 @@
 //   beyond is ignored. Buffers must be as long as the count says; nothing checks them.
 // - A request whose first word lies outside 0 to 32767 is never sent, for no frame can name it; of
 //   a longer one the frames that begin inside are. intf_checkAddr() tells what the controller has.
-// - Registrations, reads and writes must not run at the same time as the loop's two functions;
-//   calling them from inside a callback is fine.
+// - No two of them may run at the same time, but for those that only ask about addresses.
 #ifndef TOLVANE_HOST_INTERFACE_H
 #define TOLVANE_HOST_INTERFACE_H
 
@@ -99,7 +98,9 @@ struct _RCP_VAR_PRO
 
 /**
  * The host's function for the driver's three signals; called from inside intf_setData() and
- * intf_dealRcvFrame() in the caller's thread, with no lock held. It may call any export.
+ * intf_dealRcvFrame() in the caller's thread, with no lock held. It may call any export; the
+ * loop's two functions are better left to the loop, for the call under way then goes on with what
+ * they have already brought to its end.
  *
  * - (first property value, station, register type name, address number): a point changed.
  * - (0, -1, "RWI", n): unit n of the recipe buffer was read from the controller.
@@ -117,7 +118,7 @@ typedef void (*ValueChangeCallBack)(int first, int stationNo, const QString &tex
 
 extern "C" {
 
-// ---- Identity; may be called at any time ----------------------------------------------------
+// ---- Identity ------------------------------------------------------------------------------
 
 /** Writes the protocol type code, 0, to *type; a null pointer is ignored. */
 Q_DECL_EXPORT void intf_getProtocolType(int *type);
@@ -150,7 +151,8 @@ Q_DECL_EXPORT int intf_getRegListByType(int type, QStringList &names);
 Q_DECL_EXPORT void intf_setAddrValueChangeCallBack(ValueChangeCallBack callBack);
 
 /**
- * Starts, or starts over: empties the queues, the cache and the frame in flight.
+ * Starts, or starts over: empties the queues, the cache and the frame in flight, and forgets the
+ * monitored addresses. The callback and the recipe stay.
  *
  * hostShared: the host's shared block of SharedBlockBytes or more; hostContext: kept only;
  * rcpBuffer: recipe buffer in 16-bit units, low byte first; result: receives 0;
@@ -158,7 +160,8 @@ Q_DECL_EXPORT void intf_setAddrValueChangeCallBack(ValueChangeCallBack callBack)
  * are shown but not sent), spare, retry limit (1 or less: a request is sent once), block limit in
  * words (taken as 1 to 127). A part that is no number counts as 0; a text with fewer parts leaves
  * all five as they were.
- * hostMutex: guards the two request bytes of hostShared.
+ * hostMutex: guards the two request bytes of hostShared; the driver locks it inside the loop's two
+ * functions, so the caller of those must not hold it.
  *
  * All pointers stay the host's and must be valid until unload. Null pointers are tolerated:
  * without hostShared or rcpBuffer there are no recipe transfers. Always returns 1.
@@ -167,12 +170,13 @@ Q_DECL_EXPORT int intf_initProperty(unsigned char *hostShared, void *hostContext
                                     unsigned char *rcpBuffer, int *result, const char *propertyText,
                                     QMutex *hostMutex);
 
-// ---- Addresses; may be called at any time ---------------------------------------------------
+// ---- Addresses; may be called at any time, on any thread ------------------------------------
 
 /**
  * Checks an address text for an object of `count` values that wants a bit (wordRequest 0) or a
  * word address. Returns 0 valid, 1 the object's kind does not fit the type, 2 outside the type's
- * range, 3 unknown type, 4 not an address text. On 0 and 2 *addrOut holds the address number.
+ * range, 3 unknown type, 4 not an address text. On 0 and 2 *addrOut holds the address number, on 4
+ * it holds 0 if the type's addresses are plain numbers.
  */
 Q_DECL_EXPORT int intf_checkAddrValidity(QString regName, QString addrText, int *addrOut, int count,
                                          int wordRequest);
@@ -217,7 +221,7 @@ Q_DECL_EXPORT int intf_addConditionRead(const KEY_ADDRESS &key, int kind);
 
 /**
  * Replaces the recipe by the entries that are this driver's, of known types, at least one value
- * long, with a first word of 0 to 32767 and a place in the buffer that is not negative. Returns how
+ * long, with a first word of 0 to 32767 and a place in the buffer from 0 to 2^30. Returns how
  * many were kept; when none was, transfers are refused until a later registration keeps one. A
  * transfer under way goes on with the new blocks at the number it had reached.
  */
@@ -247,7 +251,8 @@ Q_DECL_EXPORT int intf_setData(int stationNo, QString regName, int startAddr, in
 
 /**
  * Offers the frame to transmit. Returns 1 with *frame filled, or 0 when there is nothing to send.
- * The frame in flight is offered again until intf_dealRcvFrame() has finished it.
+ * The frame in flight is offered again until intf_dealRcvFrame() has finished it. A null pointer
+ * gives 0.
  */
 Q_DECL_EXPORT int intf_getSendFrame(FRAME_PRO *frame);
 

@@ -164,15 +164,10 @@ struct _DATA_
 };
 
 /**
- * Where each data area stands in dataAreaList: by station and area name a table of pages, which
- * hold a position in the list + 1, or 0, for each of 64 consecutive unit addresses. Kept by
- * data_area.cpp.
+ * Where each data area stands in dataAreaList: by station and area name, and by page, the positions
+ * in the list + 1, or 0, of 64 consecutive unit addresses. Kept by data_area.cpp.
  */
-struct DataAreaIndex
-{
-    QHash<QPair<int, QString>, int> tables;     ///< (station, area name) -> table number
-    QVector<QHash<int, QVector<int> > > pages;  ///< by table: page number -> positions
-};
+typedef QHash<QPair<int, QString>, QHash<int, QVector<int> > > DataAreaIndex;
 
 // ---- State ----------------------------------------------------------------------------------
 
@@ -232,7 +227,7 @@ public:
     QVector<RegisterType> registerTypes;  ///< the facts of REG_LIST, by number
     int readIndex = 0;                    ///< the head of the rotation over readList
     DataAreaIndex areaIndex;
-    bool itemIsQueueHead = false;  ///< the item in flight stands at the head of its queue
+    bool itemIsQueueHead = false;  ///< a queued item in flight stands at the head of its queue
 
     // A callback runs the host's code in the middle of ours. These counters tell afterwards
     // whether what we were working on still stands.

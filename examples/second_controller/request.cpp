@@ -87,12 +87,12 @@ void getWriteFrame(const VARIABLE &item)
     }
 }
 
-void appendMergedWrite(const QByteArray &reply)
+void appendMergedWrite(const QByteArray &reply, const RegisterType &type)
 {
     const VARIABLE item = driver.frameList.at(0).var;
     const int words = driver.frameList.at(0).readCount;
     quint16 values[MaxRegistersPerRead];
-    readReplyValues(reply, driver.frameList.at(0), registerType(item.regName), values);
+    readReplyValues(reply, driver.frameList.at(0), type, values);
     for (int i = 0; i < item.count; ++i) {
         const int position = bitInWord(item.startAddr) + i;
         const int bitMask = 1 << position % BitsPerWord;

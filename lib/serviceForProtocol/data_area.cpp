@@ -4,20 +4,12 @@
 AreaLookup::AreaLookup(int stationNo, const QString &areaName)
     : m_stationNo(stationNo), m_areaName(areaName), m_page(0), m_cells(0)
 {
-    DataAreaIndex &index = driver.areaIndex;
-    const QPair<int, QString> key = qMakePair(stationNo, areaName);
-    m_table = index.tables.value(key, -1);
-    if (m_table < 0) {
-        m_table = int(index.pages.size());
-        index.tables.insert(key, m_table);
-        index.pages.resize(m_table + 1);
-    }
 }
 
 int AreaLookup::findOrAppend(int unitAddr)
 {
     m_page = pageOf(unitAddr);
-    QVector<int> &page = driver.areaIndex.pages[m_table][m_page];
+    QVector<int> &page = driver.areaIndex[qMakePair(m_stationNo, m_areaName)][m_page];
     if (page.isEmpty())
         page.resize(PageUnits);
     m_cells = page.data();

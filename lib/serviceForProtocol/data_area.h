@@ -54,7 +54,6 @@ private:
 
     int m_stationNo;
     QString m_areaName;
-    int m_table;
     int m_page;
     int *m_cells;  ///< of the page, null before the first; pages stay where they are
 };

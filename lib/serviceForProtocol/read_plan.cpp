@@ -5,16 +5,8 @@
 
 namespace {
 
-/** How far a block may reach when it is joined. */
-int blockLimit(const AddressSpan &block, int mode)
-{
-    if (mode != RecipeMode)
-        return driver.mergeWords;
-    return qMin(driver.mergeWords, recipeUnitsPerFrame(driver.registerTypes.at(block.regNumber)));
-}
-
 /** One walk over spans in order: each is joined to the block before it or opens the next. */
-QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test, int mode)
+QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test)
 {
     QVector<AddressSpan> blocks;
     for (int i = 0; i < spans.size(); ++i) {
@@ -22,7 +14,7 @@ QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test
         if (!blocks.isEmpty()) {
             AddressSpan &block = blocks.last();
             const int extent = next.startAddr + next.count - block.startAddr;
-            if (judgeAddrMerge(block, next, test) == Joined && extent <= blockLimit(block, mode)) {
+            if (judgeAddrMerge(block, next, test) == Joined && extent <= driver.mergeWords) {
                 block.count = qMax(block.count, extent);
                 block.entries += next.entries;
                 continue;
@@ -64,9 +56,9 @@ quint32 weightOf(const AddressSpan &span)
 QVector<AddressSpan> addrMerge(const QVector<AddressSpan> &spans, int mode)
 {
     if (mode == RecipeMode)
-        return mergePass(spans, StrictTest, mode);
+        return mergePass(spans, StrictTest);
     const QVector<AddressSpan> ordered = inWeightOrder(readableSpans(spans), weightOf);
-    return mergePass(mergePass(ordered, StrictTest, mode), GapTolerantTest, mode);
+    return mergePass(mergePass(ordered, StrictTest), GapTolerantTest);
 }
 
 int recipeUnitsPerFrame(const RegisterType &type)

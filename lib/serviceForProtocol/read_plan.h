@@ -16,8 +16,8 @@ enum MergeMode { MonitorMode = 1, RecipeMode = 2 };
  *
  * MonitorMode: spans are taken as they are read (bits as words), put in weight order, and those
  * that overlap, touch or lie no further apart than the block limit are joined.
- * RecipeMode: spans keep their order and type; only those that overlap or touch are joined, and
- * not beyond what one frame carries either way. Blocks count the entries of the spans they join.
+ * RecipeMode: spans keep their order and type; only those that overlap or touch are joined. Blocks
+ * count the entries of the spans they join.
  */
 QVector<AddressSpan> addrMerge(const QVector<AddressSpan> &spans, int mode);
 

@@ -56,13 +56,6 @@ void forEachRecipeValue(const AddressSpan &block, Step step)
     }
 }
 
-/** Takes a request of the host back. */
-void clearRequest(int requestByte)
-{
-    QMutexLocker locker(driver.hostMutex);
-    driver.hostShared[requestByte] = 0;
-}
-
 }  // namespace
 
 int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
@@ -99,23 +92,20 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
     return int(driver.rcpEntries.size());
 }
 
-SendState requestedTransfer()
+SendState takeTransferRequest()
 {
     if (!driver.hostShared)
         return Idle;
-    SendState transfer = Idle;
-    {
-        QMutexLocker locker(driver.hostMutex);
-        if (driver.hostShared[RecipeWriteRequest] == 1)
-            transfer = RecipeWrite;
-        else if (driver.hostShared[RecipeReadRequest] == 1)
-            transfer = RecipeRead;
-    }
-    if (transfer == Idle || (driver.rcpBuffer && !driver.rcpRefused))
-        return transfer;
+    QMutexLocker locker(driver.hostMutex);
+    unsigned char &write = driver.hostShared[RecipeWriteRequest];
+    unsigned char &read = driver.hostShared[RecipeReadRequest];
+    if (write != 1 && read != 1)
+        return Idle;
+    if (driver.rcpBuffer && !driver.rcpRefused)
+        return write == 1 ? RecipeWrite : RecipeRead;
     driver.rcpIndex = 0;
-    clearRequest(RecipeWriteRequest);
-    clearRequest(RecipeReadRequest);
+    write = 0;
+    read = 0;
     return Idle;
 }
 
@@ -170,5 +160,6 @@ void finishRecipeBlock(SendState transfer, bool failed)
     if (!failed && ++driver.rcpIndex < driver.rcpBlocks.size())
         return;
     driver.rcpIndex = 0;
-    clearRequest(transfer == RecipeWrite ? RecipeWriteRequest : RecipeReadRequest);
+    QMutexLocker locker(driver.hostMutex);
+    driver.hostShared[transfer == RecipeWrite ? RecipeWriteRequest : RecipeReadRequest] = 0;
 }

@@ -1,15 +1,15 @@
 // The recipe: its registration (intf_setRcpAddress), its blocks, the steps of a transfer and the
-// copy into the host's recipe buffer. Nobody else touches the driver's rcp... members.
+// copy into the host's recipe buffer. Of the driver's rcp... members others touch rcpBuffer alone.
 #ifndef TOLVANE_RECIPE_H
 #define TOLVANE_RECIPE_H
 
 #include "../protocol.h"
 
 /**
- * The transfer that the host asks for: RecipeWrite, RecipeRead or Idle. A request that cannot be
- * served, without a recipe buffer or after a registration that kept no entry, is taken back.
+ * The transfer that the host asks for: RecipeWrite, RecipeRead or Idle. Requests that cannot be
+ * served, without a recipe buffer or after a registration that kept no entry, are taken back.
  */
-SendState requestedTransfer();
+SendState takeTransferRequest();
 
 /**
  * Fills `item` with the next block of the transfer, a RecipeWrite or RecipeRead. Returns false,

@@ -1,8 +1,8 @@
 // Values entering the cache from either side, and the reports of what changed.
 //
 // Reports run the host's code: afterwards a data area is looked at only if unit.stands(), and
-// through unit.area() again. A stored value comes after its report, so that a host that reads
-// back from inside the call sees the value from before.
+// through unit.area() again. A value comes into the cache after its report, so that a host that
+// reads back from inside the call sees the one from before.
 #include "value_store.h"
 
 #include <QtCore/QMutexLocker>
@@ -184,7 +184,10 @@ void write_saveDataToArea(int stationNo, const RegisterType &type, int startAddr
 void storeReadValues(int stationNo, const RegisterType &type, int startAddr, int count,
                      const quint16 *values)
 {
-    for (Unit unit(stationNo, type, startAddr, count); unit.next();) {
+    // A host that finishes this frame itself, from inside a report, has newer values.
+    const quint32 exchange = driver.exchangeNo;
+    for (Unit unit(stationNo, type, startAddr, count);
+         unit.next() && exchange == driver.exchangeNo;) {
         // Unchanged nearly always: nothing more is done then.
         const unsigned char *lastRead = unit.constArea().readValue;
         const int value = values[unit.i];

@@ -58,7 +58,7 @@ int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int mode)
 {
     if (block.stationNo != next.stationNo || block.regNumber != next.regNumber)
         return Separate;
-    // Weights wrap, so a span that starts lower may follow; it covers nothing of the block's.
+    // Weights wrap, so a span that starts lower may follow; blocks grow upwards only.
     if (next.startAddr < block.startAddr)
         return Separate;
     const int gap = next.startAddr - (block.startAddr + block.count);

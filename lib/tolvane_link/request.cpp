@@ -102,7 +102,7 @@ void getWriteFrame(const VARIABLE &item)
     }
 }
 
-void appendMergedWrite(const QByteArray &reply)
+void appendMergedWrite(const QByteArray &reply, const RegisterType &type)
 {
     const VARIABLE item = driver.frameList.at(0).var;
     const int words = driver.frameList.at(0).readCount;
@@ -114,5 +114,5 @@ void appendMergedWrite(const QByteArray &reply)
         unsigned char &byte = values[position / 8];
         byte = static_cast<unsigned char>(item.valueBuf[i] ? byte | bitMask : byte & ~bitMask);
     }
-    appendWriteWords(registerType(item.regName), words, values, item);
+    appendWriteWords(type, words, values, item);
 }

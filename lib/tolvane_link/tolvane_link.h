@@ -21,7 +21,7 @@ int addrOffset(const QString &regName, int number);
 
 // ---- What requests carry (merge_rule.cpp) -----------------------------------------------
 
-/** The most words that one request can span, whether it reads or writes. */
+/** The most words that one request spans: planning joins no more. */
 int wordsPerRequest();
 
 /**
@@ -63,8 +63,8 @@ void getReadFrame(const VARIABLE &item);
  */
 void getWriteFrame(const VARIABLE &item);
 
-/** Takes the reply to the read frame of a write and appends the write frame behind it. */
-void appendMergedWrite(const QByteArray &reply);
+/** Takes the reply to the read frame of a write of `type` and appends the write frame behind it. */
+void appendMergedWrite(const QByteArray &reply, const RegisterType &type);
 
 // ---- Replies (reply.cpp) --------------------------------------------------------------------
 

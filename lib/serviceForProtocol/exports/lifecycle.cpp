@@ -28,11 +28,6 @@ int intf_initProperty(unsigned char *hostShared, void *hostContext, unsigned cha
     driver.rcpBuffer = rcpBuffer;
     driver.hostMutex = hostMutex;
 
-    driver.readList.clear();
-    driver.readIndex = 0;
-    driver.writeList.clear();
-    driver.condReadList.clear();
-    ++driver.condHeadNo;
     clearDataAreas();
     // Merging, bridging and cutting keep to one limit: at least a word, at most a frame.
     driver.mergeWords = qBound(1, driver.propItem4, wordsPerRequest());

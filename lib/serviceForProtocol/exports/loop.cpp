@@ -61,7 +61,7 @@ namespace {
 
 void takeNextItem()
 {
-    const SendState transfer = requestedTransfer();
+    const SendState transfer = takeTransferRequest();
     if (driver.handShakeRequest) {
         driver.sendState = HandShake;
     } else if (transfer != Idle) {
@@ -166,7 +166,7 @@ int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
 int dealReadFrameReturnSaveData(const QByteArray &reply, const RegisterType &type)
 {
     if (driver.sendState == QueuedWrite || driver.sendState == RecipeWrite)
-        appendMergedWrite(reply);
+        appendMergedWrite(reply, type);
     else
         analyzeFrameOfVal(reply, driver.frameList.at(0), type);
     return 0;
@@ -248,9 +248,9 @@ void finishWrite()
 }
 
 /**
- * The latest read's end is announced before it leaves the queue: what the host asks for again from
- * inside the call is found there. A failure drops the whole batch first, so that what the host then
- * asks for stays.
+ * The latest read's end is announced before it leaves the queue, so that what waits behind it and
+ * is asked for again from inside the call is found there. A failure drops the whole batch first, so
+ * that what the host then asks for stays.
  */
 void finishConditionRead()
 {
@@ -284,6 +284,11 @@ void finishCyclicRead()
 
 void restartLoop()
 {
+    driver.readList.clear();
+    driver.readIndex = 0;
+    driver.writeList.clear();
+    driver.condReadList.clear();
+    ++driver.condHeadNo;
     driver.sendState = Idle;
     driver.runCount = 0;
     driver.handShakeRequest = 0;

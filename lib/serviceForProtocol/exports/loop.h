@@ -4,7 +4,7 @@
 
 #include "../../protocol.h"
 
-/** Forgets the item in flight, its tries and whose turn it is. */
+/** Empties the queues and the cyclic reads; forgets the item in flight and whose turn it is. */
 void restartLoop();
 
 #endif
