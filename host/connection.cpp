@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+#include <unistd.h>
+
 namespace host {
 
 using std::chrono::milliseconds;
@@ -23,11 +25,6 @@ constexpr seconds FirstReopening(1);
 constexpr seconds SlowestReopening(30);
 constexpr seconds LostLinePatience(10);
 
-void say(const QString &text)
-{
-    QTextStream(stderr) << "tolvane-host: " << text << '\n';
-}
-
 Driver driverOf(const QCommandLineParser &parser)
 {
     const QString option = QStringLiteral("driver");
@@ -37,22 +34,30 @@ Driver driverOf(const QCommandLineParser &parser)
 }  // namespace
 
 Connection::Connection(const QCommandLineParser &parser)
-    : m_driver(driverOf(parser)), m_identity(identify(m_driver)), m_options(parser, m_identity)
+    : say([](const QString &text) { QTextStream(stderr) << "tolvane-host: " << text << '\n'; }),
+      m_driver(driverOf(parser)),
+      m_identity(identify(m_driver)),
+      m_options(parser, m_identity)
 {
     m_session = std::make_unique<Session>(m_driver, m_options.session);
     if (!m_options.trace.isEmpty())
-        m_trace = std::make_unique<Trace>(m_options.trace);
+        m_trace = std::make_unique<Trace>(m_options.trace, m_options.zone);
 }
 
 Connection::~Connection() = default;
 
-void Connection::open()
+void Connection::open(Purpose purpose)
 {
+    const bool isNamed =
+        m_options.simulationAsked || !m_options.device.isEmpty() || !m_options.server.isEmpty();
+    if (!isNamed && (purpose == Purpose::Writing || ::isatty(STDERR_FILENO) == 0))
+        throw Failure(
+            QStringLiteral("no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate"),
+            BadInput);
     m_line = makeLine();
     m_loop = std::make_unique<Loop>(m_driver, *m_line, m_options.loop);
     m_loop->observer = [this](const Exchange &exchange) {
-        if (m_trace)
-            m_trace->write(exchange);
+        trace(exchange);
         if (exchange.outcome == Outcome::GivenUp)
             m_givenUp.append(faultsText(exchange.tries));
         if (observer)
@@ -60,6 +65,19 @@ void Connection::open()
     };
     if (!m_line->open())
         throw Failure(QStringLiteral("cannot open %1: %2").arg(m_place, m_line->errorText()));
+}
+
+// What is under way on the line matters more than its record.
+void Connection::trace(const Exchange &exchange)
+{
+    try {
+        if (m_trace)
+            m_trace->write(exchange);
+    } catch (const Failure &failure) {
+        m_trace.reset();
+        m_traceFailed = true;
+        say(QStringLiteral("%1; the trace ends here").arg(QString::fromUtf8(failure.what())));
+    }
 }
 
 std::unique_ptr<Line> Connection::makeLine()

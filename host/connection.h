@@ -12,6 +12,11 @@
 
 namespace host {
 
+enum class Purpose {
+    Reading,  ///< a line not named is simulated, if standard error is a terminal that says so
+    Writing   ///< it never is: the value would seem to have arrived
+};
+
 class Connection
 {
 public:
@@ -24,18 +29,32 @@ public:
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
 
-    /** Opens the line, or starts a simulated controller; says which on stderr. Throws Failure. */
-    void open();
+    /**
+     * Opens the line, or starts a simulated controller and says so. Throws Failure; bad input where
+     * no line is named and the purpose does not allow a simulated one that nobody asked for.
+     */
+    void open(Purpose purpose);
 
     const Driver &driver() const { return m_driver; }
     const Identity &identity() const { return m_identity; }
     int stationNo() const { return m_options.stationNo; }
+    /** How long a request without replies takes until it is given up. */
+    std::chrono::milliseconds patience() const
+    {
+        return m_options.session.retryLimit * m_options.loop.replyTimeout;
+    }
+    Zone zone() const { return m_options.zone; }
     Session &session() { return *m_session; }
 
     // After open():
     Line &line() { return *m_line; }
     const LoopCounters &counters() const { return m_loop->counters(); }
     bool simulated() const { return m_controller != nullptr; }
+    /** The trace could not be written to its end. That was said, and the rest went on. */
+    bool traceFailed() const { return m_traceFailed; }
+
+    /** Where messages go, such as that the line is lost; at first to standard error. */
+    std::function<void(const QString &text)> say;
 
     /** Called after every exchange that was sent. */
     std::function<void(const Exchange &)> observer;
@@ -55,12 +74,14 @@ public:
 
 private:
     std::unique_ptr<Line> makeLine();
+    void trace(const Exchange &exchange);
     void reopen();
 
     Driver m_driver;
     Identity m_identity;
     ConnectionOptions m_options;
     std::unique_ptr<Trace> m_trace;  // null without --trace
+    bool m_traceFailed = false;
     std::unique_ptr<Session> m_session;
     std::unique_ptr<ControllerProcess> m_controller;  // null unless simulated
     std::unique_ptr<Line> m_line;

@@ -49,7 +49,7 @@ void addConnectionOptions(QCommandLineParser &parser)
     };
     add("port", "The serial port, or pseudo-terminal, that leads to the controller.", "device");
     add("tcp", "The serial device server that leads to the controller.", "host:port");
-    add("simulate", "Start a simulated controller (the default when no line is named).");
+    add("simulate", "Start a simulated controller.");
     add("serial",
         "Settings of the serial line, also of the one behind a device server (default: the "
         "driver's own, such as 115200,8,NONE,1).",
@@ -74,13 +74,15 @@ void addConnectionOptions(QCommandLineParser &parser)
         "(default: 0).",
         "ms", "0");
     add("trace", "Write every frame to a file, with its time and what it says.", "file");
+    add("local", "Write times as local ones with their offset, not as UTC.");
 }
 
 ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Identity &identity)
     : device(parser.value(optionName("port"))),
       server(parser.value(optionName("tcp"))),
       simulationAsked(parser.isSet(optionName("simulate"))),
-      trace(parser.value(optionName("trace")))
+      trace(parser.value(optionName("trace"))),
+      zone(parser.isSet(optionName("local")) ? Zone::Local : Zone::Utc)
 {
     if (int(parser.isSet(optionName("port"))) + int(parser.isSet(optionName("tcp"))) +
             int(simulationAsked) >

@@ -6,6 +6,7 @@
 #include "host/line/device_line.h"
 #include "host/loop.h"
 #include "host/session.h"
+#include "host/time_text.h"
 
 #include <QtCore/QCommandLineParser>
 
@@ -27,7 +28,8 @@ struct ConnectionOptions
     int stationNo = 1;
     SessionSettings session;
     LoopSettings loop;
-    QString trace;  ///< file to write, or empty
+    QString trace;          ///< file to write, or empty
+    Zone zone = Zone::Utc;  ///< of the times in traces and logs
 
     /** Throws Failure (bad input) that names the option and what was expected. */
     ConnectionOptions(const QCommandLineParser &parser, const Identity &identity);

@@ -4,7 +4,7 @@ _tolvane_host()
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local command=${COMP_WORDS[1]} candidates
     local line="--port --tcp --simulate --serial --pace --baud --station --retries
-        --block-limit --timeout --quiet --listen --trace"
+        --block-limit --timeout --quiet --listen --trace --local"
     if [[ $COMP_CWORD == 1 ]]; then
         candidates="check demo explain info plan read recipe series soak watch write
             --help --version -v"

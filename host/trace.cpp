@@ -1,7 +1,6 @@
 // Writes the trace file.
 #include "host/trace.h"
 
-#include "host/failure.h"
 #include "host/frame_text.h"
 
 namespace host {
@@ -17,14 +16,6 @@ QString meaningOf(const FrameReading &reading)
 
 }  // namespace
 
-Trace::Trace(const QString &path) : m_file(path)
-{
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        throw Failure(
-            QStringLiteral("cannot write the trace \"%1\": %2").arg(path, m_file.errorString()),
-            BadInput);
-}
-
 void Trace::write(const Exchange &exchange)
 {
     const QByteArray request = exchange.request();
@@ -33,30 +24,30 @@ void Trace::write(const Exchange &exchange)
         return end.addMSecs(
             -std::chrono::duration_cast<std::chrono::milliseconds>(exchange.end - time).count());
     };
+    QString text;
     if (!exchange.stale.isEmpty())
-        line(at(exchange.begin), "<-", exchange.stale,
-             QStringLiteral("thrown away: nobody waits for it"));
-    line(at(exchange.begin), "->", request, meaningOf(readRequest(request)));
+        text += line(at(exchange.begin), "<-", exchange.stale,
+                     QStringLiteral("thrown away: nobody waits for it"));
+    text += line(at(exchange.begin), "->", request, meaningOf(readRequest(request)));
     for (const RefusedReply &refused : exchange.refused)
-        line(at(refused.at), "<-", refused.bytes,
-             QStringLiteral("refused: ") + refused.fault.text());
+        text += line(at(refused.at), "<-", refused.bytes,
+                     QStringLiteral("refused: ") + refused.fault.text());
     const QString meaning =
         exchange.reply.isEmpty() ? QString() : readReply(exchange.reply, request).text;
     const QString fault = exchange.fault.text();
-    line(end, "<-", exchange.reply,
-         meaning + QLatin1String(meaning.isEmpty() || fault.isEmpty() ? "" : "; ") + fault);
-    m_file.flush();  // a trace is read while it grows, and after a crash
+    text += line(end, "<-", exchange.reply,
+                 meaning + QLatin1String(meaning.isEmpty() || fault.isEmpty() ? "" : "; ") + fault);
+    m_file.write(text);
 }
 
-void Trace::line(const QDateTime &time, const char *arrow, const QByteArray &bytes,
-                 const QString &meaning)
+QString Trace::line(const QDateTime &time, const char *arrow, const QByteArray &bytes,
+                    const QString &meaning) const
 {
     const QString hex =
         bytes.isEmpty() ? QStringLiteral("-") : hexText(bytes, int(bytes.size())).toUpper();
-    m_file.write(QStringList{time.toString(Qt::ISODateWithMs), QLatin1String(arrow), hex, meaning}
-                     .join(QLatin1String("  "))
-                     .toUtf8() +
-                 '\n');
+    return QStringList{timeText(time, m_zone), QLatin1String(arrow), hex, meaning}.join(
+               QLatin1String("  ")) +
+           QLatin1Char('\n');
 }
 
 }  // namespace host

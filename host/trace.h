@@ -3,14 +3,13 @@
 #define TOLVANE_HOST_TRACE_H
 
 #include "host/loop.h"
-
-#include <QtCore/QDateTime>
-#include <QtCore/QFile>
+#include "host/output_file.h"
+#include "host/time_text.h"
 
 namespace host {
 
 /**
- * Each line has the time (UTC), "->" or "<-", the bytes as hex pairs ("-" for none) and what they
+ * Each line has the time, "->" or "<-", the bytes as hex pairs ("-" for none) and what they
  * say, two spaces apart:
  *
  *     2026-11-22T22:41:05.123Z  ->  02 72 61 ... 03  read 2 words of D from word 100
@@ -19,19 +18,23 @@ class Trace
 {
 public:
     /** Starts the file anew. Throws Failure (bad input) when it cannot be written. */
-    explicit Trace(const QString &path);
+    explicit Trace(const QString &path, Zone zone = Zone::Utc)
+        : m_file(path, OutputFile::Anew), m_zone(zone)
+    {
+    }
 
     /**
      * Writes what was thrown away, the request, the replies that were refused and the reply, with
-     * what was wrong with it. To be called as soon as the exchange has ended.
+     * what was wrong with it. To be called as soon as the exchange has ended. Throws Failure.
      */
     void write(const Exchange &exchange);
 
 private:
-    void line(const QDateTime &time, const char *arrow, const QByteArray &bytes,
-              const QString &meaning);
+    QString line(const QDateTime &time, const char *arrow, const QByteArray &bytes,
+                 const QString &meaning) const;
 
-    QFile m_file;
+    OutputFile m_file;
+    Zone m_zone;
 };
 
 }  // namespace host

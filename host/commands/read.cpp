@@ -39,7 +39,7 @@ int readCommand(const QStringList &arguments)
                                         connection.stationNo(), commandLine.tagFiles());
     const TagColumns columns(driver, tags);
     const bool asJson = commandLine.isSet(json);
-    connection.open();
+    connection.open(Purpose::Reading);
 
     QTextStream out(stdout);
     QTextStream err(stderr);
@@ -64,7 +64,7 @@ int readCommand(const QStringList &arguments)
     }
     if (asJson)
         out << QJsonDocument(array).toJson();
-    return failed == 0 ? AllRight : SomethingFailed;
+    return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
 }  // namespace host

@@ -82,7 +82,7 @@ int pull(Connection &connection, const QString &path, const QStringList &address
 {
     QVector<RecipeLine> lines = linesToPull(connection, path, addresses, tagFiles);
     const RecipeTransfer pushable(connection, tagsOf(lines));  // throws where a push would
-    connection.open();
+    connection.open(Purpose::Reading);
     const ProgressBar bar(QStringLiteral("pull"));
     const QVector<TagReading> readings = readTags(connection, tagsOf(lines), bar.progress());
     for (int i = 0; i < int(lines.size()); ++i) {
@@ -103,7 +103,7 @@ int push(Connection &connection, const QString &path)
     for (const RecipeLine &line : lines)
         wanted.append(parseValues(line.tag, line.values));
     RecipeTransfer transfer(connection, tagsOf(lines));
-    connection.open();
+    connection.open(Purpose::Writing);
     {
         const ProgressBar bar(QStringLiteral("push"));
         transfer.progress = bar.progress();

@@ -133,7 +133,7 @@ int watchCommand(const QStringList &arguments)
         log.emplace(QStringLiteral("-"), ChangeLog::Columns);
 
     catchInterrupts();
-    connection.open();
+    connection.open(Purpose::Reading);
     QVector<Point> points;
     for (const Tag &tag : tags)
         points.append(tag.point);

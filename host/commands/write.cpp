@@ -71,7 +71,7 @@ int writeCommand(const QStringList &arguments)
         tags.append(assignment.tag);
     const TagColumns columns(connection.driver(), tags);
     const bool asJson = commandLine.isSet(json);
-    connection.open();
+    connection.open(Purpose::Writing);
 
     QTextStream out(stdout);
     QJsonArray array;
@@ -97,7 +97,7 @@ int writeCommand(const QStringList &arguments)
     }
     if (asJson)
         out << QJsonDocument(array).toJson();
-    return failed == 0 ? AllRight : SomethingFailed;
+    return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
 }  // namespace host

@@ -1,6 +1,8 @@
 // Blocking transfers that notice a lost device.
 #include "host/line/device_line.h"
 
+#include "host/interrupt.h"
+
 #include <QtCore/QDeadlineTimer>
 
 #include <algorithm>
@@ -13,6 +15,7 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr milliseconds SendPatience(1000);  // beyond the time that the bytes take on the wire
+constexpr milliseconds LongestWait(100);    // then Ctrl-C is looked for
 
 }  // namespace
 
@@ -53,10 +56,9 @@ bool DeviceLine::send(const QByteArray &bytes)
 
 QByteArray DeviceLine::receive(LineTime until)
 {
-    while (isOpen() && m_device.bytesAvailable() == 0) {
-        const auto left =
-            std::chrono::ceil<milliseconds>(std::max(LineTime(0), until - now())).count();
-        if (m_device.waitForReadyRead(int(left)))
+    while (isOpen() && m_device.bytesAvailable() == 0 && !interrupted()) {
+        const LineTime left = std::clamp(until - now(), LineTime(0), LineTime(LongestWait));
+        if (m_device.waitForReadyRead(int(std::chrono::ceil<milliseconds>(left).count())))
             continue;
         if (!timedOut())
             lose();
