@@ -80,6 +80,16 @@ int unitsPerUnit(const Point &point, const Point &block)
     return point.isBit && point.regName != block.regName ? BitsPerWord : 1;
 }
 
+Point blockOf(const VARIABLE &item)
+{
+    Point block;
+    block.stationNo = item.stationNo;
+    block.regName = item.regName;
+    block.address = item.startAddr;
+    block.count = item.count;
+    return block;
+}
+
 Part partInside(const Point &point, const Point &block)
 {
     if (point.stationNo != block.stationNo ||

@@ -41,6 +41,9 @@ QString memoryArea(const QString &regName);
 /** Units of the point to one of the block: 16 for bits "M_bit" in words "M_W", else 1. */
 int unitsPerUnit(const Point &point, const Point &block);
 
+/** What a request of the driver reads or writes, as a point; bit addresses are not marked. */
+Point blockOf(const VARIABLE &item);
+
 /** The part of the point that lies in the block. Bits "M_bit" lie in the words "M_W". */
 Part partInside(const Point &point, const Point &block);
 

@@ -63,7 +63,10 @@ void RecipeTransfer::run(const QString &direction,
 {
     m_blocks = 0;
     m_units = 0;
+    QString lost;  // the block that ended it; those before it are done
     m_connection.observer = [&](const Exchange &exchange) {
+        if (exchange.outcome == Outcome::GivenUp)
+            lost = pointText(m_connection.driver(), blockOf(exchange.frame.var));
         if (exchange.outcome != Outcome::Good)
             return;
         countBlock(exchange);
@@ -73,10 +76,10 @@ void RecipeTransfer::run(const QString &direction,
     const QStringList errors = m_connection.finish();
     m_connection.observer = nullptr;
     if (!errors.isEmpty())
-        throw Failure(QStringLiteral("%1 of %2 values were %3, then the driver gave up: %4")
+        throw Failure(QStringLiteral("%1 of %2 values were %3, then the driver gave up %4: %5")
                           .arg(m_units)
                           .arg(m_allUnits)
-                          .arg(direction, errors.first()));
+                          .arg(direction, lost, errors.first()));
 }
 
 }  // namespace host

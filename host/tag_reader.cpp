@@ -1,25 +1,14 @@
 // Polls the tags for one cycle.
 #include "host/tag_reader.h"
 
-#include "host/failure.h"
-
-#include <QtCore/QDeadlineTimer>
+#include "host/tag_text.h"
+#include "host/time_text.h"
 
 namespace host {
 
 namespace {
 
 constexpr std::chrono::seconds LostLinePatience(10);
-
-Point blockOf(const VARIABLE &item)
-{
-    Point block;
-    block.stationNo = item.stationNo;
-    block.regName = item.regName;
-    block.address = item.startAddr;
-    block.count = item.count;
-    return block;
-}
 
 }  // namespace
 
@@ -34,6 +23,9 @@ QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags,
     }
     Session &session = connection.session();
     QVector<TagReading> readings(tags.size());
+    QVector<int> unread;  // words or bits of each tag
+    for (const Tag &tag : tags)
+        unread.append(tag.point.count);
     int left = session.monitor(points);
     int blocks = 0;
     int units = 0;
@@ -46,23 +38,40 @@ QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags,
         for (int i = 0; i < int(tags.size()); ++i) {
             const int count = partInside(tags[i].point, block).count;
             units += count;
+            unread[i] -= count;
             if (count > 0 && exchange.outcome == Outcome::GivenUp)
                 readings[i].error = faultsText(exchange.tries);
         }
         if (progress)
             progress(blocks, units, allUnits);
     };
-    QDeadlineTimer patience(LostLinePatience);
-    while (left > 0 && !patience.hasExpired())
+    const Line &line = connection.line();
+    LineTime deadline = line.now() + LostLinePatience;
+    while (left > 0 && line.now() < deadline)
         if (connection.step() != Outcome::LineLost)
-            patience = QDeadlineTimer(LostLinePatience);
+            deadline = line.now() + LostLinePatience;
     connection.observer = nullptr;
-    for (int i = 0; i < int(tags.size()); ++i)
+    for (int i = 0; i < int(tags.size()); ++i) {
         readings[i].units = session.values(tags[i].point);
+        if (unread[i] > 0 && readings[i].error.isEmpty())
+            readings[i].error = QStringLiteral("line lost: %1").arg(line.errorText());
+    }
     session.monitor({});
-    if (left > 0)
-        throw Failure(QStringLiteral("the line did not come back"));
     return readings;
+}
+
+QJsonObject readingObject(const Connection &connection, const Tag &tag, const TagReading &reading)
+{
+    const bool good = reading.error.isEmpty();
+    QJsonObject object = tagObject(connection.driver(), tag);
+    object.insert(QStringLiteral("time"),
+                  timeText(QDateTime::currentDateTimeUtc(), connection.zone()));
+    object.insert(QStringLiteral("values"),
+                  valueArray(good ? formatValues(tag, reading.units) : QStringList()));
+    object.insert(QStringLiteral("quality"), QLatin1String(good ? "good" : "bad"));
+    if (!good)
+        object.insert(QStringLiteral("reason"), reading.error);
+    return object;
 }
 
 }  // namespace host

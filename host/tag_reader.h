@@ -5,6 +5,8 @@
 #include "host/connection.h"
 #include "host/tags.h"
 
+#include <QtCore/QJsonObject>
+
 #include <functional>
 
 namespace host {
@@ -17,12 +19,15 @@ struct TagReading
 
 /**
  * Reads the tags over the open connection, which monitors nothing afterwards. progress is called
- * after each block that was read: blocks so far, and words and bits so far of all. Throws Failure
- * when the line is lost and stays away.
+ * after each block that was read: blocks so far, and words and bits so far of all. A line that
+ * is lost and stays away is the error of all that was not read.
  */
 QVector<TagReading> readTags(
     Connection &connection, const QVector<Tag> &tags,
     const std::function<void(int blocks, int units, int allUnits)> &progress = nullptr);
+
+/** Tag, address, values and quality, as of now; an error is the reason of a bad one. */
+QJsonObject readingObject(const Connection &connection, const Tag &tag, const TagReading &reading);
 
 }  // namespace host
 

@@ -3,6 +3,8 @@
 
 #include "host/csv.h"
 
+#include <QtCore/QJsonDocument>
+
 #include <algorithm>
 #include <cmath>
 
@@ -56,10 +58,20 @@ QString TagColumns::text(const Tag &tag) const
 
 QJsonObject tagObject(const Driver &driver, const Tag &tag)
 {
-    return {{QStringLiteral("name"), tag.name},
-            {QStringLiteral("address"), addressText(driver, tag)},
+    return {{QStringLiteral("tag"), tag.name},
+            {QStringLiteral("address"), addressText(driver, tag, 0)},
             {QStringLiteral("number"), tag.point.address},
             {QStringLiteral("station"), tag.point.stationNo}};
+}
+
+QJsonObject blockObject(const Driver &driver, const Point &block, bool withStation)
+{
+    Point first = block;
+    first.count = 1;
+    return {{QStringLiteral("address"), pointText(driver, first, withStation)},
+            {QStringLiteral("number"), block.address},
+            {QStringLiteral("station"), block.stationNo},
+            {QStringLiteral("count"), block.count}};
 }
 
 QJsonArray valueArray(const QStringList &values)
@@ -71,6 +83,12 @@ QJsonArray valueArray(const QStringList &values)
         array.append(isNumber && std::isfinite(number) ? QJsonValue(number) : QJsonValue(value));
     }
     return array;
+}
+
+QString jsonLine(const QJsonObject &object)
+{
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) +
+           QLatin1Char('\n');
 }
 
 }  // namespace host

@@ -37,11 +37,17 @@ private:
     int m_addressWidth = 0;  // 0: no column
 };
 
-/** An object with the tag's name and address. */
+/** An object with the tag's name, and the address and address number of its first value. */
 QJsonObject tagObject(const Driver &driver, const Tag &tag);
+
+/** An object with the address, address number, station and count of a request's block. */
+QJsonObject blockObject(const Driver &driver, const Point &block, bool withStation);
 
 /** Numbers as numbers; what JSON has no number for (0x1F, nan) as texts. */
 QJsonArray valueArray(const QStringList &values);
+
+/** The object as one line, with the newline. */
+QString jsonLine(const QJsonObject &object);
 
 }  // namespace host
 

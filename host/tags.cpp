@@ -116,6 +116,11 @@ QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QSt
     return tags;
 }
 
+bool namesStations(const QVector<Tag> &tags)
+{
+    return std::any_of(tags.cbegin(), tags.cend(), [](const Tag &tag) { return tag.stationNamed; });
+}
+
 int valueCount(const Tag &tag)
 {
     return tag.point.count / tag.form.words();

@@ -52,6 +52,9 @@ Tag parseTag(const Driver &driver, const Identity &identity, const QString &name
 QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
                        int stationNo, const QStringList &tagFiles = QStringList());
 
+/** Whether one of the tags was given with its station: then blocks are named with theirs, too. */
+bool namesStations(const QVector<Tag> &tags);
+
 /** Values of the tag: its words, its bits, or runs of its words. */
 int valueCount(const Tag &tag);
 

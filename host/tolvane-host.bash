@@ -48,7 +48,7 @@ _tolvane_host()
     write) candidates="$line --json" ;;
     watch) candidates="$line --csv --for" ;;
     recipe)
-        candidates="$line --tags"
+        candidates="$line --tags --json"
         if [[ $COMP_CWORD == 2 ]]; then
             candidates="pull push $candidates"
         fi

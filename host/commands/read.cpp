@@ -13,11 +13,66 @@
 
 namespace host {
 
+namespace {
+
+void print(const QJsonArray &array)
+{
+    QTextStream(stdout) << QJsonDocument(array).toJson();
+}
+
+QVector<TagReading> readAll(Connection &connection, const QVector<Tag> &tags)
+{
+    try {
+        connection.open(Purpose::Reading);
+    } catch (const Failure &failure) {
+        if (failure.status() == BadInput)
+            throw;
+        return QVector<TagReading>(tags.size(), {{}, QString::fromUtf8(failure.what())});
+    }
+    return readTags(connection, tags);
+}
+
+int read(const CommandLine &commandLine, bool asJson)
+{
+    const QStringList addresses = commandLine.positionalArguments().mid(1);
+    if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
+        throw Failure(QStringLiteral("nothing to read; expected ADDRESS... or --tags FILE"),
+                      BadInput);
+    Connection connection(commandLine);
+    const QVector<Tag> tags = parseTags(connection.driver(), connection.identity(), addresses,
+                                        connection.stationNo(), commandLine.tagFiles());
+    const TagColumns columns(connection.driver(), tags);
+    const QVector<TagReading> readings = readAll(connection, tags);
+
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    QJsonArray array;
+    int failed = 0;
+    for (int i = 0; i < int(tags.size()); ++i) {
+        const Tag &tag = tags[i];
+        const QString &error = readings[i].error;
+        array.append(readingObject(connection, tag, readings[i]));
+        if (!error.isEmpty()) {
+            ++failed;
+            err << "tolvane-host: " << tag.name << ": " << error << '\n' << Qt::flush;
+        } else if (!asJson) {
+            out << columns.text(tag) << "  "
+                << valuesText(tag, formatValues(tag, readings[i].units)) << '\n'
+                << Qt::flush;
+        }
+    }
+    if (asJson)
+        print(array);
+    return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
+}
+
+}  // namespace
+
 int readCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
         QStringLiteral("read"),
-        QStringLiteral("Reads each address once. Exit status 1 when a read was given up."));
+        QStringLiteral("Reads each address once. Exit status 1 when one has no good value."));
     commandLine.addPositionalArgument(
         QStringLiteral("addresses"),
         QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
@@ -27,44 +82,17 @@ int readCommand(const QStringList &arguments)
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Print a JSON array, an object a tag."));
     commandLine.addOption(json);
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    const QStringList addresses = commandLine.positionalArguments().mid(1);
-    if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
-        throw Failure(QStringLiteral("nothing to read; expected ADDRESS... or --tags FILE"),
-                      BadInput);
-
-    Connection connection(commandLine);
-    const Driver &driver = connection.driver();
-    const QVector<Tag> tags = parseTags(driver, connection.identity(), addresses,
-                                        connection.stationNo(), commandLine.tagFiles());
-    const TagColumns columns(driver, tags);
-    const bool asJson = commandLine.isSet(json);
-    connection.open(Purpose::Reading);
-
-    QTextStream out(stdout);
-    QTextStream err(stderr);
-    QJsonArray array;
-    int failed = 0;
-    const QVector<TagReading> readings = readTags(connection, tags);
-    for (int i = 0; i < int(tags.size()); ++i) {
-        const Tag &tag = tags[i];
-        const TagReading &reading = readings[i];
-        QJsonObject object = tagObject(driver, tag);
-        if (!reading.error.isEmpty()) {
-            ++failed;
-            err << "tolvane-host: " << tag.name << ": " << reading.error << '\n' << Qt::flush;
-            object.insert(QStringLiteral("error"), reading.error);
-        } else {
-            const QStringList values = formatValues(tag, reading.units);
-            object.insert(QStringLiteral("values"), valueArray(values));
-            if (!asJson)
-                out << columns.text(tag) << "  " << valuesText(tag, values) << '\n' << Qt::flush;
-        }
-        array.append(object);
+    // A program that reads along gets JSON even of a command line that is refused.
+    const bool asJson = arguments.contains(QStringLiteral("--json"));
+    try {
+        commandLine.read(arguments, std::numeric_limits<int>::max());
+        return read(commandLine, asJson);
+    } catch (const Failure &failure) {
+        if (asJson)
+            print({QJsonObject{{QStringLiteral("quality"), QStringLiteral("bad")},
+                               {QStringLiteral("reason"), QString::fromUtf8(failure.what())}}});
+        throw;
     }
-    if (asJson)
-        out << QJsonDocument(array).toJson();
-    return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
 }  // namespace host

@@ -2,9 +2,11 @@
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/failure.h"
+#include "host/output_file.h"
 #include "host/recipe_file.h"
 #include "host/recipe_transfer.h"
 #include "host/tag_reader.h"
+#include "host/tag_text.h"
 
 #include <QtCore/QTextStream>
 
@@ -77,25 +79,39 @@ QVector<RecipeLine> linesToPull(Connection &connection, const QString &path,
     return lines;
 }
 
+/** Objects as lines of JSON, each on its way when it is written. */
+class JsonLines
+{
+public:
+    void write(const QJsonObject &object) { m_file.write(jsonLine(object)); }
+
+private:
+    OutputFile m_file{QStringLiteral("-"), OutputFile::Anew};
+};
+
 int pull(Connection &connection, const QString &path, const QStringList &addresses,
-         const QStringList &tagFiles)
+         const QStringList &tagFiles, bool asJson)
 {
     QVector<RecipeLine> lines = linesToPull(connection, path, addresses, tagFiles);
     const RecipeTransfer pushable(connection, tagsOf(lines));  // throws where a push would
     connection.open(Purpose::Reading);
     const ProgressBar bar(QStringLiteral("pull"));
     const QVector<TagReading> readings = readTags(connection, tagsOf(lines), bar.progress());
+    JsonLines json;
+    for (int i = 0; asJson && i < int(lines.size()); ++i)
+        json.write(readingObject(connection, lines[i].tag, readings[i]));
     for (int i = 0; i < int(lines.size()); ++i) {
         if (!readings[i].error.isEmpty())
             throw Failure(QStringLiteral("%1: %2; %3 stays as it was")
                               .arg(lines[i].address, readings[i].error, path));
         lines[i].values = joinedValues(lines[i].tag, readings[i].units);
     }
-    writeRecipeFile(path, lines);
-    return AllRight;
+    if (!asJson || path != QLatin1String("-"))
+        writeRecipeFile(path, lines);
+    return connection.traceFailed() ? SomethingFailed : AllRight;
 }
 
-int push(Connection &connection, const QString &path)
+int push(Connection &connection, const QString &path, bool asJson)
 {
     const QVector<RecipeLine> lines =
         readRecipeFile(connection.driver(), connection.identity(), path, connection.stationNo());
@@ -117,17 +133,27 @@ int push(Connection &connection, const QString &path)
     }
 
     QTextStream out(stdout);
+    JsonLines json;
     int differing = 0;
     for (int i = 0; i < int(lines.size()); ++i) {
-        if (found[i] == wanted[i])
+        const Tag &tag = lines[i].tag;
+        const bool alike = found[i] == wanted[i];
+        differing += alike ? 0 : 1;
+        if (asJson) {
+            QJsonObject object = readingObject(connection, tag, {found[i], QString()});
+            object.insert(QStringLiteral("wanted"), valueArray(formatValues(tag, wanted[i])));
+            object.insert(QStringLiteral("alike"), alike);
+            json.write(object);
+        }
+        if (asJson || alike)
             continue;
-        ++differing;
         out << lines[i].address << ": wrote " << lines[i].values << ", the controller holds "
             << joinedValues(lines[i].tag, found[i]) << '\n';
     }
-    out << lines.size() - differing << " of " << lines.size()
-        << " addresses written and read back alike\n";
-    return differing == 0 ? AllRight : SomethingFailed;
+    if (!asJson)
+        out << lines.size() - differing << " of " << lines.size()
+            << " addresses written and read back alike\n";
+    return differing == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
 }  // namespace
@@ -150,6 +176,10 @@ int recipeCommand(const QStringList &arguments)
         QStringLiteral("[ADDRESS...]"));
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
+    const QCommandLineOption json(
+        QStringLiteral("json"),
+        QStringLiteral("Print what the controller holds as a line of JSON for each address."));
+    commandLine.addOption(json);
     commandLine.read(arguments, std::numeric_limits<int>::max());
 
     const QStringList given = commandLine.positionalArguments().mid(1);
@@ -169,8 +199,9 @@ int recipeCommand(const QStringList &arguments)
                           .arg(unasked.first()),
                       BadInput);
     Connection connection(commandLine);
-    return isPush ? push(connection, path)
-                  : pull(connection, path, addresses, commandLine.tagFiles());
+    const bool asJson = commandLine.isSet(json);
+    return isPush ? push(connection, path, asJson)
+                  : pull(connection, path, addresses, commandLine.tagFiles(), asJson);
 }
 
 }  // namespace host

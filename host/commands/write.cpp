@@ -20,6 +20,19 @@ struct Assignment
     QVector<int> units;
 };
 
+/** A request that was to carry a part of an assignment. */
+struct Piece
+{
+    Point block;
+    QString failure;  // empty: acknowledged
+};
+
+struct Result
+{
+    QVector<Piece> pieces;
+    QString failure;  // empty: all is acknowledged
+};
+
 // The value stands behind the last "=": a name may stand before the first.
 QVector<Assignment> parseAssignments(const Connection &connection, const QStringList &arguments)
 {
@@ -41,6 +54,66 @@ QVector<Assignment> parseAssignments(const Connection &connection, const QString
         assignments.append({tag, parseValues(tag, argument.mid(equals + 1))});
     }
     return assignments;
+}
+
+QString failureOf(const Driver &driver, const QVector<Piece> &pieces, bool withStation)
+{
+    QStringList texts;
+    bool failed = false;
+    for (const Piece &piece : pieces) {
+        failed = failed || !piece.failure.isEmpty();
+        texts += pieces.size() == 1
+                     ? piece.failure
+                     : pointText(driver, piece.block, withStation) +
+                           (piece.failure.isEmpty() ? QLatin1String(" acknowledged")
+                                                    : QLatin1String(": ") + piece.failure);
+    }
+    return failed ? texts.join(QLatin1String("; ")) : QString();
+}
+
+Result carry(Connection &connection, const Assignment &assignment)
+{
+    Result result;
+    connection.observer = [&](const Exchange &exchange) {
+        // Several bits are written into words that were read for it: that read writes nothing.
+        const bool acknowledged =
+            exchange.outcome == Outcome::Good && exchange.frame.readCount == 0;
+        if (acknowledged || exchange.outcome == Outcome::GivenUp)
+            result.pieces.append({blockOf(exchange.frame.var),
+                                  acknowledged ? QString() : faultsText(exchange.tries)});
+    };
+    connection.session().write(assignment.tag.point, assignment.units);
+    QString lost;
+    try {
+        connection.finish();
+    } catch (const Failure &failure) {
+        lost = QString::fromUtf8(failure.what());
+    }
+    connection.observer = nullptr;
+    result.failure = failureOf(connection.driver(), result.pieces, assignment.tag.stationNamed);
+    if (!lost.isEmpty())
+        result.failure += result.pieces.isEmpty() ? lost : QLatin1String("; ") + lost;
+    return result;
+}
+
+QJsonObject objectOf(const Driver &driver, const Assignment &assignment, const Result &result)
+{
+    QJsonObject object = tagObject(driver, assignment.tag);
+    object.insert(QStringLiteral("values"),
+                  valueArray(formatValues(assignment.tag, assignment.units)));
+    object.insert(QStringLiteral("acknowledged"), result.failure.isEmpty());
+    if (!result.failure.isEmpty())
+        object.insert(QStringLiteral("reason"), result.failure);
+    QJsonArray blocks;
+    for (const Piece &piece : result.pieces) {
+        QJsonObject block = blockObject(driver, piece.block, assignment.tag.stationNamed);
+        block.insert(QStringLiteral("acknowledged"), piece.failure.isEmpty());
+        if (!piece.failure.isEmpty())
+            block.insert(QStringLiteral("reason"), piece.failure);
+        blocks.append(block);
+    }
+    object.insert(QStringLiteral("blocks"), blocks);
+    return object;
 }
 
 }  // namespace
@@ -65,11 +138,12 @@ int writeCommand(const QStringList &arguments)
         throw Failure(QStringLiteral("nothing to write; expected ADDRESS=VALUE..."), BadInput);
 
     Connection connection(commandLine);
+    const Driver &driver = connection.driver();
     const QVector<Assignment> assignments = parseAssignments(connection, given);
     QVector<Tag> tags;
     for (const Assignment &assignment : assignments)
         tags.append(assignment.tag);
-    const TagColumns columns(connection.driver(), tags);
+    const TagColumns columns(driver, tags);
     const bool asJson = commandLine.isSet(json);
     connection.open(Purpose::Writing);
 
@@ -77,23 +151,20 @@ int writeCommand(const QStringList &arguments)
     QJsonArray array;
     int failed = 0;
     for (const Assignment &assignment : assignments) {
-        const Tag &tag = assignment.tag;
-        connection.session().write(tag.point, assignment.units);
-        const QStringList errors = connection.finish();
-        failed += errors.isEmpty() ? 0 : 1;
-        const QStringList values = formatValues(tag, assignment.units);
-        QJsonObject object = tagObject(connection.driver(), tag);
-        object.insert(QStringLiteral("values"), valueArray(values));
-        object.insert(QStringLiteral("acknowledged"), errors.isEmpty());
-        if (!errors.isEmpty())
-            object.insert(QStringLiteral("error"), errors.first());
-        array.append(object);
-        if (!asJson)
-            out << columns.text(tag) << " = " << values.join(QLatin1String(", ")) << "  "
-                << (errors.isEmpty() ? QStringLiteral("acknowledged")
-                                     : QLatin1String("FAILED: ") + errors.first())
-                << '\n'
-                << Qt::flush;
+        const Result result =
+            connection.line().isOpen()
+                ? carry(connection, assignment)
+                : Result{{}, QStringLiteral("not sent: %1").arg(connection.line().errorText())};
+        failed += result.failure.isEmpty() ? 0 : 1;
+        array.append(objectOf(driver, assignment, result));
+        if (asJson)
+            continue;
+        out << columns.text(assignment.tag) << " = "
+            << formatValues(assignment.tag, assignment.units).join(QLatin1String(", ")) << "  "
+            << (result.failure.isEmpty() ? QStringLiteral("acknowledged")
+                                         : QLatin1String("FAILED: ") + result.failure)
+            << '\n'
+            << Qt::flush;
     }
     if (asJson)
         out << QJsonDocument(array).toJson();

@@ -228,7 +228,7 @@ void TestOnline::jsonForPrograms()
     };
     const QJsonObject read = firstOf({"read", "level=2/D_W:110:float"});
     QCOMPARE(read["values"].toArray(), QJsonArray{1.5});
-    QCOMPARE(read["address"].toString() + read["name"].toString(), QString("2/D_W:110level"));
+    QCOMPARE(read["address"].toString() + read["tag"].toString(), QString("2/D_W:110level"));
     QCOMPARE(read["number"].toInt() + read["station"].toInt(), 110 + 2);
     const QJsonObject written = firstOf({"write", "D_W:720:hex=0x1F"});
     QCOMPARE(written["values"].toArray(), QJsonArray{"0x001F"});
