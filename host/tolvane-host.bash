@@ -33,7 +33,7 @@ _tolvane_host()
         return
         ;;
     --tcp | --baud | --station | --retries | --block-limit | --timeout | --quiet | --listen | \
-        --turnaround | --count | --step | --for | --exchanges | --seed)
+        --turnaround | --count | --step | --for | --every | --poll | --exchanges | --seed)
         return
         ;;
     esac
@@ -46,7 +46,9 @@ _tolvane_host()
         ;;
     read) candidates="$line --tags --json" ;;
     write) candidates="$line --json" ;;
-    watch) candidates="$line --csv --for" ;;
+    watch)
+        candidates="$line --tags --csv --json --every --poll --for --stats --no-demotion"
+        ;;
     recipe)
         candidates="$line --tags --json"
         if [[ $COMP_CWORD == 2 ]]; then

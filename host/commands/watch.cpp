@@ -1,12 +1,13 @@
-// tolvane-host watch: addresses polled round and round, shown live or as a line per change.
+// tolvane-host watch: addresses polled round and round, shown live or written down.
+#include "host/watch/watch.h"
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/connection.h"
 #include "host/failure.h"
 #include "host/interrupt.h"
-#include "host/watch/change_log.h"
 #include "host/watch/line_use.h"
 #include "host/watch/screen.h"
+#include "host/watch/value_log.h"
 
 #include <QtCore/QTextStream>
 
@@ -17,82 +18,149 @@ namespace host {
 
 namespace {
 
-constexpr int DrawEveryMs = 250;
-constexpr int RateEveryMs = 1000;  // a shorter stretch holds too few exchanges for a rate
+using std::chrono::milliseconds;
 
-double secondsOf(const QElapsedTimer &clock)
+constexpr milliseconds DrawEvery(250);
+constexpr std::chrono::seconds RateEvery(1);  // a shorter stretch holds too few exchanges
+constexpr int LongestIntervalMs = 24 * 60 * 60 * 1000;
+
+double secondsOf(LineTime time)
 {
-    return double(clock.nsecsElapsed()) * 1e-9;
+    return std::chrono::duration<double>(time).count();
 }
 
 /** The line's use over the last whole second, or over the first one so far. */
 class LatelyUsed
 {
 public:
-    LatelyUsed() { m_since.start(); }
+    explicit LatelyUsed(LineTime now) : m_since(now) {}
 
-    const LineUse &at(Connection &connection)
+    const LineUse &at(Connection &connection, LineTime now)
     {
-        const bool whole = m_since.hasExpired(RateEveryMs);
+        const bool whole = now - m_since >= RateEvery;
         if (whole || m_use.seconds < 1)
-            m_use =
-                LineUse(connection.counters(), m_earlier, secondsOf(m_since), connection.line());
+            m_use = LineUse(connection.counters(), m_earlier, secondsOf(now - m_since),
+                            connection.line());
         if (whole) {
             m_earlier = connection.counters();
-            m_since.start();
+            m_since = now;
         }
         return m_use;
     }
 
 private:
-    QElapsedTimer m_since;
+    LineTime m_since;
     LoopCounters m_earlier;
     LineUse m_use;
 };
 
-double secondsOption(const QCommandLineParser &parser, const QCommandLineOption &option)
+/** The options of the command, each as its own type. */
+struct Wishes
+{
+    bool json = false;
+    bool table = false;   // the live one
+    bool tables = false;  // of statistics
+    QString csv;
+    LineTime duration = LineTime::max();
+    WatchSettings watch;
+};
+
+LineTime durationOption(const QString &text)
 {
     bool isNumber = false;
-    const double seconds = parser.value(option).toDouble(&isNumber);
-    if (!isNumber || !(seconds > 0))
-        throw Failure(
-            QStringLiteral("--for \"%1\": expected seconds above 0").arg(parser.value(option)),
-            BadInput);
-    return seconds;
+    const double seconds = text.toDouble(&isNumber);
+    if (!isNumber || !(seconds > 0) || seconds > 1e9)
+        throw Failure(QStringLiteral("--for \"%1\": expected seconds above 0").arg(text), BadInput);
+    return std::chrono::duration_cast<LineTime>(std::chrono::duration<double>(seconds));
 }
 
-/** Polls until the time is up or the user ends it. */
-void poll(Connection &connection, WatchedValues &values, ChangeLog *log, bool live,
-          double forSeconds)
+LineTime intervalOption(const QCommandLineParser &parser, const char *name)
 {
-    connection.observer = [&](const Exchange &exchange) {
-        const QVector<int> changed = values.update(exchange);
-        if (!log)
-            return;
-        for (const int value : changed)
-            log->write(values.all()[value]);
-        log->flush();
-    };
-    std::optional<Screen> screen;
-    if (live)
-        screen.emplace();
+    return milliseconds(parser.isSet(QLatin1String(name))
+                            ? numberOption(parser, QLatin1String(name), 1, LongestIntervalMs)
+                            : 0);
+}
 
-    LatelyUsed lately;
-    QElapsedTimer clock;
-    QElapsedTimer sinceDrawing;
-    clock.start();
-    sinceDrawing.start();
-    while (!interrupted() && secondsOf(clock) < forSeconds) {
-        connection.step();
-        if (!screen || !sinceDrawing.hasExpired(DrawEveryMs))
-            continue;
-        sinceDrawing.start();
-        values.sample();
-        screen->draw(values.all(), connection.counters(), lately.at(connection));
-    }
-    const LineUse use(connection.counters(), LoopCounters(), secondsOf(clock), connection.line());
-    screen.reset();
-    QTextStream(stderr) << use.text();
+Wishes readWishes(const QCommandLineParser &parser)
+{
+    const auto isSet = [&](const char *name) { return parser.isSet(QLatin1String(name)); };
+    Wishes wishes;
+    wishes.csv = parser.value(QStringLiteral("csv"));
+    wishes.json = isSet("json");
+    const bool csvToStdout = wishes.csv == QLatin1String("-");
+    if (wishes.json && csvToStdout)
+        throw Failure(QStringLiteral("--json and --csv - both want standard output"), BadInput);
+    wishes.table = isTerminal() && !wishes.json && !csvToStdout;
+    wishes.tables = isSet("stats");
+    if (isSet("for"))
+        wishes.duration = durationOption(parser.value(QStringLiteral("for")));
+    wishes.watch.poll = intervalOption(parser, "poll");
+    wishes.watch.every = intervalOption(parser, "every");
+    wishes.watch.setAside = !isSet("no-demotion");
+    return wishes;
+}
+
+std::vector<ValueLog> openLogs(const Wishes &wishes, Zone zone, const QVector<WatchedValue> &values)
+{
+    std::vector<ValueLog> logs;
+    const ValueLog::Form csv =
+        wishes.watch.every > LineTime(0) ? ValueLog::CsvTable : ValueLog::Csv;
+    if (!wishes.csv.isEmpty())
+        logs.emplace_back(wishes.csv, csv, zone, values);
+    if (wishes.json)
+        logs.emplace_back(QStringLiteral("-"), ValueLog::JsonLines, zone, values);
+    else if (logs.empty() && !wishes.table)
+        logs.emplace_back(QStringLiteral("-"), ValueLog::Columns, zone, values);
+    return logs;
+}
+
+/** Polls until the time is up or the user ends it; returns how long that took. */
+LineTime poll(Connection &connection, Watch &watch, LineTime duration,
+              std::optional<Screen> &screen)
+{
+    Line &line = connection.line();
+    const LineTime start = line.now();
+    LatelyUsed lately(start);
+    LineTime nextDrawing = start;
+    const auto draw = [&] {
+        const LineTime now = line.now();
+        if (screen && now >= nextDrawing) {
+            nextDrawing = now + DrawEvery;
+            watch.values().sample();
+            screen->draw(watch.values().all(), connection.counters(), lately.at(connection, now),
+                         now);
+        }
+        return !interrupted();
+    };
+    connection.observer = [&](const Exchange &exchange) {
+        if (!interrupted())  // it was cut short, and failed for no other reason
+            watch.take(exchange, line.now());
+    };
+    watch.run(
+        line, [&] { return connection.step(); }, duration, draw);
+    connection.observer = nullptr;
+    return line.now() - start;
+}
+
+/** What came of it all, on standard error; returns the exit status. */
+int close(Connection &connection, const Watch &watch, const Wishes &wishes, LineTime duration,
+          ValueLog *json)
+{
+    QTextStream err(stderr);
+    const LineTime now = connection.line().now();
+    err << LineUse(connection.counters(), LoopCounters(), secondsOf(duration), connection.line())
+               .text();
+    const QString failures = watch.statistics().all().failuresText();
+    if (!failures.isEmpty())
+        err << "failures: " << failures << '\n';
+    if (wishes.tables && json)
+        json->write({{QStringLiteral("statistics"), watch.statistics().object(now)}});
+    else if (wishes.tables)
+        watch.statistics().print(err << '\n', now);
+    const QStringList notGood = watch.notGood();
+    for (const QString &line : notGood)
+        err << "tolvane-host: no good value at the end; " << line << '\n';
+    return notGood.isEmpty() && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
 }  // namespace
@@ -101,47 +169,67 @@ int watchCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
         QStringLiteral("watch"),
-        QStringLiteral("Polls addresses: a live table on a terminal (age: time since the value\n"
-                       "changed), elsewhere a line per change. Ctrl-C ends it with the counts."));
+        QStringLiteral(
+            "Polls addresses: a live table on a terminal (changed, read: time since the value\n"
+            "changed and since its last good read), elsewhere a line per change of value or\n"
+            "quality. Ctrl-C ends it with the counts. Exit status 1 when a tag had no good value\n"
+            "at the end."));
     commandLine.addPositionalArgument(
         QStringLiteral("addresses"),
         QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
         QStringLiteral("ADDRESS..."));
+    commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
-    const QCommandLineOption csv(
-        QStringLiteral("csv"),
-        QStringLiteral("Write time,name,address,value of each change to a file; - for stdout."),
-        QStringLiteral("file"));
-    const QCommandLineOption forSeconds(QStringLiteral("for"),
-                                        QStringLiteral("End after so many seconds."),
-                                        QStringLiteral("seconds"));
-    commandLine.addOptions({csv, forSeconds});
+    const auto add = [&](const char *name, const char *help, const char *value = nullptr) {
+        commandLine.addOption(
+            QCommandLineOption(QLatin1String(name), QLatin1String(help), QLatin1String(value)));
+    };
+    add("csv",
+        "Write time,name,address,value,quality,reason of each change to a file, behind what is "
+        "there; - for stdout.",
+        "file");
+    add("json", "Print each change as a line of JSON.");
+    add("every",
+        "Write all values so often, changed or not; in CSV a column for each value and one for "
+        "its quality.",
+        "ms");
+    add("poll", "Begin a poll cycle no sooner than so long after the one before.", "ms");
+    add("for", "End after so many seconds.", "seconds");
+    add("stats", "Print what became of the exchanges, by block and by tag, at the end.");
+    add("no-demotion", "Poll blocks that are given up three times in a row as often as others.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList addresses = commandLine.positionalArguments().mid(1);
-    if (addresses.isEmpty())
-        throw Failure(QStringLiteral("nothing to watch; expected ADDRESS..."), BadInput);
-    const double duration = commandLine.isSet(forSeconds) ? secondsOption(commandLine, forSeconds)
-                                                          : std::numeric_limits<double>::infinity();
+    if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
+        throw Failure(QStringLiteral("nothing to watch; expected ADDRESS... or --tags FILE"),
+                      BadInput);
+    Wishes wishes = readWishes(commandLine);
 
     Connection connection(commandLine);
-    const QVector<Tag> tags =
-        parseTags(connection.driver(), connection.identity(), addresses, connection.stationNo());
-    std::optional<ChangeLog> log;
-    if (commandLine.isSet(csv))
-        log.emplace(commandLine.value(csv), ChangeLog::Csv);
-    else if (!isTerminal())
-        log.emplace(QStringLiteral("-"), ChangeLog::Columns);
+    const QVector<Tag> tags = parseTags(connection.driver(), connection.identity(), addresses,
+                                        connection.stationNo(), commandLine.tagFiles());
+    wishes.watch.shortestCycle = connection.patience();
+    Watch watch(connection.driver(), connection.session(), tags, wishes.watch);
+    std::vector<ValueLog> logs = openLogs(wishes, connection.zone(), watch.values().all());
 
     catchInterrupts();
     connection.open(Purpose::Reading);
-    QVector<Point> points;
-    for (const Tag &tag : tags)
-        points.append(tag.point);
-    connection.session().monitor(points);
-    WatchedValues values(connection.driver(), connection.session(), tags);
-    const bool live = isTerminal() && commandLine.value(csv) != QLatin1String("-");
-    poll(connection, values, log ? &*log : nullptr, live, duration);
-    return AllRight;
+    std::optional<Screen> screen;
+    watch.report = [&](const QVector<int> &which, LineTime at) {
+        const auto ago = std::chrono::duration_cast<milliseconds>(connection.line().now() - at);
+        const QDateTime time = QDateTime::currentDateTimeUtc().addMSecs(-ago.count());
+        for (ValueLog &log : logs)
+            log.write(watch.values().all(), which, time);
+    };
+    connection.say = watch.say = [&](const QString &text) {
+        if (screen)
+            screen->makeRoom();
+        QTextStream(stderr) << "tolvane-host: " << text << '\n';
+    };
+    if (wishes.table)
+        screen.emplace();
+    const LineTime duration = poll(connection, watch, wishes.duration, screen);
+    screen.reset();
+    return close(connection, watch, wishes, duration, wishes.json ? &logs.back() : nullptr);
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include <langinfo.h>
 #include <sys/ioctl.h>
@@ -13,17 +14,14 @@ namespace host {
 
 namespace {
 
-constexpr int LeastNameWidth = 8;
-constexpr int AddressWidth = 12;
-constexpr int ValueWidth = 13;
+constexpr int LeastNameWidth = 6;
+constexpr int LeastValueWidth = 8;
 constexpr int TrendWidth = 16;
 constexpr int ChangesWidth = 7;
-constexpr int AgeWidth = 6;
+constexpr int LeastStateWidth = 12;  // changes, or the beginning of a reason
+constexpr int AgeWidth = 7;
 constexpr int Gap = 2;
-constexpr int RightOfName =
-    AddressWidth + ValueWidth + TrendWidth + ChangesWidth + AgeWidth + 5 * Gap;
 
-constexpr int LinesBesideValues = 4;  // heading, "more", status, the cursor's own
 constexpr winsize UsualTerminal{24, 80, 0, 0};
 
 winsize terminalSize()
@@ -57,30 +55,111 @@ QString trendText(const QVector<double> &trend, bool unicode)
     return text;
 }
 
-QString ageText(const QElapsedTimer &since)
+QString ageText(const std::optional<LineTime> &since, LineTime now)
 {
-    if (!since.isValid())
+    if (!since)
         return QStringLiteral("-");
-    const double seconds = double(since.elapsed()) / 1000;
+    const double seconds = std::chrono::duration<double>(now - *since).count();
     if (seconds < 60)
         return QStringLiteral("%1 s").arg(seconds, 0, 'f', 1);
     return seconds < 3600 ? QStringLiteral("%1 min").arg(int(seconds / 60))
                           : QStringLiteral("%1 h").arg(int(seconds / 3600));
 }
 
-QString row(int nameWidth, const QString &name, const QString &address, const QString &value,
-            const QString &trend, const QString &changes, const QString &age)
+/** The columns and their widths, 0 for one that is not there. */
+struct Layout
 {
-    return QStringList{name.leftJustified(nameWidth, QLatin1Char(' '), true),
-                       address.leftJustified(AddressWidth),
-                       value.rightJustified(ValueWidth),
-                       trend.leftJustified(TrendWidth),
-                       changes.rightJustified(ChangesWidth),
-                       age.rightJustified(AgeWidth)}
-        .join(QLatin1String("  "));
-}
+    int name = 0;
+    int address = int(std::strlen("address"));
+    int value = LeastValueWidth;
+    int trend = TrendWidth;
+    int changed = AgeWidth;
+    int spare = 0;  // columns that reasons may take beyond their own
+
+    Layout(const QVector<WatchedValue> &values, int columns)
+    {
+        for (const WatchedValue &item : values) {
+            name = std::max(name, item.hasOwnName ? int(item.name.size()) : 0);
+            address = std::max(address, int(item.address.size()));
+            value = std::max(value, int(item.text.size()));
+        }
+        // Addresses and values tell rows apart, so names give way first.
+        name = std::min(name, std::max(LeastNameWidth, name - (width() - columns)));
+        for (int *column : {&trend, &changed, &name})
+            if (width() > columns)
+                *column = 0;
+        int longest = 0;
+        for (const WatchedValue &item : values)
+            longest = std::max(longest, int(item.reason.size()));
+        spare = std::max(0, std::min(columns - width(), longest - state()));
+    }
+
+    /** Between value and ages: trend and changes, or why the value is not good. */
+    int state() const { return spare + (trend > 0 ? trend + Gap + ChangesWidth : LeastStateWidth); }
+
+    int width() const
+    {
+        int sum = address + Gap + value + Gap + state() + Gap + AgeWidth;
+        for (const int column : {name, changed})
+            sum += column > 0 ? column + Gap : 0;
+        return sum;
+    }
+
+    QString row(const QString &nameText, const QString &addressText, const QString &valueText,
+                const QString &stateText, const QString &changedText, const QString &readText) const
+    {
+        const QChar blank = QLatin1Char(' ');
+        QStringList cells;
+        if (name > 0)
+            cells << nameText.leftJustified(name, blank, true);
+        cells << addressText.leftJustified(address) << valueText.rightJustified(value)
+              << stateText.leftJustified(state(), blank, true);
+        if (changed > 0)
+            cells << changedText.rightJustified(AgeWidth);
+        cells << readText.rightJustified(AgeWidth);
+        return cells.join(QString(Gap, blank));
+    }
+
+    QString stateText(const QString &trendText, const QString &changesText) const
+    {
+        return trend > 0 ? trendText.leftJustified(trend) + QString(Gap, QLatin1Char(' ')) +
+                               changesText.rightJustified(ChangesWidth)
+                         : changesText.rightJustified(ChangesWidth);
+    }
+};
 
 }  // namespace
+
+QVector<TableLine> composeTable(const QVector<WatchedValue> &values, LineTime now, int rows,
+                                int columns, bool unicode)
+{
+    const auto isPoor = [](const WatchedValue &value) { return value.quality != Quality::Good; };
+    const Layout layout(values, columns);
+    QVector<TableLine> lines;
+    lines.append(
+        {layout.row(QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("value"),
+                    layout.stateText(QStringLiteral("trend"), QStringLiteral("changes")),
+                    QStringLiteral("changed"), QStringLiteral("read")),
+         false});
+    const int all = int(values.size());
+    const int shown = all < rows ? all : std::max(1, rows - 2);  // heading, "more"
+    for (const WatchedValue &value : values.mid(0, shown))
+        lines.append({layout.row(value.hasOwnName ? value.name : QString(), value.address,
+                                 value.text.isEmpty() ? QStringLiteral("-") : value.text,
+                                 isPoor(value) ? value.reason
+                                               : layout.stateText(trendText(value.trend, unicode),
+                                                                  QString::number(value.changes)),
+                                 ageText(value.changedAt, now), ageText(value.readAt, now)),
+                      isPoor(value)});
+    if (all > shown) {
+        const auto hidden = std::count_if(values.cbegin() + shown, values.cend(), isPoor);
+        lines.append(
+            {QStringLiteral("... and %1 more").arg(all - shown) +
+                 (hidden > 0 ? QStringLiteral(", %1 of them not good").arg(hidden) : QString()),
+             hidden > 0});
+    }
+    return lines;
+}
 
 bool isTerminal()
 {
@@ -89,56 +168,40 @@ bool isTerminal()
 
 Screen::Screen() : m_unicode(std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0)
 {
-    put("\x1b[?25l");
-}
-
-Screen::~Screen()
-{
-    put("\x1b[?25h");
 }
 
 void Screen::draw(const QVector<WatchedValue> &values, const LoopCounters &counters,
-                  const LineUse &lately)
+                  const LineUse &lately, LineTime now)
 {
     const winsize size = terminalSize();
-    const int shown =
-        std::clamp(size.ws_row - LinesBesideValues, 1, std::max(1, int(values.size())));
-    int nameWidth = LeastNameWidth;
-    for (const WatchedValue &value : values)
-        nameWidth = std::max(nameWidth, int(value.name.size()));
-    nameWidth = std::min(nameWidth, std::max(LeastNameWidth, size.ws_col - 1 - RightOfName));
-    QByteArray drawing = "\r";
-    if (m_linesAbove > 0)
-        drawing += "\x1b[" + QByteArray::number(m_linesAbove) + "A";
-    m_linesAbove = 0;
-
-    line(drawing,
-         row(nameWidth, QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("value"),
-             QStringLiteral("trend"), QStringLiteral("changes"), QStringLiteral("age")),
-         size.ws_col);
-    for (const WatchedValue &value : values.mid(0, shown))
-        line(drawing,
-             row(nameWidth, value.name, value.address == value.name ? QString() : value.address,
-                 value.text.isEmpty() ? QStringLiteral("-") : value.text,
-                 trendText(value.trend, m_unicode), QString::number(value.changes),
-                 ageText(value.sinceChange)),
-             size.ws_col);
-    if (values.size() > shown)
-        line(drawing, QStringLiteral("... and %1 more").arg(values.size() - shown), size.ws_col);
-    line(drawing,
-         QStringLiteral("%1 exchanges/s   %2 retries   %3 errors   %4")
-             .arg(lately.exchangesPerSecond(), 0, 'f', 1)
-             .arg(counters.retries)
-             .arg(counters.errors)
-             .arg(lately.shareText()),
-         size.ws_col);
-    put(drawing + "\x1b[J");
+    const int columns = size.ws_col - 1;
+    QVector<TableLine> lines = composeTable(values, now, size.ws_row - 2, columns, m_unicode);
+    lines.append({QStringLiteral("%1 exchanges/s   %2 retries   %3 errors   %4")
+                      .arg(lately.exchangesPerSecond(), 0, 'f', 1)
+                      .arg(counters.retries)
+                      .arg(counters.errors)
+                      .arg(lately.shareText()),
+                  false});
+    // The cursor is hidden no longer than that, for nobody would give it back after a crash.
+    QByteArray drawing = "\x1b[?25l" + toTop();
+    for (const TableLine &line : std::as_const(lines)) {
+        const QByteArray text = line.text.left(columns).toUtf8();
+        drawing += (line.isGrey ? "\x1b[90m" + text + "\x1b[0m" : text) + "\x1b[K\r\n";
+    }
+    m_linesAbove = int(lines.size());
+    put(drawing + "\x1b[J\x1b[?25h");
 }
 
-void Screen::line(QByteArray &drawing, const QString &text, int columns)
+void Screen::makeRoom()
 {
-    drawing += text.left(columns - 1).toUtf8() + "\x1b[K\r\n";
-    ++m_linesAbove;
+    if (::isatty(STDERR_FILENO) == 1)
+        put(toTop() + "\x1b[J");
+}
+
+QByteArray Screen::toTop()
+{
+    const int lines = std::exchange(m_linesAbove, 0);
+    return lines > 0 ? "\r\x1b[" + QByteArray::number(lines) + "A" : QByteArray("\r");
 }
 
 }  // namespace host

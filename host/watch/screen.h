@@ -10,21 +10,35 @@ namespace host {
 /** True when standard output is a terminal. */
 bool isTerminal();
 
-/** Draws in place, over its own earlier drawing; what does not fit is counted, not shown. */
+struct TableLine
+{
+    QString text;
+    bool isGrey = false;
+};
+
+/**
+ * The table's lines, for a terminal of that size: heading, values, and how many more there are.
+ * Addresses and values are whole as long as there is room for them; names are cut first. Values
+ * that are not good are grey, with the reason beside them.
+ */
+QVector<TableLine> composeTable(const QVector<WatchedValue> &values, LineTime now, int rows,
+                                int columns, bool unicode);
+
+/** Draws in place, over its own earlier drawing. */
 class Screen
 {
 public:
     Screen();
-    ~Screen();  ///< gives the cursor back, below the table
-    Screen(const Screen &) = delete;
-    Screen &operator=(const Screen &) = delete;
 
     /** lately: the use of the line since the drawing before, or over the last second. */
     void draw(const QVector<WatchedValue> &values, const LoopCounters &counters,
-              const LineUse &lately);
+              const LineUse &lately, LineTime now);
+
+    /** Makes room for a message on standard error, where that is the same terminal. */
+    void makeRoom();
 
 private:
-    void line(QByteArray &drawing, const QString &text, int columns);
+    QByteArray toTop();
 
     bool m_unicode;
     int m_linesAbove = 0;

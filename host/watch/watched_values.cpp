@@ -1,4 +1,4 @@
-// Compares what each exchange has read with what was known.
+// Keeps what is known of each word and bit, and judges the values that are made of them.
 #include "host/watch/watched_values.h"
 
 #include "host/tag_text.h"
@@ -10,88 +10,150 @@ namespace host {
 namespace {
 
 constexpr int TrendSamples = 16;
-constexpr int BitsPerWord = 16;
-constexpr int NotRead = -1;
-
-QString areaName(const QString &regName)
-{
-    return regName.section(QLatin1Char('_'), 0, 0);
-}
+constexpr char NotYet[] = "not read yet";
 
 }  // namespace
 
-WatchedValues::WatchedValues(const Driver &driver, const Session &session, const QVector<Tag> &tags)
-    : m_session(session)
+QString qualityText(Quality quality)
 {
-    for (const Tag &tag : tags) {
-        m_watched.append({tag, QVector<int>(tag.point.count, NotRead), int(m_values.size())});
+    return QLatin1String(quality == Quality::Good    ? "good"
+                         : quality == Quality::Stale ? "stale"
+                                                     : "bad");
+}
+
+WatchedValues::WatchedValues(const Driver &driver, const Session &session, const QVector<Tag> &tags)
+    : m_session(session), m_coverage(tags)
+{
+    const QString notYet = QLatin1String(NotYet);
+    for (int t = 0; t < int(tags.size()); ++t) {
+        const Tag &tag = tags[t];
         const int count = valueCount(tag);
+        const int step = tag.point.count / count;
+        m_watched.append({tag, QVector<Unit>(tag.point.count, Unit{0, LineTime(0), notYet, true}),
+                          int(m_values.size()), step});
         for (int i = 0; i < count; ++i) {
             WatchedValue value;
+            value.tag = t;
             value.address = addressText(driver, tag, i);
-            value.name = !hasOwnName(driver, tag) ? value.address
-                         : count == 1             ? tag.name
-                                                  : QStringLiteral("%1[%2]").arg(tag.name).arg(i);
+            value.number = tag.point.address + i * step;
+            value.stationNo = tag.point.stationNo;
+            value.hasOwnName = host::hasOwnName(driver, tag);
+            value.name = !value.hasOwnName ? value.address
+                         : count == 1      ? tag.name
+                                           : QStringLiteral("%1[%2]").arg(tag.name).arg(i);
+            value.reason = notYet;
             m_values.append(value);
         }
     }
 }
 
-QVector<int> WatchedValues::update(const Exchange &exchange)
+QVector<int> WatchedValues::read(const Point &block, LineTime now)
 {
     QVector<int> changed;
-    const bool isRead = exchange.outcome == Outcome::Good && exchange.frame.readCount > 0;
-    for (Watched &watched : m_watched)
-        if (isRead && watched.tag.point.stationNo == exchange.frame.var.stationNo)
-            update(watched, exchange.frame.var, changed);
+    for (const Coverage::Covered &covered : m_coverage.of(block)) {
+        Watched &watched = m_watched[covered.tag];
+        Point part = watched.tag.point;
+        part.address += covered.part.first;
+        part.count = covered.part.count;
+        const QVector<int> fresh = m_session.values(part);
+        for (int i = 0; i < part.count; ++i) {
+            Unit &unit = watched.units[covered.part.first + i];
+            unit = {fresh[i], now, QString(), unit.isNew || unit.value != fresh[i]};
+        }
+        judge(watched, covered.part, now, changed);
+    }
     return changed;
 }
 
-void WatchedValues::update(Watched &watched, const VARIABLE &item, QVector<int> &changed)
+QVector<int> WatchedValues::giveUp(const Point &block, const QString &reason)
 {
-    const Point &point = watched.tag.point;
-    if (areaName(point.regName) != areaName(item.regName))
-        return;
-    // Bits "M_bit" are read as the words "M_W" that hold them.
-    const int scale = point.isBit && point.regName != item.regName ? BitsPerWord : 1;
-    const int first = std::max(point.address, item.startAddr * scale);
-    const int end = std::min(point.address + point.count, (item.startAddr + item.count) * scale);
-    if (first >= end)
-        return;
+    QVector<int> changed;
+    for (const Coverage::Covered &covered : m_coverage.of(block)) {
+        Watched &watched = m_watched[covered.tag];
+        for (int i = 0; i < covered.part.count; ++i)
+            watched.units[covered.part.first + i].failure = reason;
+        judge(watched, covered.part, LineTime(0), changed);
+    }
+    return changed;
+}
 
-    Point part = point;
-    part.address = first;
-    part.count = end - first;
-    const QVector<int> fresh = m_session.values(part);
-    const int step = point.count / valueCount(watched.tag);
-    const int offset = first - point.address;
-    for (int unit = offset; unit < offset + part.count;) {
-        const int valueStart = unit / step * step;
-        const int valueEnd = valueStart + step;
-        bool differs = false;
-        for (; unit < std::min(valueEnd, offset + part.count); ++unit) {
-            differs = differs || watched.units[unit] != fresh[unit - offset];
-            watched.units[unit] = fresh[unit - offset];
+QVector<int> WatchedValues::loseLine()
+{
+    QVector<int> changed;
+    for (Watched &watched : m_watched) {
+        for (Unit &unit : watched.units)
+            unit.failure = QStringLiteral("line lost");
+        judge(watched, {0, int(watched.units.size())}, LineTime(0), changed);
+    }
+    return changed;
+}
+
+QVector<int> WatchedValues::age(LineTime limit, LineTime now)
+{
+    QVector<int> changed;
+    for (int i = 0; i < int(m_values.size()); ++i) {
+        WatchedValue &value = m_values[i];
+        if (value.quality != Quality::Good || now - *value.readAt <= limit)
+            continue;
+        value.quality = Quality::Stale;
+        value.reason = QStringLiteral("not read for three cycles");
+        changed.append(i);
+    }
+    return changed;
+}
+
+void WatchedValues::judge(Watched &watched, Part part, LineTime now, QVector<int> &changed)
+{
+    const int end = part.first + part.count;
+    for (int start = part.first / watched.step * watched.step; start < end; start += watched.step) {
+        const int index = watched.firstValue + start / watched.step;
+        WatchedValue &value = m_values[index];
+        LineTime readAt = LineTime::max();
+        QString reason;
+        bool isNew = false;
+        for (int i = start; i < start + watched.step; ++i) {
+            const Unit &unit = watched.units[i];
+            readAt = std::min(readAt, unit.readAt);
+            isNew = isNew || unit.isNew;
+            if (reason.isEmpty())
+                reason = unit.failure;
         }
-        const QVector<int> units = watched.units.mid(valueStart, step);
-        if (differs && !units.contains(NotRead))
-            take(formatValues(watched.tag, units).first(), watched.firstValue + valueStart / step,
-                 changed);
+        const Quality before = value.quality;
+        const bool isFirst = value.reason == QLatin1String(NotYet) && reason != value.reason;
+        value.quality = reason.isEmpty() ? Quality::Good : Quality::Bad;
+        value.reason = reason;
+        bool differs = value.quality != before || isFirst;
+        if (value.quality == Quality::Good) {
+            value.readAt = readAt;
+            differs = (isNew && renew(watched, start, value, now)) || differs;
+        }
+        if (differs)
+            changed.append(index);
     }
 }
 
-void WatchedValues::take(const QString &text, int value, QVector<int> &changed)
+// Makes the value's text anew. Returns true when it is another.
+bool WatchedValues::renew(Watched &watched, int start, WatchedValue &value, LineTime now)
 {
-    WatchedValue &watched = m_values[value];
-    watched.changes += watched.text.isEmpty() ? 0 : 1;
-    watched.text = text;
-    watched.sinceChange.start();
-    changed.append(value);
+    QVector<int> units;
+    for (int i = start; i < start + watched.step; ++i) {
+        units.append(watched.units[i].value);
+        watched.units[i].isNew = false;
+    }
+    const QString text = formatValues(watched.tag, units).first();
+    if (text == value.text)
+        return false;
+    value.changes += value.text.isEmpty() ? 0 : 1;
+    value.text = text;
+    value.changedAt = now;
+    return true;
 }
 
 void WatchedValues::sample()
 {
     for (WatchedValue &value : m_values) {
+        if (value.quality == Quality::Bad)
+            continue;
         bool isNumber = false;
         double number = value.text.toDouble(&isNumber);
         if (!isNumber)

@@ -1,23 +1,39 @@
-// The values that are watched: what the polling brings of them, when they changed and how.
+// The values that are watched: what the polling brings of them, how good they are, and since when.
 #ifndef TOLVANE_HOST_WATCHED_VALUES_H
 #define TOLVANE_HOST_WATCHED_VALUES_H
 
-#include "host/loop.h"
 #include "host/session.h"
-#include "host/tags.h"
+#include "host/watch/coverage.h"
+#include "host/watch/poll_pace.h"
 
-#include <QtCore/QElapsedTimer>
+#include <optional>
 
 namespace host {
 
+enum class Quality {
+    Good,   ///< read, and read again in time
+    Stale,  ///< not read for three poll cycles
+    Bad     ///< never read, the last request for it was given up, or the line is lost
+};
+
+/** "good", "stale" or "bad". */
+QString qualityText(Quality quality);
+
 struct WatchedValue
 {
+    int tag = 0;   ///< place in the list of tags
     QString name;  ///< the tag's own, with an index where it has several values; or the address
     QString address;
-    QString text;  ///< empty until the value has been read
+    int number = 0;  ///< the driver's address number
+    int stationNo = 0;
+    bool hasOwnName = true;  ///< false: name is the address
+    QString text;            ///< as last read, however long ago; empty until then
+    Quality quality = Quality::Bad;
+    QString reason;  ///< why it is not good; else empty
     int changes = 0;
-    QElapsedTimer sinceChange;  ///< started when the value is first read
-    QVector<double> trend;      ///< the latest samples, oldest first
+    std::optional<LineTime> readAt;     ///< the last good read
+    std::optional<LineTime> changedAt;  ///< the first read or a later change
+    QVector<double> trend;              ///< the latest samples, oldest first
 };
 
 class WatchedValues
@@ -28,23 +44,44 @@ public:
 
     const QVector<WatchedValue> &all() const { return m_values; }
 
-    /** Takes over what an exchange read. Returns the values that are new or changed. */
-    QVector<int> update(const Exchange &exchange);
+    // These return the values whose text or quality is another now, or known for the first time.
 
-    /** Adds the present values to the trends; the oldest samples go. */
+    /** A read of the block ended well. */
+    QVector<int> read(const Point &block, LineTime now);
+
+    /** A read of the block was given up. */
+    QVector<int> giveUp(const Point &block, const QString &reason);
+
+    /** The line is lost, and every value with it. */
+    QVector<int> loseLine();
+
+    /** Time has passed: values that were not read for so long are stale. */
+    QVector<int> age(LineTime limit, LineTime now);
+
+    /** Adds the values that are not bad to the trends; the oldest samples go. */
     void sample();
 
 private:
+    struct Unit
+    {
+        int value = 0;
+        LineTime readAt{0};
+        QString failure;    // of the last request; empty after a good one
+        bool isNew = true;  // since the value's text was made
+    };
     struct Watched
     {
         Tag tag;
-        QVector<int> units;  // as last read; -1: not read yet
-        int firstValue;      // position in m_values
+        QVector<Unit> units;
+        int firstValue;  // position in m_values
+        int step;        // units of one value
     };
-    void take(const QString &text, int value, QVector<int> &changed);
-    void update(Watched &watched, const VARIABLE &item, QVector<int> &changed);
+    /** Works the values out that have one of the units; `changed` gets those that differ. */
+    void judge(Watched &watched, Part part, LineTime now, QVector<int> &changed);
+    static bool renew(Watched &watched, int start, WatchedValue &value, LineTime now);
 
     const Session &m_session;
+    Coverage m_coverage;
     QVector<Watched> m_watched;
     QVector<WatchedValue> m_values;
 };

@@ -1,0 +1,33 @@
+// Which of the watched words and bits a request reads.
+#ifndef TOLVANE_HOST_WATCH_COVERAGE_H
+#define TOLVANE_HOST_WATCH_COVERAGE_H
+
+#include "host/tags.h"
+
+#include <QtCore/QHash>
+
+namespace host {
+
+/** Which parts of a list of tags a block reads, worked out once for each block asked for. */
+class Coverage
+{
+public:
+    struct Covered
+    {
+        int tag;  ///< place in the list
+        Part part;
+    };
+
+    explicit Coverage(const QVector<Tag> &tags) : m_tags(tags) {}
+
+    /** The tags that the block reads, with the part of each. */
+    const QVector<Covered> &of(const Point &block);
+
+private:
+    QVector<Tag> m_tags;
+    QHash<QString, QVector<Covered>> m_known;  // by the block as text
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,172 @@
+// Counts, and lays the counts out as tables and as JSON.
+#include "host/watch/statistics.h"
+
+#include "host/table.h"
+#include "host/tag_text.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+QString numberText(LineTime time)
+{
+    return QString::number(Milliseconds(time).count(), 'f', 1);
+}
+
+QString lastGoodText(const ExchangeStatistics &statistics, LineTime now)
+{
+    if (!statistics.lastGood)
+        return QStringLiteral("never");
+    const std::chrono::duration<double> ago = now - *statistics.lastGood;
+    return QStringLiteral("%1 s ago").arg(ago.count(), 0, 'f', 1);
+}
+
+QStringList heading(const char *first)
+{
+    return {QLatin1String(first),     QStringLiteral("good"),      QStringLiteral("retries"),
+            QStringLiteral("errors"), QStringLiteral("last good"), QStringLiteral("min"),
+            QStringLiteral("mean"),   QStringLiteral("max ms"),    QStringLiteral("failures")};
+}
+
+QStringList row(const QString &first, const ExchangeStatistics &statistics, LineTime now)
+{
+    return {first,
+            QString::number(statistics.exchanges),
+            QString::number(statistics.retries),
+            QString::number(statistics.givenUp),
+            lastGoodText(statistics, now),
+            numberText(statistics.shortest),
+            numberText(statistics.mean()),
+            numberText(statistics.longest),
+            statistics.failuresText()};
+}
+
+Table newTable(const char *first)
+{
+    Table table({{Table::Left, 0, 0},
+                 {Table::Right},
+                 {Table::Right},
+                 {Table::Right},
+                 {Table::Right},
+                 {Table::Right},
+                 {Table::Right},
+                 {Table::Right},
+                 {}});
+    table.add(heading(first));
+    return table;
+}
+
+QJsonObject objectOf(QJsonObject object, const ExchangeStatistics &statistics, LineTime now)
+{
+    const auto milliseconds = [](LineTime time) { return Milliseconds(time).count(); };
+    QJsonObject failures;
+    for (auto reason = statistics.failures.cbegin(); reason != statistics.failures.cend(); ++reason)
+        failures.insert(reason.key(), reason.value());
+    object.insert(QStringLiteral("good"), statistics.exchanges);
+    object.insert(QStringLiteral("retries"), statistics.retries);
+    object.insert(QStringLiteral("errors"), statistics.givenUp);
+    object.insert(QStringLiteral("failures"), failures);
+    object.insert(QStringLiteral("lastGoodMsAgo"),
+                  statistics.lastGood ? milliseconds(now - *statistics.lastGood) : QJsonValue());
+    object.insert(QStringLiteral("roundTripMs"),
+                  QJsonObject{{QStringLiteral("min"), milliseconds(statistics.shortest)},
+                              {QStringLiteral("mean"), milliseconds(statistics.mean())},
+                              {QStringLiteral("max"), milliseconds(statistics.longest)}});
+    return object;
+}
+
+}  // namespace
+
+void ExchangeStatistics::good(LineTime roundTrip, LineTime now)
+{
+    shortest = exchanges == 0 ? roundTrip : std::min(shortest, roundTrip);
+    longest = std::max(longest, roundTrip);
+    total += roundTrip;
+    lastGood = now;
+    ++exchanges;
+}
+
+void ExchangeStatistics::fail(const QString &reason, bool again)
+{
+    ++(again ? retries : givenUp);
+    ++failures[reason];
+}
+
+QString ExchangeStatistics::failuresText() const
+{
+    QStringList reasons = failures.keys();
+    std::stable_sort(reasons.begin(), reasons.end(),
+                     [this](const QString &left, const QString &right) {
+                         return failures[left] > failures[right];
+                     });
+    for (QString &reason : reasons)
+        reason += QStringLiteral(" %1").arg(failures[reason]);
+    return reasons.join(QLatin1String(", "));
+}
+
+Statistics::Statistics(const Driver &driver, const QVector<Tag> &tags)
+    : m_driver(driver), m_coverage(tags), m_list(tags), m_tags(tags.size())
+{
+}
+
+void Statistics::good(const Point &block, LineTime roundTrip, LineTime now)
+{
+    take(block, [=](ExchangeStatistics &statistics) { statistics.good(roundTrip, now); });
+}
+
+void Statistics::fail(const Point &block, const QString &reason, bool again)
+{
+    take(block, [&](ExchangeStatistics &statistics) { statistics.fail(reason, again); });
+}
+
+template <typename Take>
+void Statistics::take(const Point &block, const Take &takeIn)
+{
+    const QString order = QStringLiteral("%1 %2 %3 %4")
+                              .arg(block.stationNo, 3)
+                              .arg(block.regName)
+                              .arg(block.address, 10)
+                              .arg(block.count, 10);
+    BlockRow &row = m_blocks[order];
+    row.block = block;
+    takeIn(row.statistics);
+    takeIn(m_all);
+    for (const Coverage::Covered &covered : m_coverage.of(block))
+        takeIn(m_tags[covered.tag]);
+}
+
+QString Statistics::blockText(const Point &block) const
+{
+    return pointText(m_driver, block, namesStations(m_list));
+}
+
+void Statistics::print(QTextStream &out, LineTime now) const
+{
+    Table blocks = newTable("block");
+    for (const BlockRow &block : m_blocks)
+        blocks.add(row(blockText(block.block), block.statistics, now));
+    blocks.print(out);
+    Table tags = newTable("tag");
+    for (int i = 0; i < int(m_list.size()); ++i)
+        tags.add(row(m_list[i].name, m_tags[i], now));
+    out << '\n';
+    tags.print(out);
+}
+
+QJsonObject Statistics::object(LineTime now) const
+{
+    QJsonArray blocks;
+    for (const BlockRow &block : m_blocks)
+        blocks.append(objectOf(blockObject(m_driver, block.block, namesStations(m_list)),
+                               block.statistics, now));
+    QJsonArray tags;
+    for (int i = 0; i < int(m_list.size()); ++i)
+        tags.append(objectOf(tagObject(m_driver, m_list[i]), m_tags[i], now));
+    return {{QStringLiteral("blocks"), blocks}, {QStringLiteral("tags"), tags}};
+}
+
+}  // namespace host

@@ -1,0 +1,324 @@
+// Watching in simulated time: what becomes of values, counts and logs when the line misbehaves.
+#include "host/failure.h"
+#include "host/line/virtual_line.h"
+#include "host/output_file.h"
+#include "host/watch/screen.h"
+#include "host/watch/watch.h"
+
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <numeric>
+
+using namespace host;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+namespace {
+
+// Three blocks, for they lie further apart than one spans: a and f, b, c.
+const QStringList Tags = {"a=D_W:100", "f=D_W:101:float", "b=D_W:500", "c=D_W:900"};
+
+/** A line on which one address is not answered for a while. */
+class LineWithDeadAddress : public VirtualLine
+{
+public:
+    using VirtualLine::VirtualLine;
+
+    bool send(const QByteArray &bytes) override
+    {
+        const bool swallowed = dead && bytes.contains("raE803");  // read D from byte 1000: word 500
+        return swallowed ? isOpen() : VirtualLine::send(bytes);
+    }
+
+    bool dead = false;
+};
+
+using Action = std::function<void(LineWithDeadAddress &)>;
+
+/** A watch of the tags, with what is done to its line at which second. */
+struct Story
+{
+    explicit Story(const WatchSettings &settings = WatchSettings())
+        : driver(loadDriver(DRIVER_LIBRARY)),
+          session(driver, SessionSettings()),
+          line(stillLine()),
+          loop(driver, line, LoopSettings()),
+          watch(driver, session, parseTags(driver, identify(driver), Tags, 1), withFloor(settings))
+    {
+        for (const auto &[word, value] : {std::pair(100, 7), {102, 0x3FC0}, {500, 5}, {900, 9}})
+            line.memory().setWord('a', word, quint16(value));
+        watch.report = [this](const QVector<int> &which, LineTime at) {
+            for (const int index : which) {
+                const WatchedValue &value = watch.values().all()[index];
+                const auto second = std::chrono::duration_cast<seconds>(at).count();
+                events[QStringLiteral("%1 s %2").arg(second, 2).arg(qualityText(value.quality))] +=
+                    value.name;
+                if (value.quality != Quality::Bad)
+                    texts.insert(value.name + QLatin1Char('=') + value.text);
+            }
+        };
+        watch.say = [this](const QString &text) { said += text; };
+        loop.observer = [this](const Exchange &exchange) { watch.take(exchange, line.now()); };
+        line.open();
+    }
+
+    static VirtualSettings stillLine()
+    {
+        VirtualSettings settings;
+        settings.line.baud = 115200;
+        settings.moving = false;
+        return settings;
+    }
+
+    static WatchSettings withFloor(WatchSettings settings)
+    {
+        settings.shortestCycle = SessionSettings().retryLimit * LoopSettings().replyTimeout;
+        return settings;
+    }
+
+    void run(int length, QMap<int, Action> actions = {})
+    {
+        const auto step = [this] {
+            if (line.isOpen() || line.open())
+                return loop.exchange();
+            line.pause(milliseconds(100));
+            return Outcome::LineLost;
+        };
+        const auto act = [&] {
+            while (!actions.isEmpty() && line.now() >= seconds(actions.firstKey()))
+                actions.take(actions.firstKey())(line);
+            return true;
+        };
+        watch.run(line, step, seconds(length), act);
+    }
+
+    Driver driver;
+    Session session;
+    LineWithDeadAddress line;
+    Loop loop;
+    Watch watch;
+    QMap<QString, QString> events;  // names by second and quality
+    QSet<QString> texts;            // name=value, of all that were not bad
+    QStringList said;
+};
+
+const Action Unplug = &VirtualLine::unplug;
+const Action PlugIn = &VirtualLine::plugIn;
+const Action Suspend = &VirtualLine::suspend;
+const Action Resume = &VirtualLine::resume;
+const Action Die = [](auto &line) { line.dead = true; };
+const Action Revive = [](auto &line) { line.dead = false; };
+
+using Actions = QMap<int, Action>;
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Actions)
+
+class TestWatch : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void qualities_data();
+    void qualities();
+    void deadAddressDoesNotSlowTheOthers();
+    void samplesAndPace_data();
+    void samplesAndPace();
+    void tableFits_data();
+    void tableFits();
+    void logsGoOn_data();
+    void logsGoOn();
+};
+
+void TestWatch::qualities_data()
+{
+    QTest::addColumn<Actions>("actions");
+    QTest::addColumn<QStringList>("events");
+    QTest::addColumn<QString>("notGood");
+    const QString start = " 0 s good: afbc";
+    QTest::newRow("nothing happens") << Actions() << QStringList{start} << "";
+    QTest::newRow("a lost line makes all bad at once, and is back")
+        << Actions{{3, Unplug}, {6, PlugIn}}
+        << QStringList{start, " 3 s bad: afbc", " 6 s good: afbc"} << "";
+    QTest::newRow("a silent controller, block by block")
+        << Actions{{3, Suspend}}
+        << QStringList{start, " 4 s bad: af", " 6 s bad: b", " 7 s stale: c", " 8 s bad: c"}
+        << "no reply to 3 requests of 500 ms each: a, f, b, c";
+    QTest::newRow("a dead address") << Actions{{3, Die}, {9, Revive}}
+                                    << QStringList{start, " 4 s bad: b", "18 s good: b"} << "";
+    QTest::newRow("a dead address from the start")
+        << Actions{{0, Die}} << QStringList{" 0 s good: af", " 1 s bad: b", " 2 s good: c"}
+        << "no reply to 3 requests of 500 ms each: b";
+}
+
+void TestWatch::qualities()
+{
+    QFETCH(Actions, actions);
+    Story story;
+    story.run(20, actions);
+    QStringList events;
+    for (auto event = story.events.cbegin(); event != story.events.cend(); ++event)
+        events += event.key() + ": " + event.value();
+    QTEST(events, "events");
+    QTEST(story.watch.notGood().join("; "), "notGood");
+    story.texts.remove("b=5");  // which may never be read
+    QCOMPARE(story.texts, (QSet<QString>{"a=7", "f=1.5", "c=9"}));
+}
+
+void TestWatch::deadAddressDoesNotSlowTheOthers()
+{
+    // Exchanges of the tag a, in a minute in which b does not answer, and in a healthy one.
+    const auto reads = [](bool setAside, const Actions &actions, QStringList *said = nullptr) {
+        WatchSettings settings;
+        settings.setAside = setAside;
+        Story story(settings);
+        story.run(60, actions);
+        if (said)
+            *said = story.said;
+        return story.watch.statistics().tag(0).exchanges;
+    };
+    QStringList said;
+    const int healthy = reads(true, {});
+    const int slowed = reads(false, {{0, Die}});
+    const int protectedOnes = reads(true, {{0, Die}, {30, Revive}}, &said);
+    QVERIFY(slowed < healthy / 10);
+    QVERIFY(protectedOnes > healthy / 2);
+    QCOMPARE(said.size(), 2);
+    QVERIFY2(said[0].contains("D_W:500 (b) was given up three times"), qPrintable(said[0]));
+    QCOMPARE(said[1], QString("D_W:500 (b) answers again"));
+}
+
+void TestWatch::samplesAndPace_data()
+{
+    QTest::addColumn<int>("pollMs");
+    QTest::addColumn<int>("everyMs");
+    QTest::addColumn<Actions>("actions");
+    QTest::addColumn<int>("cycles");   // 0: as many as the line can carry; -1: whatever
+    QTest::addColumn<int>("reports");  // of the value a
+    QTest::newRow("changes only") << 0 << 0 << Actions() << 0 << 1;
+    QTest::newRow("a cycle a second") << 1000 << 0 << Actions() << 10 << 1;
+    QTest::newRow("four samples a second") << 0 << 250 << Actions() << 0 << 40;
+    QTest::newRow("samples go on while a request is repeated")
+        << 500 << 100 << Actions{{3, Suspend}, {7, Resume}} << -1 << 100;
+}
+
+void TestWatch::samplesAndPace()
+{
+    QFETCH(int, pollMs);
+    QFETCH(int, everyMs);
+    QFETCH(Actions, actions);
+    QFETCH(int, cycles);
+    QFETCH(int, reports);
+    WatchSettings settings;
+    settings.poll = milliseconds(pollMs);
+    settings.every = milliseconds(everyMs);
+    Story story(settings);
+    int times = 0;
+    LineTime last(0);
+    story.watch.report = [&](const QVector<int> &which, LineTime at) {
+        times += which.contains(0);
+        QVERIFY(everyMs == 0 || at - last == settings.every);
+        last = at;
+    };
+    story.run(10, actions);
+    QCOMPARE(times, reports);
+    const ExchangeStatistics &a = story.watch.statistics().tag(0);
+    if (cycles > 0)
+        QCOMPARE(a.exchanges, cycles);
+    if (cycles == 0)
+        QVERIFY(a.exchanges > 500);
+    // What happened to the block of a happened to f as well, and to nobody else.
+    const ExchangeStatistics &f = story.watch.statistics().tag(1);
+    QCOMPARE(f.exchanges, a.exchanges);
+    QCOMPARE(f.failures, a.failures);
+    const ExchangeStatistics &all = story.watch.statistics().all();
+    QCOMPARE(all.exchanges, story.loop.counters().exchanges);
+    const QList<int> failures = all.failures.values();
+    QCOMPARE(all.retries + all.givenUp, std::accumulate(failures.cbegin(), failures.cend(), 0));
+    QVERIFY(a.shortest > LineTime(0) && a.shortest <= a.mean() && a.mean() <= a.longest);
+}
+
+void TestWatch::tableFits_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<QStringList>("lines");  // patterns; the grey one begins with "grey"
+    QTest::newRow("all of it") << 10 << 99
+                               << QStringList{"^name                    address     value  trend",
+                                              "^the filler's long name  D_W:100         7  ",
+                                              "^grey +D_W:500 +5  no reply to 3 requests of 500 ms "
+                                              "each +5.0 s +3.0 s$"};
+    QTest::newRow("narrow: names give way")
+        << 10 << 60
+        << QStringList{"^name  +address", "^the fi\\S*  D_W:100         7  ", "^grey  +D_W:500"};
+    QTest::newRow("narrower") << 10 << 40
+                              << QStringList{"^address     value  changes", "^D_W:100         7 ",
+                                             "^greyD_W:500 "};
+    QTest::newRow("low") << 2 << 79 << QStringList{"^name", "^the f", "^grey... and 1 more, 1 of"};
+}
+
+void TestWatch::tableFits()
+{
+    QFETCH(int, rows);
+    QFETCH(int, columns);
+    QFETCH(QStringList, lines);
+    WatchedValue good;
+    good.name = "the filler's long name";
+    good.address = "D_W:100";
+    good.text = "7";
+    good.quality = Quality::Good;
+    good.readAt = good.changedAt = LineTime(0);
+    WatchedValue bad = good;
+    bad.name = bad.address = "D_W:500";
+    bad.hasOwnName = false;
+    bad.text = "5";
+    bad.quality = Quality::Bad;
+    bad.reason = "no reply to 3 requests of 500 ms each";
+    bad.readAt = seconds(2);
+    const QVector<TableLine> table = composeTable({good, bad}, seconds(5), rows, columns, false);
+    QCOMPARE(table.size(), lines.size());
+    for (int i = 0; i < int(table.size()); ++i) {
+        const QString text = (table[i].isGrey ? "grey" : "") + table[i].text;
+        QVERIFY2(text.contains(QRegularExpression(lines[i])), qPrintable(text));
+        QVERIFY2(table[i].text.size() <= columns, qPrintable(text));
+    }
+}
+
+void TestWatch::logsGoOn_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");  // empty: refused
+    const QByteArray heading = "time,name\n";
+    QTest::newRow("a new log") << QByteArray() << heading;
+    QTest::newRow("the same columns") << heading + "1,a\n" << heading + "1,a\n";
+    QTest::newRow("other columns") << QByteArray("time,x\n1,2\n") << "time,x\n1,2\n" + heading;
+    QTest::newRow("the same columns again, behind others")
+        << "time,x\n1,2\n" + heading << "time,x\n1,2\n" + heading;
+    QTest::newRow("a line cut by a full disk") << heading + "1," << heading + "1,\n";
+    QTest::newRow("a file that is no log") << QByteArray("name,address\na,D_W:1\n") << QByteArray();
+}
+
+void TestWatch::logsGoOn()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    QTemporaryDir folder;
+    QFile log(folder.filePath("log.csv"));
+    QVERIFY(log.open(QIODevice::ReadWrite));
+    log.write(before);
+    log.flush();
+    bool refused = false;
+    try {
+        openLog(log.fileName(), "time,name");
+    } catch (const Failure &failure) {
+        refused = failure.status() == BadInput;
+    }
+    log.seek(0);
+    QCOMPARE(log.readAll(), after.isEmpty() ? before : after);
+    QCOMPARE(refused, after.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestWatch)
+#include "tst_watch.moc"
