@@ -30,7 +30,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvane_link.pc
 # What a package says of itself, where Debian's policy looks for it.
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link/docs FILES_MATCHING
-    PATTERN "*.md" PATTERN "*.svg" PATTERN "*.csv")
+    PATTERN "*.md" PATTERN "*.svg" PATTERN "*.csv"
+    PATTERN "*.service")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tolvane-link)
