@@ -1,5 +1,6 @@
-# Installing the library and its documents like any other of its kind, and the two Debian packages: `tolvane-link`
-# to run, `tolvane-link-dev` to build against.
+# Installing the library and its documents like any other of its kind, and the two Debian packages:
+# `tolvane-link` to run, `tolvane-link-dev` to build against. For Qt 4 the library, its header and the
+# pkg-config file are installed and nothing else.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS tolvane_link EXPORT tolvane_linkTargets
@@ -8,6 +9,19 @@ install(TARGETS tolvane_link EXPORT tolvane_linkTargets
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tolvane_link)
 install(FILES lib/host_interface.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tolvane_link
     COMPONENT development)
+
+# Relative, so that the file is right wherever the package is unpacked.
+file(RELATIVE_PATH TOLVANE_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+set(TOLVANE_PC_QT Qt${TOLVANE_QT}Core)
+if(TOLVANE_QT EQUAL 4)
+    set(TOLVANE_PC_QT QtCore)
+endif()
+configure_file(cmake/tolvane_link.pc.in tolvane_link.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvane_link.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+if(TOLVANE_QT EQUAL 4)
+    return()
+endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tolvane_link)
 install(EXPORT tolvane_linkTargets NAMESPACE tolvane_link:: DESTINATION ${package_dir}
@@ -20,12 +34,6 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/tolvane_linkConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/tolvane_linkConfigVersion.cmake
     DESTINATION ${package_dir} COMPONENT development)
-
-# Relative, so that the file is right wherever the package is unpacked.
-file(RELATIVE_PATH TOLVANE_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-configure_file(cmake/tolvane_link.pc.in tolvane_link.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvane_link.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 # What a package says of itself, where Debian's policy looks for it.
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link)
