@@ -99,6 +99,20 @@ void Exchange::recipes_data()
         recipe D_W 10 @0, D_W 20 @1 : 2; request 1 0; serve 1 : wD10; recipe X_W 0 : 0
         serve 1 : -; requested : 0 0; recipe D_W 30 @0, D_W 40 @1 : 2; request 1 0
         serve 3 : wD30 wD40 -)");
+    row("registered between two blocks: the position stays", R"(
+        recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 0 1; serve 1 : rD10 => RWI 0
+        recipe D_W 50 @5, D_W 60 @6, D_W 70 @7 : 3; serve 2 : rD60 rD70 => RWI 6, RWI 7
+        requested : 0 0; request 0 1; serve 1 : rD50 => RWI 5)");
+    row("registered while a block is in flight: its reply is none of the new recipe's values", R"(
+        monitor D_W 20 : 1; recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 0 1
+        serve 1 : rD10 => RWI 0; plc D 20 = 0900; send : ra 2800 00 02
+        recipe D_W 15 @5, D_W 20 @6, D_W 70 @7 : 3; reply plc => D_W 20; 
+        buffer 1 x7 : 0000 0000 0000 0000 0000 0000 0000; serve 1 : rD70 => RWI 7; requested : 0 0)");
+    row("registered with fewer blocks than are done: the last one is repeated, and copied nowhere",
+        R"(
+        recipe D_W 10 @0, D_W 20 @1, D_W 30 @2, D_W 40 @3 : 4; request 0 1; serve 3 : * => *
+        recipe D_W 50 @5 : 1; plc D 30 = 0900; serve 2 : rD30 -; requested : 0 0
+        buffer 2 x4 : 0000 0000 0000 0000; request 1 0; serve 2 : wD50 -)");
     row("no recipe at all: the finished write is repeated, none is lost", R"(
         flood write 1; serve 1 : wD0; write D_W 0 = 0900; write D_W 7 = 0800; request 1 0
         send : wa 0000 00 02 0100; reply plc; send : wa 0000 00 02 0100; reply plc
