@@ -42,6 +42,12 @@ void Exchange::callbacks_data()
     row("a condition read asked for at the failure of another stays", R"(
         condition D_W 10; send : *; on done -1 do condition D_W 10 & condition D_W 20
         fail => done -1; serve 3 : rD10 rD20 - => done 0)");
+    row("the end of a condition read is told before it is removed: what waits is not read twice",
+        R"(
+        condition D_W 10, D_W 20, D_W 10; on done 0 do condition D_W 20
+        serve 1 : rD10 => done 0; serve 4 : rD20 rD10 - - => done 0
+        condition D_W 10, D_W 10; on done 0 do condition D_W 10
+        serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0)");
     row("started over at the end of a condition read: what was asked since stays", R"(
         condition D_W 10, D_W 11, D_W 10; on done 0 do init 7#0#0#3#64 & condition D_W 10
         serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0
