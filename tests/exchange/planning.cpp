@@ -44,6 +44,14 @@ void Exchange::planning_data()
     plan("a key beyond a frame is consecutive items", "64", "monitor D_W 0 x300",
          "rD0x127 rD127x127 rD254x46");
     plan("contacts beyond a frame", "64", "monitor TX 3 x200", "rTX0x127 rTX8x73");
+    plan("a limit beyond a frame is a frame", "1000", "monitor D_W 0, D_W 900", "rD0 rD900");
+    plan("no limit to speak of", "2147483647", "monitor D_W 0, D_W 126, D_W 127", "rD0x127 rD127");
+    plan("joined up to a frame, not cut at one", "200", "monitor D_W 0 x100, D_W 100 x100",
+         "rD0x100 rD100x100");
+    plan("a limit below 1 is 1", "0", "monitor D_W 5, D_W 5, D_W 6", "rD5 rD6");
+    plan("below 0 too, so bits are written by 8", "-5", "write M_bit 0 x10", "rM0 wM0 rM0 wM0");
+    plan("at most 8 bits a word of the limit", "1000", "write M_bit 0 x1020",
+         "rM0x64 wM0x64 rM63 wM63");
     plan("limit 1 joins nothing", "1", "monitor D_W 5, D_W 6", "rD5 rD6");
     plan("no such address", "64", "monitor X_W 0, d_w 0, D_bit 0, D_W 0 x0, D_W 1 x-1, D_W 7",
          "rD7");

@@ -42,6 +42,9 @@ void Exchange::recipes_data()
         recipe 2#D_W 1 @0, D_W 0 @1, M_W 0 @2, M_bit 0 x20 @20, M_bit 20 x5 @40, D_W 2 @3 : 6
         request 0 1; serve 6 : rM0 rD0 rD2 rM0x2 2#rD1 - => *
         recipe TX 5 @0, TX 6 @1, TX 6 x2 @2 : 3; request 0 1; serve 3 : rTX0 rTX0x2 - => *)");
+    row("recipe bits are joined within the limit that is in force", R"(
+        init 7#0#0#3#1000; recipe M_bit 0 x100 @0, M_bit 100 x100 @100, M_bit 200 x27 @200 : 3
+        request 0 1; serve 2 : rM0x7 rM6x9 => *; requested : 0 0)");
     row("weights wrap: nothing is joined backwards", R"(
         recipe 10922#F_bit 0 @0, 10922#F_bit 3 @1 : 2; request 1 0
         serve 3 : 10922#nF0 10922#nF0 -)");
