@@ -25,6 +25,19 @@ void Exchange::limits_data()
     row("below 0", R"(
         write M_bit -17 = 0101 => *; get M_bit -18 x4 : 00010100; write M_bit -1 = 01
         get M_bit 15 : 00; write D_W -5 = 1234 5678; get D_W -5 x2 : 12345678)");
+    row("what no frame can address is shown, but not sent", R"(
+        write D_W 32768 = 0100; write D_W -1 = 0200; write M_bit 524288 = 01; write M_bit -1 = 01 01
+        write TX 524288 = 01 => TX 524288; get D_W 32768 : 0100; get TX 524288 : 01
+        condition D_W 32768, D_W -1 x9, TX -1, M_bit 524288; serve 2 : - -
+        monitor D_W 32768, D_W -1, M_bit 524288, CX -1 : 0; recipe D_W 32768, M_bit -1, TX 524288 : 0
+        condition D_W 9, D_W 32768; serve 1 : rD9 => done 0; send : -)");
+    row("the last that a frame can address", R"(
+        write D_W 32767 = 0100; serve 1 : wD32767; write M_bit 524287 = 01; send : oi FEFF 00 0080
+        reply ok; condition TX 524287; send : rl FEFF 00 20; reply ok => done 0)");
+    row("of a longer request the pieces that begin inside are sent", R"(
+        init 7#0#0#3#32; write D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok
+        condition D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok => done 0; send : -
+        monitor D_W -100 x300 : 2; serve 2 : rD27x127 rD154x46)");
     row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
         monitor D_W 5, D_W 500 : 2; send : *; reply data 0100 => D_W 5; flood condition 6; serve 3 : *
         flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8

@@ -121,6 +121,9 @@ void exchange()
     if (intf_getSendFrame(&frame) == 0)
         return;
     checkFrame(frame);
+    const int words = frame.var.regName.endsWith(QLatin1String("_W")) ? 1 : 16;
+    require(frame.var.startAddr >= 0 && frame.var.startAddr / words <= 32767,
+            "a frame that begins where its address field does not reach");
     const std::string some = input->ConsumeRandomLengthString(40);
     QByteArray data(some.data(), int(some.size()));
     const int kind = input->ConsumeIntegralInRange(0, 5);
