@@ -45,6 +45,7 @@ private slots:
     void longRanges_data();
     void longRanges();
     void otherMemory();
+    void vanishingTexts();
     void nullPointers();
 
 private:
