@@ -210,6 +210,7 @@ void Exchange::nullPointers()
     // Before any start: nothing to send or to receive, values still show.
     QVERIFY(!bench.send());
     QCOMPARE(bench.reply("x"), 0);
+    QVERIFY(bench.errorText.isEmpty() && !bench.errorText.isNull());
     QCOMPARE(play(bench, "write D_W 5 = 0100; get D_W 5 : 0100"), QString());
 
     QCOMPARE(driver.initProperty(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 1);
