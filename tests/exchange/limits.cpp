@@ -143,6 +143,36 @@ void Exchange::longRanges()
     QCOMPARE(bench.flaws, QStringList());
 }
 
+void Exchange::garbageCounts_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *const name : {"D_W", "M_bit", "TX", "X"})
+        QTest::newRow(name) << QString(name);
+}
+
+/** No request covers more than 524,288 addresses; what lies beyond is ignored. */
+void Exchange::garbageCounts()
+{
+    QFETCH(QString, name);
+    const int most = 524288;
+    const Range garbage(name, 3, INT_MAX);
+    Bench bench;
+    QVERIFY(bench.init("7#0#0#3#64"));
+    bench.monitor(Ranges(1, garbage));
+    bench.condition(garbage);
+    bench.recipe(Ranges(1, garbage));
+    std::vector<unsigned char> values(size_t(most * widthOf(garbage)), 1), out(values.size() + 1);
+    bench.driver.setData(1, name, 3, INT_MAX, values.data(), 0);
+    bench.driver.getData(1, name, 3, INT_MAX, out.data());
+    QVERIFY(memcmp(values.data(), out.data(), values.size()) == 0);
+    QCOMPARE(int(out.back()), 0);
+    QVector<QString> texts;
+    QVector<int> numbers;
+    bench.driver.multiCopy(name, 3, INT_MAX, 1, texts, numbers);
+    QCOMPARE(int(texts.size()), name == "X" ? 0 : most);
+    QCOMPARE(bench.init("7#0#0#3#64"), true);
+}
+
 void Exchange::otherMemory()
 {
     // A new start with other memory: the old is not looked at any more.

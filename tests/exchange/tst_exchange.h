@@ -44,6 +44,8 @@ private slots:
     void limits() { playRow(); }
     void longRanges_data();
     void longRanges();
+    void garbageCounts_data();
+    void garbageCounts();
     void otherMemory();
     void vanishingTexts();
     void nullPointers();
