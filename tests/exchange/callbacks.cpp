@@ -10,14 +10,14 @@ void Exchange::callbacks_data()
         reply data 7856 => D_W 10; get D_W 10 : 7856; send : *; on TX 5 do get TX 5 : 00
         reply data 2000 => TX 5; get TX 5 : 01)");
     row("the value from before shows inside the report of a write", R"(
-        monitor D_W 10, M_bit 3 : 2; on D_W 10 do get D_W 10 : 0000; write D_W 10 = 0100 => D_W 10
-        on M_bit 3 do get M_bit 3 : 00; write M_bit 3 = 01 => M_bit 3
-        on TX 5 do get TX 5 : 00; write TX 5 = 01 => TX 5)");
+        monitor D_W 10, M_bit 3 : 2; on D_W 10 do get D_W 10 : 0000
+        write D_W 10 = 0100 => D_W 10; on M_bit 3 do get M_bit 3 : 00
+        write M_bit 3 = 01 => M_bit 3; on TX 5 do get TX 5 : 00; write TX 5 = 01 => TX 5)");
     row("the controller's value shows inside the report of a failed write", R"(
-        monitor D_W 10, M_bit 3 : 2; write D_W 10 = 7856 => D_W 10; on D_W 10 do get D_W 10 : 0000
-        send : *; fail => D_W 10; write M_bit 3 = 01 => M_bit 3; on M_bit 3 do get M_bit 3 : 00
-        send : *; fail => M_bit 3; write TX 5 = 01 => TX 5; on TX 5 do get TX 5 : 00; send : *
-        fail => TX 5)");
+        monitor D_W 10, M_bit 3 : 2; write D_W 10 = 7856 => D_W 10
+        on D_W 10 do get D_W 10 : 0000; send : *; fail => D_W 10; write M_bit 3 = 01 => M_bit 3
+        on M_bit 3 do get M_bit 3 : 00; send : *; fail => M_bit 3; write TX 5 = 01 => TX 5
+        on TX 5 do get TX 5 : 00; send : *; fail => TX 5)");
     row("the new value shows when a bit's write is settled", R"(
         monitor M_bit 3 : 1; write M_bit 3 = 01 => M_bit 3; on M_bit 3 do get M_bit 3 : 01
         serve 1 : oM0 => M_bit 3)");
@@ -45,21 +45,20 @@ void Exchange::callbacks_data()
     row("the end of a condition read is told before it is removed: what waits is not read twice",
         R"(
         condition D_W 10, D_W 20, D_W 10; on done 0 do condition D_W 20
-        serve 1 : rD10 => done 0; serve 4 : rD20 rD10 - - => done 0
-        condition D_W 10, D_W 10; on done 0 do condition D_W 10
-        serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0)");
+        serve 1 : rD10 => done 0; serve 4 : rD20 rD10 - - => done 0; condition D_W 10, D_W 10
+        on done 0 do condition D_W 10; serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0)");
     row("started over at the end of a condition read: what was asked since stays", R"(
         condition D_W 10, D_W 11, D_W 10; on done 0 do init 7#0#0#3#64 & condition D_W 10
-        serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0
-        condition D_W 10; send : *; on done -1 do init 7#0#0#3#64 & condition D_W 10
-        fail => *; serve 2 : rD10 - => done 0)");
+        serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0; condition D_W 10; send : *
+        on done -1 do init 7#0#0#3#64 & condition D_W 10; fail => *; serve 2 : rD10 - => done 0)");
     row("another monitored set inside the report of a cyclic read starts at its first", R"(
         monitor D_W 10, D_W 500 : 2; send : *
         on D_W 10 do init 7#0#0#3#64 & monitor D_W 20, D_W 600 : 2; reply data 0100 => D_W 10
         serve 3 : rD20 rD600 rD20)");
     row("a recipe registered inside an announcement keeps what it has not been read for", R"(
         recipe D_W 10 x3 @3 : 1; plc D 10 = 0100 0200 0300; request 0 1
-        on RWI 3 do recipe D_W 10 x3 @3 : 1; serve 1 : rD10x3 => RWI 3; buffer 3 x3 : 0100 0000 0000)");
+        on RWI 3 do recipe D_W 10 x3 @3 : 1; serve 1 : rD10x3 => RWI 3
+        buffer 3 x3 : 0100 0000 0000)");
     row("the exchange ended inside an announcement ends the copy", R"(
         recipe D_W 10 x3 @3 : 1; plc D 10 = 0100 0200 0300; request 0 1; send : *
         on RWI 3 do reply none : 8 & reply none : 8 & reply none : 2; reply plc => RWI 3
@@ -72,8 +71,9 @@ void Exchange::callbacks_data()
         on D_W 10 do reply ok & send : wa 1600 00 02 0200; fail => D_W 10
         send : wa 1600 00 02 0200; reply ok; send : ra 1400 00 02)");
     row("the exchange ended inside the report of a reply, the next one is spared", R"(
-        monitor D_W 10, D_W 500 : 2; send : *; on D_W 10 do reply data 0100 & send : ra E803 00 02
-        reply data 0100 => *; send : ra E803 00 02)");
+        monitor D_W 10, D_W 500 : 2; send : *
+        on D_W 10 do reply data 0100 & send : ra E803 00 02; reply data 0100 => *
+        send : ra E803 00 02)");
 }
 
 void Exchange::anyExportInAnyCallback_data()

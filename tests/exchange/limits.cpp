@@ -1,4 +1,6 @@
 // Ranges longer than a frame, settings and arguments that make no sense, memory that goes away.
+#include <QtCore/QFile>
+
 #include <climits>
 
 #include "tst_exchange.h"
@@ -7,42 +9,44 @@ void Exchange::limits_data()
 {
     scripts();
     row("a property text of 4 parts changes nothing", R"(
-        init 9#1#0#1; monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0
-        send : *; fail => D_W 0)");
+        init 9#1#0#1; monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0; send : *
+        fail => D_W 0)");
     row("more parts than needed", R"(
         init 7#0#0#1#64#0#99; monitor D_W 0, D_W 50 : 1; send : *; reply none : 2)");
     row("parts that are no numbers count as 0", R"(
-        init #x#0#1e3#99999999999; monitor D_W 5, D_W 6 : 2
-        send : *; reply data 0100 => 0 1 D_W 5; send : *; reply none : 2)");
+        init #x#0#1e3#99999999999; monitor D_W 5, D_W 6 : 2; send : *
+        reply data 0100 => 0 1 D_W 5; send : *; reply none : 2)");
     row("no tries mean one", R"(
         init; init 7#0#0#-3#64; monitor D_W 5 : 1; send : *; reply none : 2)");
     row("the ends of the number range", R"(
         monitor D_W 2147483647 x2, D_W -2147483648, 2147483647#M_bit 2147483640 x20 : *
         write D_W 2147483647 = 0100 0200 => *; write M_bit 2147483647 = 01 01 => *
         condition D_W 2147483640 x40000; condition TX 2147483640 x100
-        get D_W 2147483647 x2 : 0100 0200; get D_W -2147483648 : 0200; get M_bit -2147483648 : 01
-        recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");
+        get D_W 2147483647 x2 : 0100 0200; get D_W -2147483648 : 0200
+        get M_bit -2147483648 : 01; recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");
     row("below 0", R"(
         write M_bit -17 = 0101 => *; get M_bit -18 x4 : 00010100; write M_bit -1 = 01
         get M_bit 15 : 00; write D_W -5 = 1234 5678; get D_W -5 x2 : 12345678)");
     row("what no frame can address is shown, but not sent", R"(
-        write D_W 32768 = 0100; write D_W -1 = 0200; write M_bit 524288 = 01; write M_bit -1 = 01 01
-        write TX 524288 = 01 => TX 524288; get D_W 32768 : 0100; get TX 524288 : 01
-        condition D_W 32768, D_W -1 x9, TX -1, M_bit 524288; serve 2 : - -
-        monitor D_W 32768, D_W -1, M_bit 524288, CX -1 : 0; recipe D_W 32768, M_bit -1, TX 524288 : 0
-        condition D_W 9, D_W 32768; serve 1 : rD9 => done 0; send : -)");
+        write D_W 32768 = 0100; write D_W -1 = 0200; write M_bit 524288 = 01
+        write M_bit -1 = 01 01; write TX 524288 = 01 => TX 524288; get D_W 32768 : 0100
+        get TX 524288 : 01; condition D_W 32768, D_W -1 x9, TX -1, M_bit 524288; serve 2 : - -
+        monitor D_W 32768, D_W -1, M_bit 524288, CX -1 : 0
+        recipe D_W 32768, M_bit -1, TX 524288 : 0; condition D_W 9, D_W 32768
+        serve 1 : rD9 => done 0; send : -)");
     row("the last that a frame can address", R"(
-        write D_W 32767 = 0100; serve 1 : wD32767; write M_bit 524287 = 01; send : oi FEFF 00 0080
-        reply ok; condition TX 524287; send : rl FEFF 00 20; reply ok => done 0)");
+        write D_W 32767 = 0100; serve 1 : wD32767; write M_bit 524287 = 01
+        send : oi FEFF 00 0080; reply ok; condition TX 524287; send : rl FEFF 00 20
+        reply ok => done 0)");
     row("of a longer request the pieces that begin inside are sent", R"(
         init 7#0#0#3#32; write D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok
-        condition D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok => done 0; send : -
-        monitor D_W -100 x300 : 2; serve 2 : rD27x127 rD154x46)");
+        condition D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok => done 0
+        send : -; monitor D_W -100 x300 : 2; serve 2 : rD27x127 rD154x46)");
     row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
-        monitor D_W 5, D_W 500 : 2; send : *; reply data 0100 => D_W 5; flood condition 6; serve 3 : *
-        flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
-        init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000; serve 2 : - -
-        request 1 0; serve 2 : - -; request 0 0; flood condition 1; send : *; fail => done -1
+        monitor D_W 5, D_W 500 : 2; send : *; reply data 0100 => D_W 5; flood condition 6
+        serve 3 : *; flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
+        init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000; serve 2 : - -; request 1 0
+        serve 2 : - -; request 0 0; flood condition 1; send : *; fail => done -1
         monitor D_W 5 : 1; flood condition 3; serve 4 : rD0 rD1 rD5 rD2 => done 0)");
 }
 
@@ -171,6 +175,24 @@ void Exchange::garbageCounts()
     bench.driver.multiCopy(name, 3, INT_MAX, 1, texts, numbers);
     QCOMPARE(int(texts.size()), name == "X" ? 0 : most);
     QCOMPARE(bench.init("7#0#0#3#64"), true);
+}
+
+void Exchange::leavesNothingBehind()
+{
+    const auto isMapped = [] {
+        QFile maps("/proc/self/maps");
+        return maps.open(QIODevice::ReadOnly) && maps.readAll().indexOf("libtolvane_link") >= 0;
+    };
+    for (int time = 0; time < 3; ++time) {
+        QVERIFY(!isMapped());
+        Bench bench;
+        QVERIFY(isMapped());
+        QCOMPARE(play(bench,
+                      "get D_W 5 : 0000; send : -; init 7#0#0#3#64; flood write 9;"
+                      "recipe D_W 5 : 1; condition D_W 7; monitor D_W 5 : 1; send : *"),
+                 QString());
+    }
+    QVERIFY(!isMapped());
 }
 
 void Exchange::otherMemory()

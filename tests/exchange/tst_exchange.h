@@ -46,6 +46,7 @@ private slots:
     void longRanges();
     void garbageCounts_data();
     void garbageCounts();
+    void leavesNothingBehind();
     void otherMemory();
     void vanishingTexts();
     void nullPointers();

@@ -9,20 +9,21 @@ void Exchange::values_data()
         get M_bit 162 x4 : 01 00 01 01; get M_bit 175 x2 : 00 01; get 2#M_W 10 : 0000
         get P_W 10 : 0000; get TX 162 : 00)");
     row("contacts over a word's end", R"(
-        condition TX 30 x4; send : *; reply data 0040 0200 => done 0; get TX 29 x6 : 000100000100)");
+        condition TX 30 x4; send : *; reply data 0040 0200 => done 0
+        get TX 29 x6 : 000100000100)");
     row("unknown names are bit types, unless they have _bit", R"(
         write Q 5 = 0107 => Q 5, Q 6; get Q 5 x2 : 0107; write X_W 5 = 0100 => *; get Q 6 : 07
         write Q_bit 5 = 01; write q 5 = 02 => q 5; get Q 5 : 01; monitor Q 5 x2, Q_bit 5 : 0
         write Q 5 = 00 => Q 5; send : -)");
     row("the high byte counts in a reply, and in a write", R"(
-        monitor D_W 9 : 1; send : *; reply data 0001 => D_W 9
-        write D_W 9 = 0002 => D_W 9; write D_W 9 = 0002)");
+        monitor D_W 9 : 1; send : *; reply data 0001 => D_W 9; write D_W 9 = 0002 => D_W 9
+        write D_W 9 = 0002)");
     row("changed bits in ascending order, then the word", R"(
-        monitor M_bit 1600, M_bit 1602, M_bit 1615, M_W 100 : 1
-        send : *; reply data 0100 => M_bit 1600, M_W 100
-        send : *; reply data 0400 => M_bit 1600, M_bit 1602, M_W 100
-        send : *; reply data 0480 => M_bit 1615, M_W 100; send : *; reply data 0580 => *
-        send : *; reply data 0780 => M_W 100; send : *; reply data 0780)");
+        monitor M_bit 1600, M_bit 1602, M_bit 1615, M_W 100 : 1; send : *
+        reply data 0100 => M_bit 1600, M_W 100; send : *
+        reply data 0400 => M_bit 1600, M_bit 1602, M_W 100; send : *
+        reply data 0480 => M_bit 1615, M_W 100; send : *; reply data 0580 => *; send : *
+        reply data 0780 => M_W 100; send : *; reply data 0780)");
     QString bits("monitor M_bit 1600 x32 : 1");
     for (int k = 0; k < 32; ++k) {
         const quint32 set = (quint32(2) << k) - 1;  // bits 0 to k
@@ -33,14 +34,14 @@ void Exchange::values_data()
     }
     row("each bit of two words in its place", bits);
     row("a contact is compared with what was read, not with what shows", R"(
-        init 7#1#0#3#64; monitor TX 5, TX 6 : 2; write TX 5 = 01 => TX 5
-        serve 2 : rTX0 rTX0; get TX 5 : 01; plc TX 0 = 6000; serve 2 : rTX0 rTX0 => TX 5, TX 6
-        get TX 5 x2 : 0101; serve 2 : *)");
+        init 7#1#0#3#64; monitor TX 5, TX 6 : 2; write TX 5 = 01 => TX 5; serve 2 : rTX0 rTX0
+        get TX 5 : 01; plc TX 0 = 6000; serve 2 : rTX0 rTX0 => TX 5, TX 6; get TX 5 x2 : 0101
+        serve 2 : *)");
     row("a write is compared with what shows, not with what was read", R"(
-        monitor D_W 5, M_bit 3, TX 5 : 3
-        write D_W 5 = 0100 => D_W 5; write D_W 5 = 0000 => D_W 5; write D_W 5 = 0000
-        write M_bit 3 = 01 => M_bit 3; write M_bit 3 = 00 => M_bit 3; write M_bit 3 = 00
-        write TX 5 = 01 => TX 5; write TX 5 = 00 => TX 5; write TX 5 = 00; get TX 5 : 00)");
+        monitor D_W 5, M_bit 3, TX 5 : 3; write D_W 5 = 0100 => D_W 5
+        write D_W 5 = 0000 => D_W 5; write D_W 5 = 0000; write M_bit 3 = 01 => M_bit 3
+        write M_bit 3 = 00 => M_bit 3; write M_bit 3 = 00; write TX 5 = 01 => TX 5
+        write TX 5 = 00 => TX 5; write TX 5 = 00; get TX 5 : 00)");
     row("the first write of a bit shows the other bits as read, a second as written", R"(
         monitor M_W 9 : 1; send : *; reply data F0F0 => M_W 9; write M_bit 153 = 01 => M_W 9
         get M_W 9 : F0F2; write M_W 9 = AAAA => M_W 9; write M_bit 144 = 01 => M_W 9

@@ -18,11 +18,9 @@ bool writesSettle;
 
 QString regName()
 {
-    static const QString names[] = {"P_W",   "M_W",     "L_W", "K_W", "F_W",   "D_W",   "S_W",
-                                    "T_W",   "C_W",     "N_W", "Z_W", "P_bit", "M_bit", "L_bit",
-                                    "K_bit", "F_bit",   "TX",  "CX",  "",      "X_W",   "X_bit",
-                                    "d_W",   "D_W_bit", "TX_", "_",   "_bit"};
-    return names[input->ConsumeIntegralInRange(0, 25)];
+    static const char *const odd[] = {"", "X_W", "X_bit", "d_W", "D_W_bit", "TX_", "_", "_bit"};
+    const int pick = input->ConsumeIntegralInRange(0, RegisterTypeCount + 7);
+    return pick < RegisterTypeCount ? REG_LIST[pick] : QString(odd[pick - RegisterTypeCount]);
 }
 
 int address()
@@ -101,6 +99,8 @@ void registerRecipe()
 
 void startOver()
 {
+    if (input->ConsumeIntegralInRange(0, 7) > 0)
+        return;
     const std::string text =
         input->ConsumeBool()
             ? input->PickValueInArray({"1#0#0#3#64", "1#0#0#1#1", "1#0#0#2#0", "1#1#0#3#-5",
@@ -146,39 +146,24 @@ void ask()
     intf_multiCopy(name, address(), count(), input->ConsumeIntegral<int>(), texts, numbers);
 }
 
+void conditionRead()
+{
+    intf_addConditionRead(key(), 5);
+}
+
+void requestTransfer()
+{
+    shared[RecipeWriteRequest] = input->ConsumeBool();
+    shared[RecipeReadRequest] = input->ConsumeBool();
+}
+
 void step()
 {
-    switch (input->ConsumeIntegralInRange(0, 15)) {
-        case 0:
-            monitor();
-            break;
-        case 1:
-            intf_addConditionRead(key(), 5);
-            break;
-        case 2:
-        case 3:
-            write();
-            break;
-        case 4:
-            read();
-            break;
-        case 5:
-            registerRecipe();
-            break;
-        case 6:
-            if (input->ConsumeIntegralInRange(0, 7) == 0)
-                startOver();
-            break;
-        case 7:
-            shared[RecipeWriteRequest] = input->ConsumeBool();
-            shared[RecipeReadRequest] = input->ConsumeBool();
-            break;
-        case 8:
-            ask();
-            break;
-        default:
-            exchange();
-    }
+    void (*const steps[])() = {monitor,   conditionRead, write,          write,
+                               read,      ask,           registerRecipe, requestTransfer,
+                               startOver, exchange,      exchange,       exchange,
+                               exchange,  exchange,      exchange,       exchange};
+    steps[input->ConsumeIntegralInRange(0, 15)]();
     writesSettle &= driver.propItem1 == 0 && driver.writeList.size() < QueueLimit;
     checkQueues();
     if (writesSettle && depth == 0)

@@ -32,32 +32,17 @@ void setUp()
 /** Puts one request of a kind in flight. */
 void ask(int request)
 {
-    const unsigned char values[32] = {1, 0, 1, 1, 0, 0, 1};
-    switch (request % 9) {
-        case 0:
-            intf_addConditionRead(keyOf("D_W", 100, 127), 1);
-            break;
-        case 1:
-            intf_addConditionRead(keyOf("M_bit", 325, 70), 1);
-            break;
-        case 2:
-            intf_addConditionRead(keyOf("CX", 35, 7), 1);
-            break;
-        case 3:
-            intf_setData(1, "D_W", 100, 8, values, 1);
-            break;
-        case 4:
-            intf_setData(1, "M_bit", 325, 1, values, 1);
-            break;
-        case 5:
-            intf_setData(1, "M_bit", 325, 32, values, 1);
-            break;
-        case 6:
-            intf_setData(1, "TX", 30, 9, values, 1);
-            break;
-        default:
-            shared[request % 9 == 7 ? RecipeWriteRequest : RecipeReadRequest] = 1;
-    }
+    static const KEY_ADDRESS keys[] = {
+        keyOf("D_W", 100, 127), keyOf("M_bit", 325, 70), keyOf("CX", 35, 7), keyOf("D_W", 100, 8),
+        keyOf("M_bit", 325, 1), keyOf("M_bit", 325, 32), keyOf("TX", 30, 9)};
+    static const unsigned char values[32] = {1, 0, 1, 1, 0, 0, 1};
+    const KEY_ADDRESS &key = keys[request % 9 % 7];
+    if (request % 9 >= 7)
+        shared[request % 9 == 7 ? RecipeWriteRequest : RecipeReadRequest] = 1;
+    else if (request % 9 >= 3)
+        intf_setData(1, key.regName, key.startAddr, key.count, values, 1);
+    else
+        intf_addConditionRead(key, 1);
 }
 
 }  // namespace
