@@ -45,7 +45,7 @@ void Exchange::planning_data()
          "rD0x127 rD127x127 rD254x46");
     plan("contacts beyond a frame", "64", "monitor TX 3 x200", "rTX0x127 rTX8x73");
     plan("a limit beyond a frame is a frame", "1000", "monitor D_W 0, D_W 900", "rD0 rD900");
-    plan("no limit to speak of", "2147483647", "monitor D_W 0, D_W 126, D_W 127", "rD0x127 rD127");
+    plan("no limit to speak of", "2147483647", "monitor D_W 0, D_W 126, D_W 130", "rD0x127 rD130");
     plan("joined up to a frame, not cut at one", "200", "monitor D_W 0 x100, D_W 100 x100",
          "rD0x100 rD100x100");
     plan("a limit below 1 is 1", "0", "monitor D_W 5, D_W 5, D_W 6", "rD5 rD6");
