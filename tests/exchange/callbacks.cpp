@@ -1,9 +1,8 @@
 // What the panel may do inside a callback: everything.
 #include "tst_exchange.h"
 
-void Exchange::callbacks_data()
+void callbackRows()
 {
-    scripts();
     row("the value from before shows inside the report of a read", R"(
         monitor D_W 10, M_bit 3, TX 5 : 3; send : *; on M_bit 3 do get M_W 0 : 0000
         reply data FF00 => M_bit 3; send : *; on D_W 10 do get D_W 10 : 0000
@@ -74,67 +73,35 @@ void Exchange::callbacks_data()
         monitor D_W 10, D_W 500 : 2; send : *
         on D_W 10 do reply data 0100 & send : ra E803 00 02; reply data 0100 => *
         send : ra E803 00 02)");
-}
 
-void Exchange::anyExportInAnyCallback_data()
-{
-    const char *const callbacks[] = {
-        "%1; write D_W 10 = 0100 0200 0300 => *",
-        "%1; write M_bit 3 = 010101 => *",
-        "%1; write TX 5 = 010101 => *",
-        "%1; plc D 10 = 0100 0200 0300; serve 3 : * => *",
-        "%1; plc TX 0 = FFFF; serve 3 : * => *",
-        "write D_W 10 = 0100 0200 0300 => *; %1; send : *; fail : * => *",
-        "write TX 5 = 01 => *; %1; send : *; fail : * => *",
-        "write M_bit 3 = 010101 => *; serve 1 : *; %1; serve 1 : * => *",
-        "monitor : 0; request 0 1; %1; serve 1 : * => *",
-        "monitor : 0; request 0 1; serve 1 : * => *; %1; serve 1 : * => *",
-        "condition D_W 500 x3; %1; send : *; fail : * => *"};
-    const char *const actions[] = {"get M_W 0 x400 : *",
-                                   "write M_bit 4 = 00",
-                                   "flood write 600",
-                                   "flood condition 600",
-                                   "monitor : *",
-                                   "monitor D_W 0 x300, M_bit 0 x99, TX 5 x99 : *",
-                                   "recipe TX 9 x3 @4000, D_W 10 x9 @9, M_bit 40 x9 @99 : *",
-                                   "recipe XX 1 : *",
-                                   "request 1 0",
-                                   "init 7#1#0#0#0",
-                                   "init 7#0#0#3#64 & get N_W 0 x40 : *",
-                                   "send : *",
-                                   "reply none : *",
-                                   "reply data 01000200 : *"};
-    QTest::addColumn<QString>("callback");
-    QTest::addColumn<QString>("action");
-    for (const char *const callback : callbacks) {
-        for (const char *const action : actions)
-            QTest::newRow(qPrintable(QString("%1, %2").arg(callback, action)))
-                << QString(callback) << QString(action);
+    // Every export in every callback; afterwards the driver runs empty and starts over.
+    const QString occasions(
+        "%1; write D_W 10 = 0100 0200 0300 => *|%1; write M_bit 3 = 010101 => *|"
+        "%1; write TX 5 = 010101 => *|%1; plc D 10 = 0100 0200 0300; serve 3 : * => *|"
+        "%1; plc TX 0 = FFFF; serve 3 : * => *|"
+        "write D_W 10 = 0100 0200 0300 => *; %1; send : *; fail : * => *|"
+        "write TX 5 = 01 => *; %1; send : *; fail : * => *|"
+        "write M_bit 3 = 010101 => *; serve 1 : *; %1; serve 1 : * => *|"
+        "monitor : 0; request 0 1; %1; serve 1 : * => *|"
+        "monitor : 0; request 0 1; serve 1 : * => *; %1; serve 1 : * => *|"
+        "condition D_W 500 x3; %1; send : *; fail : * => *");
+    const QString actions(
+        "get M_W 0 x400 : *|write M_bit 4 = 00|flood write 600|flood condition 600|"
+        "monitor : *|monitor D_W 0 x300, M_bit 0 x99, TX 5 x99 : *|"
+        "recipe TX 9 x3 @4000, D_W 10 x9 @9, M_bit 40 x9 @99 : *|recipe XX 1 : *|"
+        "request 1 0|init 7#1#0#0#0|init 7#0#0#3#64 & get N_W 0 x4 : *|send : *|"
+        "reply none : *|reply data 01000200 : *");
+    for (const QString &occasion : occasions.split('|')) {
+        for (const QString &action : actions.split('|'))
+            row(occasion + ", " + action,
+                "monitor D_W 10 x3, M_bit 3 x3, TX 5 x3 : 3;"
+                "recipe D_W 10 @1, D_W 11 x2 @2, M_bit 3 x3 @7 : 3;" +
+                    QString(occasion).replace("%1", "on * do " + action) + "; request 0 0;" +
+                    // Nothing of what was under way is stored behind a new start.
+                    (action.startsWith("init") ? "get N_W 0 x4 : 00000000 00000000; send : -;"
+                                               : "") +
+                    "monitor : 0; drain => *; init 7#0#0#3#64; plc D 10 = 3412; monitor D_W 10 : 1;"
+                    "serve 1 : rD10 => D_W 10; write D_W 20 = 0100; condition D_W 30;"
+                    "serve 3 : wD20 rD30 rD10 => done 0");
     }
-}
-
-void Exchange::anyExportInAnyCallback()
-{
-    QFETCH(QString, callback);
-    QFETCH(QString, action);
-    Bench bench;
-    QVERIFY(bench.init("7#0#0#3#64"));
-    QCOMPARE(play(bench,
-                  "monitor D_W 10 x3, M_bit 3 x3, TX 5 x3 : 3;"
-                  "recipe D_W 10 @1, D_W 11 x2 @2, M_bit 3 x3 @7 : 3;" +
-                      callback.arg("on * do " + action)),
-             QString());
-    // After a new start the cache is empty: nothing of what was under way is stored behind it.
-    if (action.startsWith("init"))
-        QCOMPARE(play(bench, "request 0 0; send : -") + bench.get(Range("N_W", 0, 40)).toHex(),
-                 QString(160, '0'));
-    bench.monitor(Ranges());
-    bench.drain();
-
-    // Whatever happened: after a new start everything works.
-    QCOMPARE(play(bench,
-                  "request 0 0; init 7#0#0#3#64; plc D 10 = 3412; monitor D_W 10 : 1;"
-                  "serve 1 : rD10 => D_W 10; write D_W 20 = 0100; condition D_W 30;"
-                  "serve 3 : wD20 rD30 rD10 => done 0"),
-             QString());
 }

@@ -2,9 +2,8 @@
 // bench checks the lengths and the checksum of every frame.
 #include "tst_exchange.h"
 
-void Exchange::frames_data()
+void frameRows()
 {
-    scripts();
     row("a monitored pair of words, start to end", R"(
         send : -; monitor D_W 100 x2 : 1; send : ra C800 00 04; item : 4 1 D_W 100 x2
         reply data 3412 CDAB => D_W 100, D_W 101; get D_W 100 x2 : 3412 CDAB
@@ -47,11 +46,7 @@ void Exchange::frames_data()
     row("all types in the order of the read planning", R"(
         monitor CX 9, TX 9, Z_W 9, N_W 9, C_W 9, T_W 9, S_W 9, D_W 9, F_W 9, K_W 9, L_W 9 : 11
         serve 11 : rL9 rK9 rF9 rD9 rS9 rT9 rC9 rN9 rZ9 rTX0 rCX0)");
-}
 
-void Exchange::judging_data()
-{
-    scripts();
     const QString script("monitor D_W 100 x2 : 1; send : *; reply %1 => *; get D_W 100 x2 : %2");
     const auto pair = [&script](const char *name, const char *reply, const char *values) {
         row(name, script.arg(QLatin1String(reply), QLatin1String(values)));

@@ -19,9 +19,8 @@ void plan(const char *name, const char *limit, const char *asked, const char *re
 
 }  // namespace
 
-void Exchange::planning_data()
+void planningRows()
 {
-    scripts();
     plan("a bit key and a word key of one device share a block", "64",
          "monitor M_bit 1604 x21, M_W 101", "rM100x2");
     plan("a whole word of bits, and one bit more", "1", "monitor M_bit 16 x16, P_bit 16 x17",
@@ -76,17 +75,8 @@ void Exchange::planning_data()
          "write X_W 0 => *; write X_bit 0; write d_w 0 => *;"
          "write D_W 0 x0; write TX 0 x-1; write M_bit 3 x0",
          "");
-}
-
-void Exchange::stableOrder()
-{
-    // Keys of equal weight keep their order, so that the first one opens the block.
-    Bench bench;
-    bench.init("7#0#0#3#2");
-    Ranges keys(40, Range("TX", 5));
-    keys.front().count = 3;
-    QCOMPARE(bench.monitor(keys), 1);
-    keys.front().count = 1;
-    keys.back().count = 3;
-    QCOMPARE(bench.monitor(keys), 2);
+    const QString others = QString(", TX 5").repeated(39);
+    row("keys of equal weight keep their order: the first one opens the block",
+        "init 7#0#0#3#2; monitor TX 5 x3" + others + " : 1; monitor TX 5" + others +
+            ", TX 5 x3 : 2");
 }

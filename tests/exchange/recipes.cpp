@@ -1,9 +1,8 @@
 // Recipe transfers, and requests for transfers that cannot be.
 #include "tst_exchange.h"
 
-void Exchange::recipes_data()
+void recipeRows()
 {
-    scripts();
     row("write over 5 blocks", R"(
         recipe D_W 200 x3 @5, D_W 10 x2 @0, 2#P_W 0 @9, M_W 5 @4, D_W 20 x2 @2 : 5
         buffer 0 = 0100 0200 0300 0400 0500 0600 0700 0800 FFFF 0900; request 1 0
@@ -121,17 +120,13 @@ void Exchange::recipes_data()
         monitor D_W 5 : 1; serve 1 : rD5; request 0 1; serve 2 : rD5 rD5; request 0 0
         write M_bit 0 = 0101; serve 2 : rM0 wM0; write D_W 7 = 0800; request 0 1
         serve 2 : rM0 wM0; request 0 0; serve 2 : wD7 rD5)");
-}
 
-void Exchange::recipeChangedUnderWay_data()
-{
-    scripts();
     for (const char *const request : {"1 0", "0 1"}) {
         for (const char *const moment : {"", "send : *"}) {
             for (const char *const recipe :
                  {"D_W 50", "D_W 50 @4095", "D_W 10 x60 @4000, D_W 90 @1",
                   "D_W 10, D_W 20, D_W 30, D_W 40, D_W 50", "M_bit 5 x40", "TX 9 x9 @4087", "XX 5"})
-                row(qPrintable(QString("%1, %2 then %3").arg(request, moment, recipe)),
+                row(QString("%1, %2 then %3").arg(request, moment, recipe),
                     QString("recipe D_W 10 @0, D_W 20 x9 @1, D_W 40 @10, D_W 60 @11 : 4;"
                             "request %1; serve 2 : * => *; %2; recipe %3 : *;"
                             "serve 20 : * => *; requested : 0 0;"

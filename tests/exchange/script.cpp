@@ -144,6 +144,8 @@ QString outcomeOf(Bench &bench, const QString &action)
     } else if (verb == "condition") {
         for (const Range &each : rangesOf(text))
             bench.condition(each);
+    } else if (verb == "drain") {
+        bench.drain();
     } else if (verb == "flood") {
         flood(bench, range.name == "write", range.start);
     } else if (verb == "request") {

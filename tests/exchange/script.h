@@ -22,6 +22,7 @@
 //     fail                               as many lost replies as there are tries
 //     error : TEXT                       error text of the last reply
 //     serve COUNT : REQUEST REQUEST      that many exchanges with the controller; "-" is none
+//     drain                              exchanges until there is nothing to send
 //     on CALLBACK do STEP & STEP         once, inside the next such callback
 #ifndef TOLVANE_TESTS_EXCHANGE_SCRIPT_H
 #define TOLVANE_TESTS_EXCHANGE_SCRIPT_H

@@ -1,9 +1,8 @@
 // Who is served when, and what becomes of items that are given up.
 #include "tst_exchange.h"
 
-void Exchange::service_data()
+void serviceRows()
 {
-    scripts();
     row("12 writes and a cyclic read", R"(
         monitor D_W 100 : 1; flood write 12
         serve 15 : wD0 wD1 wD2 wD3 wD4 wD5 wD6 wD7 wD8 wD9 rD100 wD10 wD11 rD100 rD100)");

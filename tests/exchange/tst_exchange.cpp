@@ -1,7 +1,25 @@
-// What the subjects of the exchange tests share.
+// The scripts of all subjects, played.
 #include "tst_exchange.h"
 
-void Exchange::playRow()
+void row(const QString &name, const QString &script)
+{
+    QTest::newRow(qPrintable(name)) << script;
+}
+
+void Exchange::script_data()
+{
+    QTest::addColumn<QString>("script");
+    frameRows();
+    planningRows();
+    serviceRows();
+    writeRows();
+    valueRows();
+    recipeRows();
+    callbackRows();
+    limitRows();
+}
+
+void Exchange::script()
 {
     QFETCH(QString, script);
     Bench bench;

@@ -1,9 +1,8 @@
 // Writing: the queue, what shows while a write is under way, and what happens when it ends.
 #include "tst_exchange.h"
 
-void Exchange::writes_data()
+void writeRows()
 {
-    scripts();
     row("several bits given up while still reading", R"(
         monitor M_bit 95 : 1; write M_bit 94 = 01 01 => M_bit 95; send : ri 0A00 00 02
         fail => M_bit 95; get M_bit 94 x2 : 00 00; serve 1 : rM5)");
@@ -88,10 +87,10 @@ void Exchange::writes_data()
         write D_W 1 = 0100; write D_W 5 = 0200; write 2#D_W 5 = 0300; write D_W 5 = 0400 0500
         write M_W 5 = 0600; write D_W 6 = 0700; serve 7 : wD1 wD5 2#wD5 wD5x2 wM5 wD6 -)");
     for (const char *const mode : {"1", "2", "-1"})
-        row(qPrintable(QString("shown but not sent, mode %1").arg(mode)), QString(R"(
+        row(QString("shown but not sent, mode %1").arg(mode), QString(R"(
         init 7#%1#0#3#64; monitor D_W 5 : 1; write D_W 5 = 0100 => D_W 5; serve 1 : rD5
         get D_W 5 : 0100; plc D 5 = 0200; serve 1 : rD5 => D_W 5; get D_W 5 : 0200
         monitor M_bit 3 : 1; write M_bit 3 = 01 => M_bit 3; get M_bit 3 : 01; plc M 0 = 0100
         serve 1 : rM0; get M_bit 3 : 00)")
-                                                                              .arg(mode));
+                                                                  .arg(mode));
 }
