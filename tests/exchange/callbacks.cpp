@@ -17,30 +17,22 @@ void callbackRows()
         on D_W 10 do get D_W 10 : 0000; send : *; fail => D_W 10; write M_bit 3 = 01 => M_bit 3
         on M_bit 3 do get M_bit 3 : 00; send : *; fail => M_bit 3; write TX 5 = 01 => TX 5
         on TX 5 do get TX 5 : 00; send : *; fail => TX 5)");
-    row("the new value shows when a bit's write is settled", R"(
-        monitor M_bit 3 : 1; write M_bit 3 = 01 => M_bit 3; on M_bit 3 do get M_bit 3 : 01
-        serve 1 : oM0 => M_bit 3)");
+    row("the new value shows when a bit's write is settled", R"(monitor M_bit 3 : 1
+        write M_bit 3 = 01 => M_bit 3; on M_bit 3 do get M_bit 3 : 01; serve 1 : oM0 => M_bit 3)");
     row("a recipe unit is filled when it is announced, the next is not", R"(
         recipe D_W 10 x2 @3 : 1; plc D 10 = 3412 7856; request 0 1
         on RWI 3 do buffer 3 x2 : 3412 0000; serve 1 : rD10x2 => RWI 3, RWI 4)");
-    row("a write made inside a report is sent", R"(
-        monitor D_W 10 : 1; send : *; on D_W 10 do write D_W 11 = 0900
-        reply data 7856 => D_W 10; send : wa 1600 00 02 0900)");
-    row("a neighbouring bit written inside a report stays written", R"(
-        monitor M_bit 0 : 1; on M_bit 0 do write M_bit 1 = 01; write M_bit 0 = 01 => M_bit 0
-        get M_bit 0 x2 : 01 01)");
-    row("a write made inside the report of a failed write outlives it", R"(
-        monitor D_W 10 : 1; write D_W 10 = 7856 => D_W 10; send : *
-        on D_W 10 do write D_W 10 = 0900; fail => *; send : wa 1400 00 02 0900)");
+    row("a neighbouring bit written inside a report stays written", R"(monitor M_bit 0 : 1
+        on M_bit 0 do write M_bit 1 = 01; write M_bit 0 = 01 => M_bit 0; get M_bit 0 x2 : 01 01)");
+    row("a write made inside the report of a failed write outlives it", R"(monitor D_W 10 : 1
+        write D_W 10 = 7856 => D_W 10; send : *; on D_W 10 do write D_W 10 = 0900; fail => *
+        send : wa 1400 00 02 0900)");
     row("monitoring ended inside a report ends the reports of that word", R"(
         monitor M_bit 0 x3, M_W 0 : 1; send : *; on M_bit 0 do monitor : 0
         reply data 0700 => M_bit 0)");
-    row("a condition read asked for at the end of another follows it", R"(
-        condition D_W 10; on done 0 do condition D_W 10; serve 1 : rD10 => done 0
-        on done 0 do condition D_W 20; serve 1 : rD10 => done 0; serve 2 : rD20 - => done 0)");
-    row("a condition read asked for at the failure of another stays", R"(
-        condition D_W 10; send : *; on done -1 do condition D_W 10 & condition D_W 20
-        fail => done -1; serve 3 : rD10 rD20 - => done 0)");
+    row("a condition read asked for at the failure of another stays", R"(condition D_W 10
+        send : *; on done -1 do condition D_W 10 & condition D_W 20; fail => done -1
+        serve 3 : rD10 rD20 - => done 0)");
     row("the end of a condition read is told before it is removed: what waits is not read twice",
         R"(
         condition D_W 10, D_W 20, D_W 10; on done 0 do condition D_W 20
@@ -50,6 +42,12 @@ void callbackRows()
         condition D_W 10, D_W 11, D_W 10; on done 0 do init 7#0#0#3#64 & condition D_W 10
         serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0; condition D_W 10; send : *
         on done -1 do init 7#0#0#3#64 & condition D_W 10; fail => *; serve 2 : rD10 - => done 0)");
+    row("the next frame asked for inside the end of a condition read: no item is lost or repeated",
+        R"(
+        condition D_W 10, D_W 20, D_W 10; on done 0 do send : ra 1400 00 02
+        serve 1 : rD10 => done 0; send : ra 1400 00 02; reply plc; serve 3 : rD20 - rD10 => done 0
+        condition D_W 10; on done 0 do write D_W 30 = 0100 & send : wa 3C00 00 02 0100
+        serve 1 : rD10 => done 0; send : wa 3C00 00 02 0100; reply ok; serve 2 : - -)");
     row("another monitored set inside the report of a cyclic read starts at its first", R"(
         monitor D_W 10, D_W 500 : 2; send : *
         on D_W 10 do init 7#0#0#3#64 & monitor D_W 20, D_W 600 : 2; reply data 0100 => D_W 10
@@ -58,13 +56,13 @@ void callbackRows()
         recipe D_W 10 x3 @3 : 1; plc D 10 = 0100 0200 0300; request 0 1
         on RWI 3 do recipe D_W 10 x3 @3 : 1; serve 1 : rD10x3 => RWI 3
         buffer 3 x3 : 0100 0000 0000)");
-    row("the exchange ended inside an announcement ends the copy", R"(
-        recipe D_W 10 x3 @3 : 1; plc D 10 = 0100 0200 0300; request 0 1; send : *
+    row("the exchange ended inside an announcement ends the copy", R"(recipe D_W 10 x3 @3 : 1
+        plc D 10 = 0100 0200 0300; request 0 1; send : *
         on RWI 3 do reply none : 8 & reply none : 8 & reply none : 2; reply plc => RWI 3
         requested : 0 0; send : -)");
-    row("the exchange ended inside the report before a recipe's copy", R"(
-        monitor D_W 10 : 1; recipe D_W 10 x2 @3 : 1; request 0 1; send : *
-        on D_W 10 do init 7#0#0#3#64; reply data 01000200 => D_W 10; buffer 3 x2 : 0000 0000)");
+    row("the exchange ended inside the report before a recipe's copy", R"(monitor D_W 10 : 1
+        recipe D_W 10 x2 @3 : 1; request 0 1; send : *; on D_W 10 do init 7#0#0#3#64
+        reply data 01000200 => D_W 10; buffer 3 x2 : 0000 0000)");
     row("the exchange ended inside the report of a failure, the next one is spared", R"(
         monitor D_W 10 : 1; write D_W 10 = 0100 => D_W 10; write D_W 11 = 0200; send : *
         on D_W 10 do reply ok & send : wa 1600 00 02 0200; fail => D_W 10

@@ -7,38 +7,36 @@
 
 void limitRows()
 {
-    row("a property text of 4 parts changes nothing", R"(
-        init 9#1#0#1; monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0; send : *
-        fail => D_W 0)");
-    row("more parts than needed", R"(
-        init 7#0#0#1#64#0#99; monitor D_W 0, D_W 50 : 1; send : *; reply none : 2)");
-    row("parts that are no numbers count as 0", R"(
-        init #x#0#1e3#99999999999; monitor D_W 5, D_W 6 : 2; send : *
-        reply data 0100 => 0 1 D_W 5; send : *; reply none : 2)");
-    row("no tries mean one", R"(
-        init; init 7#0#0#-3#64; monitor D_W 5 : 1; send : *; reply none : 2)");
+    row("a property text of 4 parts changes nothing", R"(init 9#1#0#1
+        monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0; send : *; fail => D_W 0)");
+    row("more parts than needed", R"(init 7#0#0#1#64#0#99; monitor D_W 0, D_W 50 : 1; send : *
+        reply none : 2)");
+    row("parts that are no numbers count as 0", R"(init #x#0#1e3#99999999999
+        monitor D_W 5, D_W 6 : 2; send : *; reply data 0100 => 0 1 D_W 5; send : *
+        reply none : 2)");
+    row("no tries mean one", R"(init; init 7#0#0#-3#64; monitor D_W 5 : 1; send : *
+        reply none : 2)");
     row("the ends of the number range", R"(
         monitor D_W 2147483647 x2, D_W -2147483648, 2147483647#M_bit 2147483640 x20 : *
         write D_W 2147483647 = 0100 0200 => *; write M_bit 2147483647 = 01 01 => *
         condition D_W 2147483640 x40000; condition TX 2147483640 x100
         get D_W 2147483647 x2 : 0100 0200; get D_W -2147483648 : 0200
         get M_bit -2147483648 : 01; recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");
-    row("below 0", R"(
-        write M_bit -17 = 0101 => *; get M_bit -18 x4 : 00010100; write M_bit -1 = 01
-        get M_bit 15 : 00; write D_W -5 = 1234 5678; get D_W -5 x2 : 12345678)");
-    row("what no frame can address is shown, but not sent", R"(
-        write D_W 32768 = 0100; write D_W -1 = 0200; write M_bit 524288 = 01
-        write M_bit -1 = 01 01; write TX 524288 = 01 => TX 524288; get D_W 32768 : 0100
-        get TX 524288 : 01; condition D_W 32768, D_W -1 x9, TX -1, M_bit 524288; serve 2 : - -
+    row("below 0", R"(write M_bit -17 = 0101 => *; get M_bit -18 x4 : 00010100
+        write M_bit -1 = 01; get M_bit 15 : 00; write D_W -5 = 1234 5678
+        get D_W -5 x2 : 12345678)");
+    row("what no frame can address is shown, but not sent", R"(write D_W 32768 = 0100
+        write D_W -1 = 0200; write M_bit 524288 = 01; write M_bit -1 = 01 01
+        write TX 524288 = 01 => TX 524288; get D_W 32768 : 0100; get TX 524288 : 01
+        condition D_W 32768, D_W -1 x9, TX -1, M_bit 524288; serve 2 : - -
         monitor D_W 32768, D_W -1, M_bit 524288, CX -1 : 0
         recipe D_W 32768, M_bit -1, TX 524288 : 0; condition D_W 9, D_W 32768
         serve 1 : rD9 => done 0; send : -)");
-    row("the last that a frame can address", R"(
-        write D_W 32767 = 0100; serve 1 : wD32767; write M_bit 524287 = 01
-        send : oi FEFF 00 0080; reply ok; condition TX 524287; send : rl FEFF 00 20
-        reply ok => done 0)");
-    row("of a longer request the pieces that begin inside are sent", R"(
-        init 7#0#0#3#32; write D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok
+    row("the last that a frame can address", R"(write D_W 32767 = 0100; serve 1 : wD32767
+        write M_bit 524287 = 01; send : oi FEFF 00 0080; reply ok; condition TX 524287
+        send : rl FEFF 00 20; reply ok => done 0)");
+    row("of a longer request the pieces that begin inside are sent", R"(init 7#0#0#3#32
+        write D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok
         condition D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok => done 0
         send : -; monitor D_W -100 x300 : 2; serve 2 : rD27x127 rD154x46)");
     row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
@@ -51,55 +49,40 @@ void limitRows()
 
 void Exchange::longRanges_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("start");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("limit");
-    const struct
-    {
-        const char *name;
-        int start, count;
-        std::vector<int> limits;
-    } rows[] = {{"D_W", 3, 700, {8, 64, 127, 200, INT_MAX}},
-                {"M_bit", 1604, 2000, {8, 64, 200, 268435456, INT_MAX}},
-                {"D_W", 3, 400, {INT_MIN, -1, 0, 1}},
-                {"M_bit", 3, 400, {INT_MIN, 0, 1}},
-                {"TX", 3, 400, {-1, 0, 1}},
-                {"K_bit", 15, 2040, {127, 255}},
-                {"TX", 5, 1500, {8, 200, INT_MAX}}};
-    for (const auto &each : rows) {
-        for (const int limit : each.limits)
-            QTest::newRow(qPrintable(QString("%1 %2 x%3, block limit %4")
-                                         .arg(each.name, QString::number(each.start),
-                                              QString::number(each.count), QString::number(limit))))
-                << QString(each.name) << each.start << each.count << limit;
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QString>("limit");
+    const QString all(
+        "D_W 3 x700 : 8 64 127 200 2147483647|M_bit 1604 x2000 : 8 64 200 268435456 2147483647|"
+        "D_W 3 x400 : -2147483648 -1 0 1|M_bit 3 x400 : -2147483648 0 1|TX 3 x400 : -1 0 1|"
+        "K_bit 15 x2040 : 127 255|TX 5 x1500 : 8 200 2147483647");
+    for (const QString &each : all.split('|')) {
+        for (const QString &limit : each.section(" : ", 1).split(' '))
+            QTest::newRow(qPrintable(each + ", " + limit)) << each.section(" : ", 0, 0) << limit;
     }
 }
 
 /** Every way of moving a range moves all of it and nothing else. */
 void Exchange::longRanges()
 {
-    QFETCH(QString, name);
-    QFETCH(int, start);
-    QFETCH(int, count);
-    QFETCH(int, limit);
-    Range range(name, start, count);
+    QFETCH(QString, what);
+    QFETCH(QString, limit);
+    Range range = rangeOf(what);
     range.unit = 1;
     const int width = widthOf(range);
     QByteArray values, units;
-    for (int i = 0; i < count; ++i) {
-        const int value = isBitType(name) ? i * i / 3 & 1 : (i * 7 + i / 251) & 0xFFFF;
+    for (int i = 0; i < range.count; ++i) {
+        const int value = width == 1 ? i * i / 3 & 1 : (i * 7 + i / 251) & 0xFFFF;
         const QByteArray unit = QByteArray(1, char(value)) + char(value >> 8);
         units += unit;
         values += unit.left(width);
     }
 
     Range around = range;  // with neighbours on either side
-    around.start -= qMin(start, 2);
-    around.count += start - around.start + 2;
+    around.start -= 2;
+    around.count += 4;
     const QByteArray ones(around.count * width, '\1');
     QByteArray valuesAround = ones;
-    valuesAround.replace((start - around.start) * width, values.size(), values);
+    valuesAround.replace(2 * width, values.size(), values);
     const QByteArray blank(2 * Bench::RecipeUnits, '\xEE');
     QByteArray filled = blank;
     filled.replace(2 * range.unit, units.size(), units);
@@ -108,7 +91,7 @@ void Exchange::longRanges()
     const auto begin = [&](const QByteArray &held, const QByteArray &buffer) {
         putValues(&bench.memory, around, held);
         bench.buffer.assign(buffer.begin(), buffer.end());
-        return bench.init("7#0#0#3#" + QByteArray::number(limit));
+        return bench.init("7#0#0#3#" + limit.toLatin1());
     };
 
     QVERIFY(begin(ones, blank));

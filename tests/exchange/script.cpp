@@ -1,9 +1,6 @@
 // Reading and playing scripts.
 #include "script.h"
 
-namespace {
-
-/** "2#D_W 100 x2 @5 owner 3 kind 6"; "buffer 3 x2" and "serve 4" have the form of one as well. */
 Range rangeOf(const QString &text)
 {
     const QStringList words = text.simplified().split(' ');
@@ -23,6 +20,8 @@ Range rangeOf(const QString &text)
     }
     return range;
 }
+
+namespace {
 
 Ranges rangesOf(const QString &text)
 {

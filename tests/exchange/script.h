@@ -29,6 +29,9 @@
 
 #include "bench.h"
 
+/** "2#D_W 100 x2 @5 owner 3 kind 6"; "buffer 3 x2" and "serve 4" have the form of one as well. */
+Range rangeOf(const QString &text);
+
 /** Plays a script; returns an empty text or the first step that went otherwise, and how. */
 QString play(Bench &bench, const QString &script);
 

@@ -107,26 +107,6 @@ private slots:
         QCOMPARE(int(shared[RecipeWriteRequest]), 0);
     }
 
-    void refusalIsGuarded()
-    {
-        registerRecipe("X_W");
-        // While the mutex is held, a request that stands is not taken back.
-        Call call([] {
-            for (int i = 0; i < 400; ++i)
-                ask();
-        });
-        for (int i = 0; i < 400 && !call.isFinished(); ++i) {
-            hostMutex.lock();
-            shared[RecipeReadRequest] = 1;
-            const volatile unsigned char &request = shared[RecipeReadRequest];
-            bool stands = true;
-            for (int look = 0; look < 20000; ++look)
-                stands = stands && request == 1;
-            hostMutex.unlock();
-            QVERIFY(stands);
-        }
-    }
-
     void writeQueueIsGuarded()
     {
         writeBit();
