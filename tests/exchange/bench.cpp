@@ -17,13 +17,6 @@ int hexAt(const QByteArray &bytes, int at)
 
 }  // namespace
 
-void *Driver::require(void *function, const char *name)
-{
-    if (!function)
-        qFatal("%s: %s", name, qPrintable(library_.errorString()));
-    return function;
-}
-
 Driver::~Driver()
 {
     if (!library_.unload())

@@ -16,12 +16,11 @@ class Driver
 {
     QLibrary library_;  // first: the exports below are found in it
 
-    void *require(void *function, const char *name);
     template <typename Function>
     Function find(const char *name)
     {
-        void *const found = reinterpret_cast<void *>(library_.resolve(name));
-        return reinterpret_cast<Function>(require(found, name));
+        // By way of void *, which is what some generations of Qt give.
+        return reinterpret_cast<Function>(reinterpret_cast<void *>(library_.resolve(name)));
     }
 
 public:

@@ -14,9 +14,9 @@ void callbackRows()
         write M_bit 3 = 01 => M_bit 3; on TX 5 do get TX 5 : 00; write TX 5 = 01 => TX 5)");
     row("the controller's value shows inside the report of a failed write", R"(
         monitor D_W 10, M_bit 3 : 2; write D_W 10 = 7856 => D_W 10
-        on D_W 10 do get D_W 10 : 0000; send : *; fail => D_W 10; write M_bit 3 = 01 => M_bit 3
-        on M_bit 3 do get M_bit 3 : 00; send : *; fail => M_bit 3; write TX 5 = 01 => TX 5
-        on TX 5 do get TX 5 : 00; send : *; fail => TX 5)");
+        on D_W 10 do get D_W 10 : 0000; fail => D_W 10; write M_bit 3 = 01 => M_bit 3
+        on M_bit 3 do get M_bit 3 : 00; fail => M_bit 3; write TX 5 = 01 => TX 5
+        on TX 5 do get TX 5 : 00; fail => TX 5)");
     row("the new value shows when a bit's write is settled", R"(monitor M_bit 3 : 1
         write M_bit 3 = 01 => M_bit 3; on M_bit 3 do get M_bit 3 : 01; serve 1 : oM0 => M_bit 3)");
     row("a recipe unit is filled when it is announced, the next is not", R"(
@@ -34,8 +34,7 @@ void callbackRows()
         send : *; on done -1 do condition D_W 10 & condition D_W 20; fail => done -1
         serve 3 : rD10 rD20 - => done 0)");
     row("the end of a condition read is told before it is removed: what waits is not read twice",
-        R"(
-        condition D_W 10, D_W 20, D_W 10; on done 0 do condition D_W 20
+        R"(condition D_W 10, D_W 20, D_W 10; on done 0 do condition D_W 20
         serve 1 : rD10 => done 0; serve 4 : rD20 rD10 - - => done 0; condition D_W 10, D_W 10
         on done 0 do condition D_W 10; serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0)");
     row("started over at the end of a condition read: what was asked since stays", R"(
@@ -43,11 +42,11 @@ void callbackRows()
         serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0; condition D_W 10; send : *
         on done -1 do init 7#0#0#3#64 & condition D_W 10; fail => *; serve 2 : rD10 - => done 0)");
     row("the next frame asked for inside the end of a condition read: no item is lost or repeated",
-        R"(
-        condition D_W 10, D_W 20, D_W 10; on done 0 do send : ra 1400 00 02
-        serve 1 : rD10 => done 0; send : ra 1400 00 02; reply plc; serve 3 : rD20 - rD10 => done 0
-        condition D_W 10; on done 0 do write D_W 30 = 0100 & send : wa 3C00 00 02 0100
-        serve 1 : rD10 => done 0; send : wa 3C00 00 02 0100; reply ok; serve 2 : - -)");
+        R"(condition D_W 10, D_W 20, D_W 10; on done 0 do send : ra 1400 00 02
+        serve 1 : rD10 => done 0; send : ra 1400 00 02; reply plc
+        serve 3 : rD20 - rD10 => done 0; condition D_W 10
+        on done 0 do write D_W 30 = 0100 & send : wa 3C00 00 02 0100; serve 1 : rD10 => done 0
+        send : wa 3C00 00 02 0100; reply ok; serve 2 : - -)");
     row("another monitored set inside the report of a cyclic read starts at its first", R"(
         monitor D_W 10, D_W 500 : 2; send : *
         on D_W 10 do init 7#0#0#3#64 & monitor D_W 20, D_W 600 : 2; reply data 0100 => D_W 10
@@ -77,12 +76,12 @@ void callbackRows()
         "%1; write D_W 10 = 0100 0200 0300 => *|%1; write M_bit 3 = 010101 => *|"
         "%1; write TX 5 = 010101 => *|%1; plc D 10 = 0100 0200 0300; serve 3 : * => *|"
         "%1; plc TX 0 = FFFF; serve 3 : * => *|"
-        "write D_W 10 = 0100 0200 0300 => *; %1; send : *; fail : * => *|"
-        "write TX 5 = 01 => *; %1; send : *; fail : * => *|"
+        "write D_W 10 = 0100 0200 0300 => *; %1; fail : * => *|"
+        "write TX 5 = 01 => *; %1; fail : * => *|"
         "write M_bit 3 = 010101 => *; serve 1 : *; %1; serve 1 : * => *|"
         "monitor : 0; request 0 1; %1; serve 1 : * => *|"
         "monitor : 0; request 0 1; serve 1 : * => *; %1; serve 1 : * => *|"
-        "condition D_W 500 x3; %1; send : *; fail : * => *");
+        "condition D_W 500 x3; %1; fail : * => *");
     const QString actions(
         "get M_W 0 x400 : *|write M_bit 4 = 00|flood write 600|flood condition 600|"
         "monitor : *|monitor D_W 0 x300, M_bit 0 x99, TX 5 x99 : *|"

@@ -32,8 +32,7 @@ void frameRows()
     row("characters that are no hex digits", R"(monitor D_W 0 x4 : 1; send : *
         reply hex 3A3B3F3E 2F314032 47485A7E 80FF90A0 => *; get D_W 0 x4 : ABFE 0102 0137 9899)");
     row("a reply too short: its checksum is read as data, what is missing as 0", R"(
-        monitor D_W 0 x4 : 1; send : *; reply data 341AB => *
-        get D_W 0 x4 : 341A B8D0 0000 0000)");
+        monitor D_W 0 x4 : 1; data 341AB => *; get D_W 0 x4 : 341A B8D0 0000 0000)");
     row("all types in the order of the read planning", R"(
         monitor CX 9, TX 9, Z_W 9, N_W 9, C_W 9, T_W 9, S_W 9, D_W 9, F_W 9, K_W 9, L_W 9 : 11
         serve 11 : rL9 rK9 rF9 rD9 rS9 rT9 rC9 rN9 rZ9 rTX0 rCX0)");
@@ -54,7 +53,7 @@ void frameRows()
     pair("three bytes", "raw 06 06 04 : 8", "00000000");
     pair("four bytes", "raw 06 30 30 04", "00000000");
     pair("an acknowledgement: its checksum is read as data", "ok", "77000000");
-    row("a write takes a reply with data", "write D_W 100 = 1122; send : *; reply data 0000");
+    row("a write takes a reply with data", "write D_W 100 = 1122; data 0000");
     row("a write takes the shortest reply", "write D_W 100 = 1122; send : *; reply raw 06303004");
     row("what was asked is told whatever the outcome", R"(monitor D_W 100 x10 : 1; send : *
         reply none : 8; error : 1#D_W100(10)(0); write 2#M_bit 325 = 010001; reply plc

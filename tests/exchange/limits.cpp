@@ -8,12 +8,11 @@
 void limitRows()
 {
     row("a property text of 4 parts changes nothing", R"(init 9#1#0#1
-        monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0; send : *; fail => D_W 0)");
+        monitor D_W 0 x2, D_W 5 : 1; write D_W 0 = 0100 => D_W 0; fail => D_W 0)");
     row("more parts than needed", R"(init 7#0#0#1#64#0#99; monitor D_W 0, D_W 50 : 1; send : *
         reply none : 2)");
     row("parts that are no numbers count as 0", R"(init #x#0#1e3#99999999999
-        monitor D_W 5, D_W 6 : 2; send : *; reply data 0100 => 0 1 D_W 5; send : *
-        reply none : 2)");
+        monitor D_W 5, D_W 6 : 2; data 0100 => 0 1 D_W 5; send : *; reply none : 2)");
     row("no tries mean one", R"(init; init 7#0#0#-3#64; monitor D_W 5 : 1; send : *
         reply none : 2)");
     row("the ends of the number range", R"(
@@ -40,11 +39,11 @@ void limitRows()
         condition D_W 32760 x64; send : *; item : 0 1 D_W 32760 x32; reply ok => done 0
         send : -; monitor D_W -100 x300 : 2; serve 2 : rD27x127 rD154x46)");
     row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
-        monitor D_W 5, D_W 500 : 2; send : *; reply data 0100 => D_W 5; flood condition 6
-        serve 3 : *; flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
+        monitor D_W 5, D_W 500 : 2; data 0100 => D_W 5; flood condition 6; serve 3 : *
+        flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
         init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000; serve 2 : - -; request 1 0
-        serve 2 : - -; request 0 0; flood condition 1; send : *; fail => done -1
-        monitor D_W 5 : 1; flood condition 3; serve 4 : rD0 rD1 rD5 rD2 => done 0)");
+        serve 2 : - -; request 0 0; flood condition 1; fail => done -1; monitor D_W 5 : 1
+        flood condition 3; serve 4 : rD0 rD1 rD5 rD2 => done 0)");
 }
 
 void Exchange::longRanges_data()

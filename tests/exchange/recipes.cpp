@@ -52,9 +52,9 @@ void recipeRows()
         request 1 0; serve 2 : wD20 -)");
     row("a failed block ends the transfer without a failure report, the next starts anew", R"(
         monitor D_W 10, D_W 30 : 1; recipe D_W 10 @0, D_W 30 @1, M_W 3 @2 : 3; request 1 0
-        serve 2 : wM3 wD10; send : wa 3C00 00 02 0000; fail; requested : 0 0; send : *
-        reply data 0000; request 0 1; serve 3 : rM3 rD10 rD30 => RWI 2, RWI 0, RWI 1
-        requested : 0 0; request 0 1; serve 1 : rM3 => *; send : *; fail; requested : 0 0)");
+        serve 2 : wM3 wD10; send : wa 3C00 00 02 0000; fail; requested : 0 0; data 0000
+        request 0 1; serve 3 : rM3 rD10 rD30 => RWI 2, RWI 0, RWI 1; requested : 0 0
+        request 0 1; serve 1 : rM3 => *; fail; requested : 0 0)");
     row("bits are written one by one or merged, no others change", R"(
         recipe M_bit 3 @0, M_bit 1604 x3 @1, TX 30 x3 @4, TX 7 @7 : 4
         buffer 0 = 0100 0100 0000 0100 0100 0000 0100 0000; request 1 0; send : oi 0000 00 0800
@@ -77,8 +77,8 @@ void recipeRows()
         send : wa 1400 00 02 0000; item : 3 1 D_W 10 x1)");
     row("a recipe write is not settled like a queued one", R"(monitor D_W 10 : 1
         write D_W 10 = 0100 => D_W 10; recipe D_W 10 @0 : 1; request 1 0; send : *; reply ok
-        get D_W 10 : 0100; request 1 0; send : *; fail; get D_W 10 : 0100
-        send : wa 1400 00 02 0100; reply ok; get D_W 10 : 0100)");
+        get D_W 10 : 0100; request 1 0; fail; get D_W 10 : 0100; send : wa 1400 00 02 0100
+        reply ok; get D_W 10 : 0100)");
     row("blocks and position outlive a new start, the queues do not", R"(
         recipe D_W 10 @0, D_W 20 @1 : 2; request 0 1; serve 1 : rD10 => RWI 0; flood write 1
         flood condition 1; init 7#0#0#3#64; serve 2 : rD20 - => RWI 1)");
@@ -94,15 +94,14 @@ void recipeRows()
         recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 0 1; serve 1 : rD10 => RWI 0
         recipe D_W 50 @5, D_W 60 @6, D_W 70 @7 : 3; serve 2 : rD60 rD70 => RWI 6, RWI 7
         requested : 0 0; request 0 1; serve 1 : rD50 => RWI 5)");
-    row("registered while a block is in flight: its reply is none of the new recipe's values", R"(
-        monitor D_W 20 : 1; recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 0 1
+    row("registered while a block is in flight: its reply is none of the new recipe's values",
+        R"(monitor D_W 20 : 1; recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 0 1
         serve 1 : rD10 => RWI 0; plc D 20 = 0900; send : ra 2800 00 02
         recipe D_W 15 @5, D_W 20 @6, D_W 70 @7 : 3; reply plc => D_W 20
         buffer 1 x7 : 0000 0000 0000 0000 0000 0000 0000; serve 1 : rD70 => RWI 7
         requested : 0 0)");
     row("registered with fewer blocks than are done: the last one is repeated, and copied nowhere",
-        R"(
-        recipe D_W 10 @0, D_W 20 @1, D_W 30 @2, D_W 40 @3 : 4; request 0 1; serve 3 : * => *
+        R"(recipe D_W 10 @0, D_W 20 @1, D_W 30 @2, D_W 40 @3 : 4; request 0 1; serve 3 : * => *
         recipe D_W 50 @5 : 1; plc D 30 = 0900; serve 2 : rD30 -; requested : 0 0
         buffer 2 x4 : 0000 0000 0000 0000; request 1 0; serve 2 : wD50 -)");
     row("no recipe at all: the finished write is repeated, none is lost", R"(flood write 1

@@ -19,7 +19,8 @@
 //     reply none|ok|plc|data DATA|hex HEX|raw HEX : RESULT
 //                                        ok acknowledges, plc: the controller's own, data and hex
 //                                        in a good frame, raw as it is
-//     fail                               as many lost replies as there are tries
+//     data DATA : RESULT                 the next frame, answered with these data characters
+//     fail                               the next frame, lost as often as there are tries
 //     error : TEXT                       error text of the last reply
 //     serve COUNT : REQUEST REQUEST      that many exchanges with the controller; "-" is none
 //     drain                              exchanges until there is nothing to send

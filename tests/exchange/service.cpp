@@ -20,8 +20,8 @@ void serviceRows()
     row("a given-up cyclic read waits for its next turn", R"(monitor D_W 0, D_W 500 : 2
         send : ra 0000 00 02; fail; send : ra E803 00 02; fail; serve 1 : rD0)");
     row("what is no longer monitored is not reported", R"(monitor D_W 5, M_bit 3, TX 1 : 3
-        monitor : 0; condition M_bit 0 x16, D_W 5, TX 1; send : *; reply data FFFF; send : *
-        reply data FFFF; send : *; reply data FFFF => done 0)");
+        monitor : 0; condition M_bit 0 x16, D_W 5, TX 1; data FFFF; data FFFF
+        data FFFF => done 0)");
     row("a write waits until the frame in flight is done", R"(monitor D_W 100 : 1
         send : ra C800 00 02; write D_W 5 = 0100; send : ra C800 00 02; reply plc; serve 1 : wD5)");
     row("only the latest condition read is announced", R"(condition D_W 10, D_W 20
@@ -32,8 +32,8 @@ void serviceRows()
     row("a failed condition read takes the rest with it, unannounced", R"(init 7#0#0#3#32
         condition D_W 0 x96; serve 1 : rD0x32; send : ra 4000 00 40; fail; serve 2 : - -)");
     row("the failure of the last condition read is announced", R"(monitor D_W 9 : 1
-        condition D_W 0, D_W 9; serve 1 : rD0; send : *; fail => done -1; serve 1 : rD9
-        condition D_W 9; serve 1 : rD9 => done 0)");
+        condition D_W 0, D_W 9; serve 1 : rD0; fail => done -1; serve 1 : rD9; condition D_W 9
+        serve 1 : rD9 => done 0)");
     row("a good reply starts the count of tries anew", R"(condition D_W 9, D_W 10
         send : ra 1200 00 02; reply none : 8; reply none : 8; send : ra 1200 00 02
         reply data 0100; send : ra 1400 00 02; fail => done -1; condition D_W 9

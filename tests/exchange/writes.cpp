@@ -11,30 +11,29 @@ void writeRows()
         send : wi 0A00 00 02 00C0; reply none : 8; reply none : 8; send : wi 0A00 00 02 00C0
         reply ok; send : -)");
     row("several bits: what is read to merge is not stored", R"(monitor M_W 5 : 1
-        write M_bit 80 = 01 01 => M_W 5, M_W 5; send : *; reply data 3C3C; get M_W 5 : 0300
+        write M_bit 80 = 01 01 => M_W 5, M_W 5; data 3C3C; get M_W 5 : 0300
         send : wi 0A00 00 02 3F3C; reply ok => M_W 5; get M_W 5 : 0300)");
     row("words acknowledged are the values read, unreported", R"(monitor D_W 10 x2 : 1
-        write D_W 10 = 7856 0000 => D_W 10; send : *; reply ok; get D_W 10 : 7856; send : *
-        reply data 7856 0000; write D_W 10 = 0100 => D_W 10; send : *; fail => D_W 10
-        get D_W 10 : 7856)");
+        write D_W 10 = 7856 0000 => D_W 10; send : *; reply ok; get D_W 10 : 7856
+        data 7856 0000; write D_W 10 = 0100 => D_W 10; fail => D_W 10; get D_W 10 : 7856)");
     row("a failed write of words is withdrawn and reported, changed or not", R"(
-        monitor D_W 10, D_W 11 : 1; send : *; reply data 3412 0000 => D_W 10
-        write D_W 10 = 7856 0000 => D_W 10; get D_W 10 : 7856; send : wa 1400 00 04 7856 0000
-        fail => D_W 10, D_W 11; error : 1#D_W10(2)(0); get D_W 10 : 3412)");
+        monitor D_W 10, D_W 11 : 1; data 3412 0000 => D_W 10; write D_W 10 = 7856 0000 => D_W 10
+        get D_W 10 : 7856; send : wa 1400 00 04 7856 0000; fail => D_W 10, D_W 11
+        error : 1#D_W10(2)(0); get D_W 10 : 3412)");
     row("of the bits of a failed word only those that differ are reported", R"(
-        monitor M_bit 144 x16 : 1; write M_W 9 = 0500 => M_bit 144, M_bit 146; send : *
+        monitor M_bit 144 x16 : 1; write M_W 9 = 0500 => M_bit 144, M_bit 146
         fail => M_bit 144, M_bit 146)");
     row("contacts, acknowledged and failed: reported though nobody monitors them", R"(
         write TX 5 = 01 => TX 5; send : *; reply ok; get TX 5 : 01; write TX 5 = 00 => TX 5
-        send : *; fail => TX 5; get TX 5 : 01)");
+        fail => TX 5; get TX 5 : 01)");
     row("a bit acknowledged: the others stay as read, all monitored are reported", R"(
-        monitor M_bit 152 x3, M_W 9 : 1; send : *; reply data F000 => M_W 9
+        monitor M_bit 152 x3, M_W 9 : 1; data F000 => M_W 9
         write M_bit 153 = 01 => M_bit 153, M_W 9; send : *
         reply ok => M_bit 152, M_bit 153, M_bit 154, M_W 9; get M_W 9 : F002
-        write M_W 9 = 0000 => M_bit 153, M_W 9; send : *; fail => *; get M_W 9 : F002)");
+        write M_W 9 = 0000 => M_bit 153, M_W 9; fail => *; get M_W 9 : F002)");
     row("a bit acknowledged does not take its neighbours' shown values along", R"(
         monitor M_W 9 : 1; write M_bit 144 = 01 => M_W 9; write M_bit 151 = 01 => M_W 9
-        serve 1 : oM9; get M_W 9 : 8100; send : *; fail => M_W 9; get M_W 9 : 0100)");
+        serve 1 : oM9; get M_W 9 : 8100; fail => M_W 9; get M_W 9 : 0100)");
     row("a write is hidden by a new value from the controller until it is acknowledged", R"(
         monitor D_W 10 : 1; send : ra 1400 00 02; write D_W 10 = 7856 => D_W 10
         reply data 3412 => D_W 10; get D_W 10 : 3412; send : wa 1400 00 02 7856; reply ok
