@@ -5,11 +5,6 @@ namespace {
 
 Bench *current = nullptr;
 
-char deviceOf(const QString &registerType)
-{
-    return plc::Memory::letter(registerType.section('_', 0, 0).toLatin1());
-}
-
 int hexAt(const QByteArray &bytes, int at)
 {
     return bytes.mid(at, 2).toInt(nullptr, 16);
@@ -31,37 +26,6 @@ bool isBitType(const QString &name)
 int widthOf(const Range &range)
 {
     return isBitType(range.name) ? 1 : 2;
-}
-
-QByteArray valuesIn(const plc::Memory &memory, const Range &range)
-{
-    const char device = deviceOf(range.name);
-    QByteArray values;
-    for (int number = range.start; number < range.start + range.count; ++number) {
-        if (isBitType(range.name)) {
-            values += char(memory.word(device, number / 16) >> number % 16 & 1);
-        } else {
-            values += char(memory.word(device, number) & 0xFF);
-            values += char(memory.word(device, number) >> 8);
-        }
-    }
-    return values;
-}
-
-void putValues(plc::Memory *memory, const Range &range, const QByteArray &values)
-{
-    const char device = deviceOf(range.name);
-    const auto byte = [&values](int i) { return static_cast<unsigned char>(values.at(i)); };
-    for (int i = 0; i < range.count; ++i) {
-        const int number = range.start + i;
-        if (isBitType(range.name)) {
-            const unsigned others = memory->word(device, number / 16) & ~(1u << number % 16);
-            memory->setWord(device, number / 16,
-                            quint16(others | unsigned(byte(i)) << number % 16));
-        } else {
-            memory->setWord(device, number, quint16(byte(2 * i) | byte(2 * i + 1) << 8));
-        }
-    }
 }
 
 QByteArray wrapped(char open, const QByteArray &body, char close)

@@ -69,11 +69,6 @@ bool isBitType(const QString &name);
 /** Bytes of one of the range's values as the host passes it. */
 int widthOf(const Range &range);
 
-/** The values of a range as `memory` holds them, laid out as the host passes values. */
-QByteArray valuesIn(const plc::Memory &memory, const Range &range);
-/** Stores values of that layout in `memory`; of a word with bits only those in the range change. */
-void putValues(plc::Memory *memory, const Range &range, const QByteArray &values);
-
 /** A frame around `body`: opening byte, body, checksum, closing byte. */
 QByteArray wrapped(char open, const QByteArray &body, char close);
 

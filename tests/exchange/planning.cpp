@@ -36,6 +36,9 @@ void planningRows()
          "rP9 rM0 rD1 rD5");
     plan("stations and types stay apart", "64", "monitor 2#D_W 1, D_W 0, 0#D_W 1, L_W 0",
          "0#rD1 rL0 rD0 2#rD1");
+    plan("stations far apart", "64", "monitor 3000#D_W 0, D_W 0, 1500#D_W 0",
+         "rD0 1500#rD0 3000#rD0");
+    plan("a key of which no piece can be read", "64", "monitor D_W -127 x127, D_W 5", "rD5");
     plan("contacts join at the same start", "3", "monitor TX 5, TX 5 x3", "rTX0x3");
     plan("contacts within the limit only", "2", "monitor TX 5, TX 5 x3", "rTX0 rTX0x3");
     plan("contacts side by side stay apart", "64", "monitor CX 5, CX 6", "rCX0 rCX0");

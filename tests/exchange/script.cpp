@@ -37,6 +37,16 @@ QString hex(const QByteArray &bytes)
     return bytes.toHex().toUpper();
 }
 
+QByteArray lowFirst(int word)
+{
+    return QByteArray(1, char(word & 0xFF)) + char(word >> 8);
+}
+
+quint16 wordAt(const QByteArray &bytes, int at)
+{
+    return quint16((bytes.at(at) & 0xFF) | (bytes.at(at + 1) & 0xFF) << 8);
+}
+
 /** Result codes show only when they are not the usual one. */
 QString unlessOne(int result)
 {
@@ -61,7 +71,7 @@ void flood(Bench &bench, bool writes, int count)
     for (int i = 0; i < count; ++i) {
         const Range range("D_W", i);
         if (writes)
-            bench.write(range, QByteArray(1, char((i + 1) & 0xFF)) + char((i + 1) >> 8));
+            bench.write(range, lowFirst(i + 1));
         else
             bench.condition(range);
     }
@@ -135,12 +145,15 @@ QString outcomeOf(Bench &bench, const QString &action)
         return hasValues ? QString() : hex(QByteArray(at, 2 * range.count));
     }
     if (verb == "plc") {
-        range.name += "_W";
-        if (!hasValues)
-            return hex(valuesIn(bench.memory, range));
-        range.count = int(values.size()) / 2;
-        putValues(&bench.memory, range, values);
-    } else if (verb == "write") {
+        const char device = plc::Memory::letter(range.name.toLatin1());
+        QByteArray held;
+        for (int i = 0; i < range.count && !hasValues; ++i)
+            held += lowFirst(bench.memory.word(device, range.start + i));
+        for (int i = 0; i < values.size() / 2; ++i)
+            bench.memory.setWord(device, range.start + i, wordAt(values, 2 * i));
+        return hex(held);
+    }
+    if (verb == "write") {
         if (hasValues)
             range.count = int(values.size()) / widthOf(range);
         bench.write(range, hasValues ? values : pattern(range));

@@ -14,9 +14,7 @@ private slots:
     void script_data();
     void script();
 
-    void longRanges_data();  // limits.cpp
-    void longRanges();
-    void garbageCounts();
+    void garbageCounts();  // limits.cpp
     void leavesNothingBehind();
     void otherMemory();
     void vanishingTexts();

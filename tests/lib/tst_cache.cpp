@@ -68,6 +68,23 @@ class CacheTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        // As loaded.
+        for (const int number :
+             {driver.propItem0, driver.propItem1, driver.propItem2, driver.propItem3,
+              driver.propItem4, driver.sendState, driver.runCount, driver.handShakeRequest,
+              driver.retryCount, driver.lastFrameFailed, driver.frameIndex, driver.rcpIndex,
+              driver.itemsInFrame, driver.curVar.startAddr, driver.curVar.count})
+            QCOMPARE(number, 0);
+        QVERIFY(!driver.hostShared && !driver.hostContext && !driver.rcpBuffer);
+        intf_initProperty(shared, buffer, buffer, nullptr, "1#2#3#4#5", &hostMutex);
+        QCOMPARE(driver.propItem0 + 10 * driver.propItem1 + 100 * driver.propItem2 +
+                     1000 * driver.propItem3 + 10000 * driver.propItem4,
+                 54321);
+        QCOMPARE(driver.hostContext, static_cast<void *>(buffer));
+    }
+
     void init()
     {
         memset(shared, 0, sizeof shared);
