@@ -8,7 +8,6 @@ void frameRows()
         send : ra C800 00 04; item : 4 1 D_W 100 x2; reply data 3412 CDAB => D_W 100, D_W 101
         get D_W 100 x2 : 3412 CDAB; send : ra C800 00 04; reply data 3412 CDAB
         send : ra C800 00 04; reply data 3412 CEAB => D_W 101)");
-    row("a full frame", "monitor K_W 2433 x127 : 1; send : rk 0213 00 FE");
     row("condition reads of bits and contacts", R"(condition M_bit 1604 x21 kind 3
         send : ri C800 00 04; item : 3 1 M_W 100 x2; reply data 1000 0100 => done 0
         get M_bit 1604 x13 : 01 00 00 00 00 00 00 00 00 00 00 00 01; condition TX 5 kind 8

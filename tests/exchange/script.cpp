@@ -66,33 +66,6 @@ QByteArray replyFor(Bench &bench, const QString &what, const QByteArray &data)
     return what == "ok" ? wrapped(ACK, "w", EOT) : QByteArray();
 }
 
-void flood(Bench &bench, bool writes, int count)
-{
-    for (int i = 0; i < count; ++i) {
-        const Range range("D_W", i);
-        if (writes)
-            bench.write(range, lowFirst(i + 1));
-        else
-            bench.condition(range);
-    }
-}
-
-/** Some values for a range. */
-QByteArray pattern(const Range &range)
-{
-    QByteArray values;
-    for (int i = 0; i < range.count * widthOf(range); ++i)
-        values += char(isBitType(range.name) ? i % 3 == 0 : i % 251);
-    return values;
-}
-
-QString itemText(const VARIABLE &item)
-{
-    return QString("%1 %2 %3 %4 x%5")
-        .arg(QString::number(item.kind), QString::number(item.stationNo), item.regName,
-             QString::number(item.startAddr), QString::number(item.count));
-}
-
 /** Does "VERB ARGUMENTS" and returns its outcome. */
 QString outcomeOf(Bench &bench, const QString &action)
 {
@@ -103,6 +76,7 @@ QString outcomeOf(Bench &bench, const QString &action)
     // Verbs whose argument is a bare number: the verb stands in the place of the type.
     const bool bare = verb == "buffer" || verb == "serve";
     Range range = rangeOf((bare ? action : text).section('=', 0, 0));
+    const VARIABLE &item = bench.frame.var;
     QStringList results;
     if (verb == "init")
         return unlessOne(bench.init(text.toLatin1()));
@@ -117,7 +91,12 @@ QString outcomeOf(Bench &bench, const QString &action)
     if (verb == "send")
         return bench.send() ? bench.request().mid(1, bench.frame.sendLen - 4) : QByteArray("-");
     if (verb == "item")
-        return itemText(bench.frame.var);
+        return QString("%1 %2 %3 %4 x%5")
+            .arg(item.kind)
+            .arg(item.stationNo)
+            .arg(item.regName)
+            .arg(item.startAddr)
+            .arg(item.count);
     if (verb == "reply")
         return unlessOne(bench.reply(
             replyFor(bench, text.section(' ', 0, 0), text.section(' ', 1).remove(' ').toLatin1())));
@@ -127,9 +106,7 @@ QString outcomeOf(Bench &bench, const QString &action)
         return results.join(" ");
     }
     if (verb == "data")
-        return bench.send() ? unlessOne(bench.reply(wrapped(
-                                  ACK, 'r' + QByteArray(text.toLatin1()).replace(" ", ""), EOT)))
-                            : QString("-");
+        return bench.send() ? outcomeOf(bench, "reply " + action) : QString("-");
     if (verb == "fail") {
         for (int i = 0; i < 3 && bench.send(); ++i)  // the usual property text allows three tries
             results << QString::number(bench.reply(QByteArray()));
@@ -156,14 +133,15 @@ QString outcomeOf(Bench &bench, const QString &action)
     if (verb == "write") {
         if (hasValues)
             range.count = int(values.size()) / widthOf(range);
-        bench.write(range, hasValues ? values : pattern(range));
+        bench.write(range, hasValues ? values : QByteArray(range.count * widthOf(range), '\0'));
     } else if (verb == "condition") {
         for (const Range &each : rangesOf(text))
             bench.condition(each);
     } else if (verb == "drain") {
         bench.drain();
     } else if (verb == "flood") {
-        flood(bench, range.name == "write", range.start);
+        for (int i = 0; i < range.start; ++i)
+            outcomeOf(bench, range.name + QString(" D_W %1 = ").arg(i) + hex(lowFirst(i + 1)));
     } else if (verb == "request") {
         writeRequest = static_cast<unsigned char>(text.section(' ', 0, 0).toInt());
         readRequest = static_cast<unsigned char>(text.section(' ', 1, 1).toInt());

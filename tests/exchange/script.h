@@ -7,7 +7,7 @@
 // bytes that the host passes.
 //
 //     init PROPERTIES                    monitor RANGE, ... : REQUESTS
-//     write RANGE [kind K] [= VALUES]    condition RANGE [kind K], ...
+//     write RANGE [kind K] [= VALUES]    condition RANGE [kind K], ...; without values: zeros
 //     get RANGE : VALUES                 recipe RANGE @UNIT [owner O], ... : KEPT
 //     buffer UNIT [xCOUNT] : VALUES      plc DEVICE WORD [xCOUNT] : VALUES
 //     buffer UNIT = VALUES               plc DEVICE WORD = VALUES

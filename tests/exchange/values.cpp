@@ -6,8 +6,6 @@ void valueRows()
     row("low byte first, words and bits share, stations do not", R"(condition M_W 10 x2
         data 3412CDAB => done 0; get M_W 10 x2 : 3412CDAB; get M_bit 162 x4 : 01 00 01 01
         get M_bit 175 x2 : 00 01; get 2#M_W 10 : 0000; get P_W 10 : 0000; get TX 162 : 00)");
-    row("contacts over a word's end", R"(condition TX 30 x4; data 0040 0200 => done 0
-        get TX 29 x6 : 000100000100)");
     row("unknown names are bit types, unless they have _bit", R"(write Q 5 = 0107 => Q 5, Q 6
         get Q 5 x2 : 0107; write X_W 5 = 0100 => *; get Q 6 : 07; write Q_bit 5 = 01
         write q 5 = 02 => q 5; get Q 5 : 01; monitor Q 5 x2, Q_bit 5 : 0; write Q 5 = 00 => Q 5
@@ -41,9 +39,6 @@ void valueRows()
         write M_bit 159 = 02 => M_W 9; get M_W 9 : AB2A)");
     row("a contact keeps the byte written", R"(monitor TX 5 : 1; write TX 5 = 07 => TX 5
         get TX 5 : 07; serve 2 : oTX0 rTX0 => TX 5; get TX 5 : 01)");
-    row("several words in one write, some changed", R"(monitor D_W 10 x4 : 1
-        write D_W 11 = 0100 0000 0200 => D_W 11, D_W 13
-        get D_W 10 x5 : 0000 0100 0000 0200 0000)");
 
     QString write("init 7#1#0#3#64"), read;
     int value = 1000;

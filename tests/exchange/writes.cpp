@@ -45,9 +45,6 @@ void writeRows()
         write M_bit 1609 = 01 => M_bit 1609; send : oi C800 00 0002
         write M_bit 1609 = 00 => M_bit 1609; reply ok; get M_bit 1609 : 00
         send : ni C800 00 FFFD; reply ok => M_bit 1609; get M_bit 1609 : 00)");
-    row("two writes of one bit, the second fails", R"(monitor M_bit 1609, M_bit 1610 : 1
-        write M_bit 1609 = 01 => M_bit 1609; send : oi C800 00 0002; write M_bit 1609 = 01
-        reply ok; send : oi C800 00 0002; fail => M_bit 1609, M_bit 1610; get M_bit 1609 : 01)");
     row("three writes of one bit are two that end", R"(monitor M_bit 1609 : 1
         write M_bit 1609 = 01 => M_bit 1609; write M_bit 1609 = 00 => *
         write M_bit 1609 = 01 => *; serve 1 : oM100; serve 1 : oM100 => M_bit 1609; send : *

@@ -25,15 +25,11 @@ QString regName()
 
 int address()
 {
-    switch (input->ConsumeIntegralInRange(0, 7)) {
-        case 0:
-            return input->ConsumeIntegral<int>();
-        case 1:
-            return input->PickValueInArray(
-                {-1, -16, 0x7FFFFFFF, -0x7FFFFFFF - 1, 32767, 32768, 65535, 180223});
-        default:
-            return input->ConsumeIntegralInRange(0, 300);
-    }
+    const int kind = input->ConsumeIntegralInRange(0, 7);
+    return kind == 0   ? input->ConsumeIntegral<int>()
+           : kind == 1 ? input->PickValueInArray(
+                             {-1, -16, 0x7FFFFFFF, -0x7FFFFFFF - 1, 32767, 32768, 65535, 180223})
+                       : input->ConsumeIntegralInRange(0, 300);
 }
 
 int count()
@@ -134,18 +130,6 @@ void exchange()
     intf_dealRcvFrame(data, input->ConsumeBool() ? &text : nullptr);
 }
 
-void ask()
-{
-    int number = 0;
-    QVector<QString> texts;
-    QVector<int> numbers;
-    const QString name = regName();
-    const QString text = QString::fromStdString(input->ConsumeRandomLengthString(12));
-    intf_checkAddrValidity(name, text, &number, count(), input->ConsumeBool());
-    intf_checkAddr(name, text, input->ConsumeBool() ? &number : nullptr, address(), address(), 1);
-    intf_multiCopy(name, address(), count(), input->ConsumeIntegral<int>(), texts, numbers);
-}
-
 void conditionRead()
 {
     intf_addConditionRead(key(), 5);
@@ -160,7 +144,7 @@ void requestTransfer()
 void step()
 {
     void (*const steps[])() = {monitor,   conditionRead, write,          write,
-                               read,      ask,           registerRecipe, requestTransfer,
+                               read,      read,          registerRecipe, requestTransfer,
                                startOver, exchange,      exchange,       exchange,
                                exchange,  exchange,      exchange,       exchange};
     steps[input->ConsumeIntegralInRange(0, 15)]();

@@ -174,7 +174,6 @@ private slots:
                {"bit 16", "M_bit 20.16 1 bit", "4 77"},
                {"bit -5", "M_bit 3.-5 1 bit", "4 77"},
                {"no bit", "M_bit 20 1 bit", "4 77"},
-               {"three parts", "M_bit 20.5.1 1 bit", "4 77"},
                {"no word number", "M_bit x.3 1 bit", "4 77"},
                {"no bit number", "M_bit 20.x 1 bit", "4 77"},
                {"a word and its bit", "M_bit 20.5 1 bit", "0 325"},

@@ -104,10 +104,6 @@ private slots:
         intf_setData(1, "Q_bit", 5, 1, ones, 0);
         intf_getData(1, "D_W", 5, 0, out);
         QCOMPARE(int(driver.dataAreaList.size()), 7);
-        const _DATA_ &area = driver.dataAreaList.at(1);
-        QCOMPARE(area.areaName, QString("M"));
-        QCOMPARE(area.stationNo, 1);
-        QCOMPARE(area.unitAddr, 1);
         QCOMPARE(getIndexOfDataArea(1, "M", 1), 1);
         QCOMPARE(getIndexOfDataArea(1, "m", 1), 7);
         init();
