@@ -165,6 +165,9 @@ void Bench::checkFrame()
         frame.replyLen != (reads ? 4 * words + 5 : 5) || frame.dataStart != (reads ? 2 : 0) ||
         frame.readCount != (reads ? words : 0))
         flaws << "frame not in order: " + QString::fromLatin1(bytes.toHex());
+    const QByteArray values(reinterpret_cast<const char *>(frame.var.valueBuf), ValueBytes);
+    if (reads && !isBitType(frame.var.regName) && values != QByteArray(ValueBytes, '\0'))
+        flaws << "a read with values";
 }
 
 QByteArray Bench::request() const

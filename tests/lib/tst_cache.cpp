@@ -136,7 +136,7 @@ private slots:
         FRAME_PRO frame;
         frame.sendLen = -1;
         QCOMPARE(intf_getSendFrame(&frame), 1);
-        QCOMPARE(frame.sendLen, 0);
+        QVERIFY(!frame.sendLen && !frame.replyLen && !frame.dataStart && !frame.readCount);
         driver.handShakeRequest = 0;
         QString text("was there");
         for (const int result : {8, 8, 2, 0}) {
