@@ -255,6 +255,37 @@ private slots:
         QTEST((converted ? "" : "no:") + QString::number(number), "number");
     }
 
+    // Rows that no type of this controller has: restricted access, wider values.
+    void otherRows_data()
+    {
+        // Results for data types 0 to 9 with use 0, then for data type 1 with uses 1 and 2.
+        table({"width", "access", "results", "description"},
+              {{"as it is", "16", "RW", "000000000000", "DDDDD 0 32767 1 1"},
+               {"read only", "16", "R", "000000000066", "DDDDD 0 32767 1 0"},
+               {"write only", "16", "W", "000000000000", "DDDDD 0 32767 1 2"},
+               {"32 bits", "32", "RW", "505050055000", "DDDDD 0 32767 2 1"},
+               {"8 bits", "8", "RW", "000000000000", "DDDDD 0 32767 1 1"}});
+    }
+    void otherRows()
+    {
+        QFETCH(QString, width);
+        QFETCH(QString, access);
+        AddressRange &row = const_cast<AddressRange &>(ADDRESS_RANGE_PRO[5]);
+        const AddressRange kept = row;
+        row.valueBits = width;
+        row.access = access;
+        QString results;
+        int number = 0;
+        for (int i = 0; i < 12; ++i)
+            results += QString::number(
+                intf_checkAddr("D_W", "5", &number, i < 10 ? i : 1, 1, i < 10 ? 0 : i - 9));
+        QStringList description;
+        intf_getRegDiscription("D_W", description);
+        row = kept;
+        QTEST(results, "results");
+        QTEST(description.join(" "), "description");
+    }
+
     void weight()
     {
         QCOMPARE(getRegAddressWeight(0, "M_W", 0), 65535U);
