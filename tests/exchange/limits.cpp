@@ -1,6 +1,4 @@
 // Ranges longer than a frame, settings and arguments that make no sense, memory that goes away.
-#include <QtCore/QFile>
-
 #include <climits>
 
 #include "tst_exchange.h"
@@ -108,24 +106,6 @@ void Exchange::garbageCounts()
         bench.driver.multiCopy(name, 3, INT_MAX, 1, texts, numbers);
         QCOMPARE(int(texts.size()), garbage.name == "X" ? 0 : most);
     }
-}
-
-void Exchange::leavesNothingBehind()
-{
-    const auto isMapped = [] {
-        QFile maps("/proc/self/maps");
-        return maps.open(QIODevice::ReadOnly) && maps.readAll().indexOf("libtolvane_link") >= 0;
-    };
-    for (int time = 0; time < 3; ++time) {
-        QVERIFY(!isMapped());
-        Bench bench;
-        QVERIFY(isMapped());
-        QCOMPARE(play(bench,
-                      "get D_W 5 : 0000; send : -; init 7#0#0#3#64; flood write 9;"
-                      "recipe D_W 5 : 1; condition D_W 7; monitor D_W 5 : 1; send : *"),
-                 QString());
-    }
-    QVERIFY(!isMapped());
 }
 
 void Exchange::otherMemory()

@@ -15,7 +15,6 @@ private slots:
     void script();
 
     void garbageCounts();  // limits.cpp
-    void leavesNothingBehind();
     void otherMemory();
     void vanishingTexts();
     void nullPointers();
