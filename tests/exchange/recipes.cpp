@@ -48,7 +48,7 @@ void recipeRows()
     row("only the value 1 asks", R"(recipe D_W 30 @0 : 1; request 2 255; send : -
         requested : 2 255; request 2 1; serve 2 : rD30 - => RWI 0; requested : 2 0)");
     row("entries of other drivers, unknown types, no values or no place are passed over", R"(
-        recipe D_W 10 @0 owner 3, D_W 20 @1, X_W 1 @2, D_W 30 x0 @3, D_W 40 x-1 @4, D_W 50 @-1 : 1
+        recipe D_W 10 @0 owner 3, D_W 20 @1, X_W 1 @2, D_W 30 x0 @3, D_W 50 @-1, D_W 60 @1073741823 : 1
         request 1 0; serve 2 : wD20 -)");
     row("a failed block ends the transfer without a failure report, the next starts anew", R"(
         monitor D_W 10, D_W 30 : 1; recipe D_W 10 @0, D_W 30 @1, M_W 3 @2 : 3; request 1 0
