@@ -285,7 +285,6 @@ void finishCyclicRead()
 void restartLoop()
 {
     driver.readList.clear();
-    driver.readIndex = 0;
     driver.writeList.clear();
     driver.condReadList.clear();
     ++driver.condHeadNo;
