@@ -68,7 +68,8 @@ void writeRows()
     row("marks reset under way: the bit is settled at once", R"(monitor M_bit 1600 : 1
         write M_bit 1600 = 01 => M_bit 1600; write M_bit 1601 = 01; monitor M_bit 1600 : 1
         serve 1 : oM100 => M_bit 1600; get M_bit 1600 x2 : 01 00; serve 1 : oM100 => M_bit 1600
-        get M_bit 1600 x2 : 01 01)");
+        get M_bit 1600 x2 : 01 01; write M_bit 1600 = 00 => M_bit 1600; send : ni C800 00 FEFF
+        monitor M_bit 1600 : 1; write M_bit 1600 = 00; reply ok => M_bit 1600)");
     row("a newer value takes the place of one that waits", R"(write D_W 1 = 0100
         write D_W 5 kind 1 = 0200; write D_W 6 = 0300; write D_W 5 kind 2 = 0400; serve 1 : wD1
         send : wa 0A00 00 02 0400; item : 2 1 D_W 5 x1; reply ok; serve 2 : wD6 -)");
