@@ -206,9 +206,8 @@ private slots:
     void series_data()
     {
         table({"asked", "series"},
-              {{"words", "D_W 100 3 1", "1: 100=100 101=101 102=102"},
+              {{"by 16-bit values", "D_W 100 3 -1", "1: 100=100 101=101 102=102"},
                {"by 32-bit values", "D_W 100 2 -2", "1: 100=100 102=102"},
-               {"steps below 1", "D_W 5 2 0", "1: 5=5 6=6"},
                {"other steps below 1", "D_W 5 2 -5", "1: 5=5 6=6"},
                {"wide steps", "D_W 5 2 7", "1: 5=5 12=12"},
                {"bits into the next word", "M_bit 335 2 -1", "1: 20.15=335 21.0=336"},

@@ -127,9 +127,7 @@ enum CopyResult { NothingToCopy = 0, WithinRange = 1, Capped = 2 };
 /** Address steps that one value of `bits` bits takes; at least 1. */
 int stepsOfValue(const RegisterType &type, int bits)
 {
-    if (type.unitKind != WordUnit)
-        return 1;
-    return qMax(1, bits / ADDRESS_RANGE_PRO[type.number].unitBits.toInt());
+    return type.unitKind == WordUnit ? bits / BitsPerWord : 1;
 }
 
 int resolveStep(const RegisterType &type, int step)
