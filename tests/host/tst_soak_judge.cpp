@@ -35,7 +35,8 @@ int setData(int stationNo, QString regName, int startAddr, int count, const unsi
 {
     if (hits(WriteSwallowed, regName, startAddr, count))
         return 1;
-    std::vector<unsigned char> sent(values, values + 2 * count);
+    const bool words = regName.endsWith(QLatin1String("_W"));
+    std::vector<unsigned char> sent(values, values + (words ? 2 : 1) * count);
     if (hits(ValueOut, regName, startAddr, count))
         sent[size_t(2 * (TheWord - startAddr))] ^= 1;
     return real.setData(stationNo, regName, startAddr, count, sent.data(), kind);
