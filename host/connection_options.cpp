@@ -40,12 +40,13 @@ int numberOption(const QCommandLineParser &parser, const QString &name, int lowe
     return number;
 }
 
-void addConnectionOptions(QCommandLineParser &parser)
+void addConnectionOptions(QCommandLineParser &parser, const QStringList &names)
 {
     const auto add = [&](const char *name, const char *help, const char *value = nullptr,
                          const char *preset = nullptr) {
-        parser.addOption(QCommandLineOption(QLatin1String(name), QLatin1String(help),
-                                            QLatin1String(value), QLatin1String(preset)));
+        if (names.isEmpty() || names.contains(QLatin1String(name)))
+            parser.addOption(QCommandLineOption(QLatin1String(name), QLatin1String(help),
+                                                QLatin1String(value), QLatin1String(preset)));
     };
     add("port", "The serial port, or pseudo-terminal, that leads to the controller.", "device");
     add("tcp", "The serial device server that leads to the controller.", "host:port");
@@ -77,6 +78,40 @@ void addConnectionOptions(QCommandLineParser &parser)
     add("local", "Write times as local ones with their offset, not as UTC.");
 }
 
+SerialSettings serialOption(const QCommandLineParser &parser, const Identity &identity)
+{
+    const QString serial = optionName("serial");
+    return SerialSettings::parse(parser.isSet(serial) ? parser.value(serial) : identity.serialLine);
+}
+
+LinePace paceOptions(const QCommandLineParser &parser, const Identity &identity)
+{
+    const QString text = parser.value(optionName("pace"));
+    if (text != QLatin1String("line") && text != QLatin1String("none"))
+        throw Failure(QStringLiteral("--pace \"%1\": expected line or none").arg(text), BadInput);
+    return {serialOption(parser, identity), text == QLatin1String("none")};
+}
+
+int stationOption(const QCommandLineParser &parser)
+{
+    return numberOption(parser, optionName("station"), 0, HighestStation);
+}
+
+int blockLimitOption(const QCommandLineParser &parser)
+{
+    return numberOption(parser, optionName("block-limit"), 1, LongestBlock);
+}
+
+LoopSettings loopOptions(const QCommandLineParser &parser)
+{
+    LoopSettings loop;
+    loop.replyTimeout = timeOption(parser, "timeout", 1);
+    if (parser.isSet(optionName("quiet")))
+        loop.quietTime = timeOption(parser, "quiet", 1);
+    loop.listenFirst = timeOption(parser, "listen", 0);
+    return loop;
+}
+
 ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Identity &identity)
     : device(parser.value(optionName("port"))),
       server(parser.value(optionName("tcp"))),
@@ -90,14 +125,7 @@ ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Ide
         throw Failure(QStringLiteral("more than one line; expected --port, --tcp or --simulate"),
                       BadInput);
 
-    const QString serial = optionName("serial");
-    pace.settings =
-        SerialSettings::parse(parser.isSet(serial) ? parser.value(serial) : identity.serialLine);
-    const QString paceText = parser.value(optionName("pace"));
-    if (paceText != QLatin1String("line") && paceText != QLatin1String("none"))
-        throw Failure(QStringLiteral("--pace \"%1\": expected line or none").arg(paceText),
-                      BadInput);
-    pace.none = paceText == QLatin1String("none");
+    pace = paceOptions(parser, identity);
     simulatedBaud = pace.none ? 0 : pace.settings.baudRate;
 
     const QString baud = optionName("baud");
@@ -112,13 +140,10 @@ ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Ide
         if (!pace.none)
             pace.settings.baudRate = simulatedBaud;
     }
-    stationNo = numberOption(parser, optionName("station"), 0, HighestStation);
+    stationNo = stationOption(parser);
     session.retryLimit = numberOption(parser, optionName("retries"), 1, MostRetries);
-    session.blockLimit = numberOption(parser, optionName("block-limit"), 1, LongestBlock);
-    loop.replyTimeout = timeOption(parser, "timeout", 1);
-    if (parser.isSet(optionName("quiet")))
-        loop.quietTime = timeOption(parser, "quiet", 1);
-    loop.listenFirst = timeOption(parser, "listen", 0);
+    session.blockLimit = blockLimitOption(parser);
+    loop = loopOptions(parser);
 }
 
 }  // namespace host

@@ -15,8 +15,18 @@ namespace host {
 /** Reads a whole number from an option. Throws Failure (bad input) outside the range. */
 int numberOption(const QCommandLineParser &parser, const QString &name, int lowest, int highest);
 
-/** Adds --port, --tcp, --simulate and the others that ConnectionOptions reads. */
-void addConnectionOptions(QCommandLineParser &parser);
+/**
+ * Adds --port, --tcp, --simulate and the others that ConnectionOptions reads; or only those named,
+ * for commands with a line of their own or none, which then read them with the functions below.
+ */
+void addConnectionOptions(QCommandLineParser &parser, const QStringList &names = {});
+
+// Each throws Failure (bad input) that names the option and what was expected.
+SerialSettings serialOption(const QCommandLineParser &parser, const Identity &identity);
+LinePace paceOptions(const QCommandLineParser &parser, const Identity &identity);
+int stationOption(const QCommandLineParser &parser);
+int blockLimitOption(const QCommandLineParser &parser);
+LoopSettings loopOptions(const QCommandLineParser &parser);
 
 struct ConnectionOptions
 {

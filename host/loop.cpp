@@ -67,12 +67,14 @@ Loop::Loop(const Driver &driver, Line &line, const LoopSettings &settings)
 Outcome Loop::exchange()
 {
     if (!m_line.isOpen())
-        return Outcome::LineLost;
+        return m_exchange.outcome = Outcome::LineLost;
     if (m_driver.getSendFrame(&m_exchange.frame) == 0)
         return Outcome::Idle;
 
     // The driver offers a request again until it is answered or given up; a line that was opened
-    // again starts anew.
+    // again starts anew, and brings nothing from before.
+    if (m_exchange.outcome == Outcome::LineLost)
+        m_owed = m_restless = false;
     if (m_exchange.outcome != Outcome::Again)
         m_exchange.tries.clear();
     const QByteArray request = m_exchange.request();

@@ -56,8 +56,8 @@ _tolvane_host()
         fi
         ;;
     soak)
-        candidates="--exchanges --faults --seed --timeout --quiet --serial --port --tcp --overwrite
-            --json"
+        candidates="--exchanges --faults --seed --overwrite --port --tcp --serial --pace --timeout
+            --quiet --listen --json"
         ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates --driver --help" -- "$word")

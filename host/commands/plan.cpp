@@ -16,7 +16,6 @@ namespace host {
 namespace {
 
 constexpr int LongestTurnaroundMs = 10000;
-constexpr int HighestStation = 255;
 
 }  // namespace
 
@@ -31,20 +30,12 @@ int planCommand(const QStringList &arguments)
         QStringLiteral("tags"),
         QStringLiteral("A tag file (CSV: name,address,format), or addresses such as D_W:100x10."),
         QStringLiteral("TAGS..."));
-    const QCommandLineOption serial(
-        QStringLiteral("serial"),
-        QStringLiteral("Baud rate, data bits, parity, stop bits (default: the driver's)."),
-        QStringLiteral("settings"));
+    addConnectionOptions(commandLine, {QStringLiteral("serial"), QStringLiteral("station"),
+                                       QStringLiteral("block-limit")});
     const QCommandLineOption turnaround(
         QStringLiteral("turnaround"),
         QStringLiteral("What the controller takes from a request to its reply (default: 0)."),
         QStringLiteral("ms"), QStringLiteral("0"));
-    const QCommandLineOption blockLimit(QStringLiteral("block-limit"),
-                                        QStringLiteral("Words a request may span (default: 64)."),
-                                        QStringLiteral("words"), QStringLiteral("64"));
-    const QCommandLineOption station(QStringLiteral("station"),
-                                     QStringLiteral("The station number of the tags (default: 1)."),
-                                     QStringLiteral("n"), QStringLiteral("1"));
     const QCommandLineOption suggest(
         QStringLiteral("suggest"),
         QStringLiteral("Also find the block limit with the shortest cycle."));
@@ -54,7 +45,7 @@ int planCommand(const QStringList &arguments)
                        "instead of the text."),
         QStringLiteral("file"));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON object."));
-    commandLine.addOptions({serial, turnaround, blockLimit, station, suggest, svg, json});
+    commandLine.addOptions({turnaround, suggest, svg, json});
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList given = commandLine.positionalArguments().mid(1);
     if (given.isEmpty())
@@ -64,13 +55,13 @@ int planCommand(const QStringList &arguments)
     const Driver driver = loadDriver(commandLine.driverPath());
     const Identity identity = identify(driver);
     Plan plan;
-    plan.lineText = commandLine.isSet(serial) ? commandLine.value(serial) : identity.serialLine;
-    plan.line.serial = SerialSettings::parse(plan.lineText);
+    const QString serial = commandLine.value(QStringLiteral("serial"));
+    plan.lineText = serial.isEmpty() ? identity.serialLine : serial;
+    plan.line.serial = serialOption(commandLine, identity);
     plan.line.turnaround = std::chrono::milliseconds(
         numberOption(commandLine, QStringLiteral("turnaround"), 0, LongestTurnaroundMs));
-    plan.blockLimit = numberOption(commandLine, QStringLiteral("block-limit"), 1, LongestBlock);
-    plan.tags = parseTags(driver, identity, given,
-                          numberOption(commandLine, QStringLiteral("station"), 0, HighestStation));
+    plan.blockLimit = blockLimitOption(commandLine);
+    plan.tags = parseTags(driver, identity, given, stationOption(commandLine));
     QVector<Point> points;
     for (const Tag &tag : std::as_const(plan.tags))
         points.append(tag.point);

@@ -1,7 +1,9 @@
 // tolvane-host soak: random traffic on a line with faults, and a verdict.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
+#include "host/connection_options.h"
 #include "host/failure.h"
+#include "host/interrupt.h"
 #include "host/line/serial_line.h"
 #include "host/line/tcp_line.h"
 #include "host/line/virtual_line.h"
@@ -16,8 +18,6 @@
 namespace host {
 
 namespace {
-
-using std::chrono::milliseconds;
 
 const char DefaultFaults[] =
     "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s";
@@ -49,7 +49,7 @@ struct SoakRun
 {
     SoakSetup setup;
     qint64 requests = 0;
-    SerialSettings serial;
+    LinePace pace;
     plc::FaultPlan faults;  // of the simulated controller
     QString device;         // one of these two, or neither: simulated
     QString server;
@@ -66,7 +66,7 @@ int conclude(const SoakRun &run, const Soak &soak, const QString &controllerRepo
 int soakSimulated(const SoakRun &run, const Driver &driver, const Identity &identity)
 {
     VirtualSettings settings;
-    settings.line.baud = run.serial.baudRate;
+    settings.line.baud = run.pace.none ? 0 : run.pace.settings.baudRate;
     settings.faults = run.faults;
     settings.lostRequests = LostRequests;
     settings.seed = run.setup.seed;
@@ -88,6 +88,7 @@ int soakReal(const SoakRun &run, const Driver &driver, const Identity &identity,
 {
     if (!line.open())
         throw Failure(QStringLiteral("cannot open %1: %2").arg(run.setup.line, line.errorText()));
+    catchInterrupts();
     const QVector<Point> places = Soak::places();
     MemoryImage start;
     {
@@ -107,10 +108,8 @@ SoakRun readOptions(const CommandLine &commandLine, const Identity &identity)
     const auto given = [&](const char *option) { return commandLine.value(QLatin1String(option)); };
     run.requests = wholeNumber(commandLine, "exchanges", 1, 1000000000);
     run.setup.seed = quint32(wholeNumber(commandLine, "seed", 0, std::numeric_limits<int>::max()));
-    run.setup.loop.replyTimeout = milliseconds(wholeNumber(commandLine, "timeout", 1, 60000));
-    run.setup.loop.quietTime = milliseconds(wholeNumber(commandLine, "quiet", 0, 60000));
-    run.serial =
-        SerialSettings::parse(given("serial").isEmpty() ? identity.serialLine : given("serial"));
+    run.setup.loop = loopOptions(commandLine);
+    run.pace = paceOptions(commandLine, identity);
     run.device = given("port");
     run.server = given("tcp");
     run.asJson = commandLine.isSet(QStringLiteral("json"));
@@ -124,15 +123,19 @@ SoakRun readOptions(const CommandLine &commandLine, const Identity &identity)
         throw Failure(QStringLiteral("it would write at random to D 50-249, M 8-23 and TX 16-135 "
                                      "of that controller; expected --overwrite if it may"),
                       BadInput);
+    if (!run.device.isEmpty() && !run.server.isEmpty())
+        throw Failure(QStringLiteral("more than one line; expected --port or --tcp"), BadInput);
     if (isReal && commandLine.isSet(QStringLiteral("faults")))
         throw Failure(QStringLiteral("--faults: a real line has its own; expected neither --port "
                                      "nor --tcp beside it"),
                       BadInput);
     if (isReal)
         run.setup.faults = QStringLiteral("the line's own");
-    run.setup.line = isReal ? run.device + run.server
-                            : QStringLiteral("a simulated controller, in simulated time, %1 baud")
-                                  .arg(run.serial.baudRate);
+    run.setup.line =
+        isReal ? run.device + run.server
+               : QStringLiteral("a simulated controller, in simulated time, ") +
+                     (run.pace.none ? QStringLiteral("without a pace")
+                                    : QStringLiteral("%1 baud").arg(run.pace.settings.baudRate));
     return run;
 }
 
@@ -145,8 +148,13 @@ int soakCommand(const QStringList &arguments)
         QStringLiteral("Monitors, writes and reads at random through the driver, on a line whose "
                        "replies get lost,\nlate or damaged; then lets the line heal and proves the "
                        "end state. In simulated time, so it\ntakes as long as its computing and "
-                       "comes out the same for the same seed.\nExit status 0 only if the "
+                       "comes out the same for the same seed; with --port or --tcp a real line, in "
+                       "real time.\nExit status 0 only if the "
                        "controller's memory and all that was read are right."));
+    addConnectionOptions(
+        commandLine, {QStringLiteral("port"), QStringLiteral("tcp"), QStringLiteral("serial"),
+                      QStringLiteral("pace"), QStringLiteral("timeout"), QStringLiteral("quiet"),
+                      QStringLiteral("listen")});
     commandLine.addOptions({
         {QStringLiteral("exchanges"),
          QStringLiteral("Requests to send while the line is bad (default: 100000)."),
@@ -158,21 +166,6 @@ int soakCommand(const QStringList &arguments)
          QStringLiteral("list"), QLatin1String(DefaultFaults)},
         {QStringLiteral("seed"), QStringLiteral("Start of all dice (default: 1)."),
          QStringLiteral("n"), QStringLiteral("1")},
-        {QStringLiteral("timeout"),
-         QStringLiteral("How long the controller may think (default: 500)."), QStringLiteral("ms"),
-         QStringLiteral("500")},
-        {QStringLiteral("quiet"),
-         QStringLiteral("How much later than the time-out a reply may come (default: the "
-                        "time-out)."),
-         QStringLiteral("ms"), QStringLiteral("0")},
-        {QStringLiteral("serial"),
-         QStringLiteral("Settings of the line (default: the driver's own)."),
-         QStringLiteral("settings")},
-        {QStringLiteral("port"),
-         QStringLiteral("A real line, in real time: a serial port or pseudo-terminal."),
-         QStringLiteral("device")},
-        {QStringLiteral("tcp"), QStringLiteral("A real line, in real time: a device server."),
-         QStringLiteral("host:port")},
         {QStringLiteral("overwrite"),
          QStringLiteral("Allow random values in that controller: D 50-249, M 8-23, TX 16-135.")},
         {QStringLiteral("json"), QStringLiteral("Print the result as JSON.")},
@@ -184,11 +177,11 @@ int soakCommand(const QStringList &arguments)
     SoakRun run = readOptions(commandLine, identity);
     run.setup.driver = commandLine.driverPath();
     if (!run.server.isEmpty()) {
-        TcpLine line(run.server, {run.serial, false});
+        TcpLine line(run.server, run.pace);
         return soakReal(run, driver, identity, line);
     }
     if (!run.device.isEmpty()) {
-        SerialLine line(run.device, {run.serial, false});
+        SerialLine line(run.device, run.pace);
         return soakReal(run, driver, identity, line);
     }
     return soakSimulated(run, driver, identity);

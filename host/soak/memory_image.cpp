@@ -2,6 +2,7 @@
 #include "host/soak/memory_image.h"
 
 #include "host/failure.h"
+#include "host/interrupt.h"
 
 namespace host {
 
@@ -44,7 +45,10 @@ MemoryImage readImage(const Driver &driver, Session &session, Line &line,
     for (const Point &point : points) {
         session.restart();
         session.readOnce(point);
-        if (!loop.runUntilIdle(ReadPatience) || loop.counters().errors > 0)
+        const bool done = loop.runUntilIdle(ReadPatience);
+        if (interrupted())
+            throw Failure(QStringLiteral("interrupted while the controller's memory was read"));
+        if (!done || loop.counters().errors > 0)
             throw Failure(QStringLiteral("the controller's memory cannot be read: %1 of %2 words "
                                          "or bits from number %3 on")
                               .arg(point.regName)

@@ -2,6 +2,7 @@
 #include "host/soak/soak.h"
 
 #include "host/failure.h"
+#include "host/interrupt.h"
 
 #include <algorithm>
 
@@ -189,6 +190,10 @@ void Soak::transferRecipe(bool write)
 void Soak::exchange()
 {
     const Outcome outcome = m_loop.exchange();
+    if (interrupted())
+        throw Failure(QStringLiteral("interrupted after %1 requests: nothing is proved, and the "
+                                     "controller keeps what was written")
+                          .arg(m_counts.requests));
     if (outcome == Outcome::LineLost)
         throw Failure(QStringLiteral("the line to the controller was lost"));
     m_idle = outcome == Outcome::Idle ? m_idle + 1 : 0;

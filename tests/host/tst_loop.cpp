@@ -200,6 +200,7 @@ void TestLoop::lostLineKeepsTheRequest()
     line.open();
     Session session(m_driver, SessionSettings());
     session.readOnce(words("D_W", 100, 2));
+    session.readOnce(words("D_W", 200, 2));
     Loop loop(m_driver, line, LoopSettings());
     line.suspend();
     QCOMPARE(loop.exchange(), Outcome::Again);
@@ -209,7 +210,10 @@ void TestLoop::lostLineKeepsTheRequest()
     line.plugIn();
     line.resume();
     QVERIFY(line.open());
+    const LineTime back = line.now();
     QCOMPARE(loop.exchange(), Outcome::Good);
+    QCOMPARE(loop.exchange(), Outcome::Good);
+    QVERIFY(line.now() - back < milliseconds(100));  // and owes nothing
 }
 
 void TestLoop::traceShowsWhatWasRefused()
