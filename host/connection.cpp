@@ -67,6 +67,18 @@ void Connection::open(Purpose purpose)
         throw Failure(QStringLiteral("cannot open %1: %2").arg(m_place, m_line->errorText()));
 }
 
+QString Connection::tryToOpen(Purpose purpose)
+{
+    try {
+        open(purpose);
+    } catch (const Failure &failure) {
+        if (failure.status() == BadInput)
+            throw;
+        return QString::fromUtf8(failure.what());
+    }
+    return QString();
+}
+
 // What is under way on the line matters more than its record.
 void Connection::trace(const Exchange &exchange)
 {

@@ -35,6 +35,9 @@ public:
      */
     void open(Purpose purpose);
 
+    /** As open(), but returns why a line that is named could not be opened; empty: it is open. */
+    QString tryToOpen(Purpose purpose);
+
     const Driver &driver() const { return m_driver; }
     const Identity &identity() const { return m_identity; }
     int stationNo() const { return m_options.stationNo; }

@@ -15,6 +15,9 @@ constexpr std::chrono::seconds LostLinePatience(10);
 QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags,
                              const std::function<void(int, int, int)> &progress)
 {
+    const QString closed = connection.tryToOpen(Purpose::Reading);
+    if (!closed.isEmpty())
+        return QVector<TagReading>(tags.size(), {{}, closed});
     QVector<Point> points;
     int allUnits = 0;
     for (const Tag &tag : tags) {

@@ -18,9 +18,10 @@ struct TagReading
 };
 
 /**
- * Reads the tags over the open connection, which monitors nothing afterwards. progress is called
+ * Opens the connection and reads the tags; it monitors nothing afterwards. progress is called
  * after each block that was read: blocks so far, and words and bits so far of all. A line that
- * is lost and stays away is the error of all that was not read.
+ * cannot be opened, or is lost and stays away, is the error of all that was not read. Throws
+ * Failure (bad input) where no line is named.
  */
 QVector<TagReading> readTags(
     Connection &connection, const QVector<Tag> &tags,

@@ -7,7 +7,6 @@
 #include "host/tag_text.h"
 
 #include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QTextStream>
 
@@ -22,6 +21,45 @@ constexpr int LongestStep = 65535;
 constexpr int DoubleWordStep = -2;
 enum SeriesResult { UnknownType = 0, Complete = 1, Capped = 2 };
 
+int check(const CommandLine &commandLine)
+{
+    const QStringList addresses = commandLine.positionalArguments().mid(1);
+    if (addresses.isEmpty())
+        throw Failure(QStringLiteral("nothing to check; expected ADDRESS..."), BadInput);
+
+    const Driver driver = loadDriver(commandLine.driverPath());
+    const Identity identity = identify(driver);
+    QTextStream out(stdout);
+    QJsonArray array;
+    int refused = 0;
+    for (const TagText &text : collectTags(addresses)) {
+        const QString label = text.name.isEmpty() ? text.address : text.name;
+        QJsonObject object{{QStringLiteral("tag"), label},
+                           {QStringLiteral("address"), text.address}};
+        QString verdict;
+        try {
+            const Tag tag = parseTag(driver, identity, text, 1);
+            const Point &point = tag.point;
+            verdict = QStringLiteral("%1: valid, %2 from address number %3")
+                          .arg(label, countText(point.count, point.isBit ? "bit" : "word"))
+                          .arg(point.address);
+            object = tagObject(driver, tag);
+            object.insert(QStringLiteral("count"), point.count);
+        } catch (const Failure &failure) {
+            ++refused;
+            verdict = QString::fromUtf8(failure.what());
+            object.insert(QStringLiteral("reason"), verdict);
+        }
+        object.insert(QStringLiteral("source"), text.source);
+        if (!commandLine.asJson())
+            out << verdict << '\n';
+        array.append(object);
+    }
+    if (commandLine.asJson())
+        printJson(QJsonDocument(array));
+    return refused == 0 ? AllRight : SomethingFailed;
+}
+
 }  // namespace
 
 int checkCommand(const QStringList &arguments)
@@ -34,45 +72,11 @@ int checkCommand(const QStringList &arguments)
         QStringLiteral("addresses"),
         QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
         QStringLiteral("ADDRESS..."));
-    const QCommandLineOption json(QStringLiteral("json"),
-                                  QStringLiteral("Print a JSON array, an object an address."));
-    commandLine.addOption(json);
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    const QStringList addresses = commandLine.positionalArguments().mid(1);
-    if (addresses.isEmpty())
-        throw Failure(QStringLiteral("nothing to check; expected ADDRESS..."), BadInput);
-
-    const Driver driver = loadDriver(commandLine.driverPath());
-    const Identity identity = identify(driver);
-    QTextStream out(stdout);
-    QJsonArray array;
-    int refused = 0;
-    for (const TagText &text : collectTags(addresses)) {
-        const QString label = text.name.isEmpty() ? text.address : text.name;
-        QJsonObject object{{QStringLiteral("name"), label},
-                           {QStringLiteral("source"), text.source}};
-        QString verdict;
-        try {
-            const Tag tag = parseTag(driver, identity, text, 0);
-            const Point &point = tag.point;
-            verdict = QStringLiteral("%1: valid, %2 from address number %3")
-                          .arg(label, countText(point.count, point.isBit ? "bit" : "word"))
-                          .arg(point.address);
-            object.insert(QStringLiteral("address"), addressText(driver, tag));
-            object.insert(QStringLiteral("number"), point.address);
-            object.insert(QStringLiteral("units"), point.count);
-        } catch (const Failure &failure) {
-            ++refused;
-            verdict = QString::fromUtf8(failure.what());
-            object.insert(QStringLiteral("error"), verdict);
-        }
-        if (!commandLine.isSet(json))
-            out << verdict << '\n';
-        array.append(object);
-    }
-    if (commandLine.isSet(json))
-        out << QJsonDocument(array).toJson();
-    return refused == 0 ? AllRight : SomethingFailed;
+    commandLine.addJsonOption("Print a JSON array, an object an address.");
+    return withJsonAlways(arguments, JsonForm::Array, [&] {
+        commandLine.read(arguments, std::numeric_limits<int>::max());
+        return check(commandLine);
+    });
 }
 
 int seriesCommand(const QStringList &arguments)
@@ -91,8 +95,8 @@ int seriesCommand(const QStringList &arguments)
         QStringLiteral("Address numbers from one to the next; -1 is one 16-bit value, -2 one "
                        "32-bit value (default: 1)."),
         QStringLiteral("s"), QStringLiteral("1"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON array."));
-    commandLine.addOptions({count, step, json});
+    commandLine.addOptions({count, step});
+    commandLine.addJsonOption("Print a JSON array.");
     commandLine.read(arguments, 1);
     if (commandLine.positionalArguments().size() < 2)
         throw Failure(QStringLiteral("no address given; expected ADDRESS, such as D_W:100"),
@@ -110,13 +114,13 @@ int seriesCommand(const QStringList &arguments)
         driver.multiCopy(first.regName, first.address, wanted, distance, texts, numbers);
 
     QTextStream out(stdout);
-    if (commandLine.isSet(json)) {
+    if (commandLine.asJson()) {
         QJsonArray array;
         for (int i = 0; i < int(texts.size()); ++i)
             array.append(QJsonObject{
                 {QStringLiteral("address"), first.regName + QLatin1Char(':') + texts[i]},
                 {QStringLiteral("number"), numbers[i]}});
-        out << QJsonDocument(array).toJson();
+        printJson(QJsonDocument(array));
     } else {
         Table table({{Table::Left, 0, 0}, {}});
         for (int i = 0; i < int(texts.size()); ++i)

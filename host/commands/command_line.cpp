@@ -3,8 +3,10 @@
 
 #include "host/failure.h"
 #include "host/neighbours.h"
+#include "host/tag_text.h"
 
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTextStream>
 
 namespace host {
 
@@ -54,9 +56,41 @@ QStringList CommandLine::tagFiles() const
     return values(QStringLiteral("tags"));
 }
 
+void CommandLine::addJsonOption(const char *help)
+{
+    addOption(QCommandLineOption(QStringLiteral("json"), QLatin1String(help)));
+}
+
+bool CommandLine::asJson() const
+{
+    return isSet(QStringLiteral("json"));
+}
+
 QString CommandLine::driverPath() const
 {
     return isSet(m_driver) ? value(m_driver) : findDriver();
+}
+
+void printJson(const QJsonDocument &document)
+{
+    QTextStream(stdout) << document.toJson();
+}
+
+int withJsonAlways(const QStringList &arguments, JsonForm form, const std::function<int()> &run)
+{
+    try {
+        return run();
+    } catch (const Failure &failure) {
+        const QJsonObject object{{QStringLiteral("quality"), QStringLiteral("bad")},
+                                 {QStringLiteral("reason"), QString::fromUtf8(failure.what())}};
+        if (!arguments.contains(QStringLiteral("--json")))
+            throw;
+        if (form == JsonForm::Lines)
+            QTextStream(stdout) << jsonLine(object);
+        else
+            printJson(QJsonDocument(QJsonArray{object}));
+        throw;
+    }
 }
 
 }  // namespace host

@@ -3,6 +3,9 @@
 #define TOLVANE_HOST_COMMAND_LINE_H
 
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QJsonDocument>
+
+#include <functional>
 
 namespace host {
 
@@ -22,6 +25,10 @@ public:
     void addTagFileOption();
     QStringList tagFiles() const;
 
+    /** Declares --json; the help says what it prints. */
+    void addJsonOption(const char *help);
+    bool asJson() const;
+
     /** The driver library to load: --driver, or the one beside the program. */
     QString driverPath() const;
 
@@ -30,6 +37,17 @@ private:
     QCommandLineOption m_driver;
     QCommandLineOption m_help;
 };
+
+/** Prints it on standard output, over several lines. */
+void printJson(const QJsonDocument &document);
+
+enum class JsonForm { Array, Lines };
+
+/**
+ * Runs a command. One that throws Failure before it has printed anything still gives a program that
+ * reads along JSON, if --json is among the arguments: an object with the reason.
+ */
+int withJsonAlways(const QStringList &arguments, JsonForm form, const std::function<int()> &run);
 
 }  // namespace host
 

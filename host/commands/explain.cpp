@@ -102,9 +102,8 @@ int explainCommand(const QStringList &arguments)
     const QCommandLineOption wrong(QStringLiteral("wrong"),
                                    QStringLiteral("Print only frames that are wrong, and the "
                                                   "requests of wrong replies."));
-    const QCommandLineOption json(QStringLiteral("json"),
-                                  QStringLiteral("Print a JSON array, an object a frame."));
-    commandLine.addOptions({wrong, json});
+    commandLine.addOptions({wrong});
+    commandLine.addJsonOption("Print a JSON array, an object a frame.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     QStringList given = commandLine.positionalArguments().mid(1);
     if (given.isEmpty() && ::isatty(STDIN_FILENO) == 0)
@@ -121,7 +120,7 @@ int explainCommand(const QStringList &arguments)
     QTextStream out(stdout);
     QJsonArray array;
     const auto show = [&](const ExplainedFrame &frame) {
-        if (commandLine.isSet(json))
+        if (commandLine.asJson())
             array.append(toJson(frame));
         else
             print(frame, out);
@@ -140,8 +139,8 @@ int explainCommand(const QStringList &arguments)
         shownRequest = std::max(shownRequest, frame.request);
         show(frame);
     }
-    if (commandLine.isSet(json))
-        out << QJsonDocument(array).toJson();
+    if (commandLine.asJson())
+        printJson(QJsonDocument(array));
     else
         out << countText(frames.size(), "frame") << ", "
             << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong\n";

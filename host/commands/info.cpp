@@ -61,15 +61,14 @@ int infoCommand(const QStringList &arguments)
         QStringLiteral("info"),
         QStringLiteral("The driver's name and version, its default line, and its register types.\n"
                        "A pattern has a letter for each digit: D is a decimal one."));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON object."));
-    commandLine.addOption(json);
+    commandLine.addJsonOption("Print a JSON object.");
     commandLine.read(arguments);
 
     const QString path = commandLine.driverPath();
     const Identity identity = identify(loadDriver(path));
     QTextStream out(stdout);
-    if (commandLine.isSet(json))
-        out << QJsonDocument(toJson(identity)).toJson();
+    if (commandLine.asJson())
+        printJson(QJsonDocument(toJson(identity)));
     else
         print(identity, path, out);
     return AllRight;

@@ -44,8 +44,8 @@ int planCommand(const QStringList &arguments)
         QStringLiteral("Draw the cycle into this file; - draws it to standard output, "
                        "instead of the text."),
         QStringLiteral("file"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print a JSON object."));
-    commandLine.addOptions({turnaround, suggest, svg, json});
+    commandLine.addOptions({turnaround, suggest, svg});
+    commandLine.addJsonOption("Print a JSON object.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList given = commandLine.positionalArguments().mid(1);
     if (given.isEmpty())
@@ -81,8 +81,8 @@ int planCommand(const QStringList &arguments)
     if (commandLine.value(svg) == QLatin1String("-"))
         return AllRight;
     QTextStream out(stdout);
-    if (commandLine.isSet(json))
-        out << QJsonDocument(planToJson(driver, plan)).toJson();
+    if (commandLine.asJson())
+        printJson(QJsonDocument(planToJson(driver, plan)));
     else
         printPlan(driver, plan, out);
     return AllRight;

@@ -6,7 +6,6 @@
 #include "host/tag_reader.h"
 #include "host/tag_text.h"
 
-#include <QtCore/QJsonDocument>
 #include <QtCore/QTextStream>
 
 #include <limits>
@@ -15,24 +14,7 @@ namespace host {
 
 namespace {
 
-void print(const QJsonArray &array)
-{
-    QTextStream(stdout) << QJsonDocument(array).toJson();
-}
-
-QVector<TagReading> readAll(Connection &connection, const QVector<Tag> &tags)
-{
-    try {
-        connection.open(Purpose::Reading);
-    } catch (const Failure &failure) {
-        if (failure.status() == BadInput)
-            throw;
-        return QVector<TagReading>(tags.size(), {{}, QString::fromUtf8(failure.what())});
-    }
-    return readTags(connection, tags);
-}
-
-int read(const CommandLine &commandLine, bool asJson)
+int read(const CommandLine &commandLine)
 {
     const QStringList addresses = commandLine.positionalArguments().mid(1);
     if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
@@ -42,7 +24,7 @@ int read(const CommandLine &commandLine, bool asJson)
     const QVector<Tag> tags = parseTags(connection.driver(), connection.identity(), addresses,
                                         connection.stationNo(), commandLine.tagFiles());
     const TagColumns columns(connection.driver(), tags);
-    const QVector<TagReading> readings = readAll(connection, tags);
+    const QVector<TagReading> readings = readTags(connection, tags);
 
     QTextStream out(stdout);
     QTextStream err(stderr);
@@ -55,14 +37,14 @@ int read(const CommandLine &commandLine, bool asJson)
         if (!error.isEmpty()) {
             ++failed;
             err << "tolvane-host: " << tag.name << ": " << error << '\n' << Qt::flush;
-        } else if (!asJson) {
+        } else if (!commandLine.asJson()) {
             out << columns.text(tag) << "  "
                 << valuesText(tag, formatValues(tag, readings[i].units)) << '\n'
                 << Qt::flush;
         }
     }
-    if (asJson)
-        print(array);
+    if (commandLine.asJson())
+        printJson(QJsonDocument(array));
     return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
@@ -79,20 +61,11 @@ int readCommand(const QStringList &arguments)
         QStringLiteral("ADDRESS..."));
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
-    const QCommandLineOption json(QStringLiteral("json"),
-                                  QStringLiteral("Print a JSON array, an object a tag."));
-    commandLine.addOption(json);
-    // A program that reads along gets JSON even of a command line that is refused.
-    const bool asJson = arguments.contains(QStringLiteral("--json"));
-    try {
+    commandLine.addJsonOption("Print a JSON array, an object a tag.");
+    return withJsonAlways(arguments, JsonForm::Array, [&] {
         commandLine.read(arguments, std::numeric_limits<int>::max());
-        return read(commandLine, asJson);
-    } catch (const Failure &failure) {
-        if (asJson)
-            print({QJsonObject{{QStringLiteral("quality"), QStringLiteral("bad")},
-                               {QStringLiteral("reason"), QString::fromUtf8(failure.what())}}});
-        throw;
-    }
+        return read(commandLine);
+    });
 }
 
 }  // namespace host

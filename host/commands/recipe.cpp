@@ -94,21 +94,34 @@ int pull(Connection &connection, const QString &path, const QStringList &address
 {
     QVector<RecipeLine> lines = linesToPull(connection, path, addresses, tagFiles);
     const RecipeTransfer pushable(connection, tagsOf(lines));  // throws where a push would
-    connection.open(Purpose::Reading);
     const ProgressBar bar(QStringLiteral("pull"));
     const QVector<TagReading> readings = readTags(connection, tagsOf(lines), bar.progress());
     JsonLines json;
     for (int i = 0; asJson && i < int(lines.size()); ++i)
         json.write(readingObject(connection, lines[i].tag, readings[i]));
     for (int i = 0; i < int(lines.size()); ++i) {
-        if (!readings[i].error.isEmpty())
-            throw Failure(QStringLiteral("%1: %2; %3 stays as it was")
-                              .arg(lines[i].address, readings[i].error, path));
+        if (!readings[i].error.isEmpty()) {
+            QTextStream(stderr) << "tolvane-host: " << lines[i].address << ": " << readings[i].error
+                                << "; nothing was written\n";
+            return SomethingFailed;
+        }
         lines[i].values = joinedValues(lines[i].tag, readings[i].units);
     }
     if (!asJson || path != QLatin1String("-"))
         writeRecipeFile(path, lines);
     return connection.traceFailed() ? SomethingFailed : AllRight;
+}
+
+QVector<QVector<int>> pushAndRead(RecipeTransfer &transfer, const QVector<QVector<int>> &values)
+{
+    {
+        const ProgressBar bar(QStringLiteral("push"));
+        transfer.progress = bar.progress();
+        transfer.write(values);
+    }
+    const ProgressBar bar(QStringLiteral("check"));
+    transfer.progress = bar.progress();
+    return transfer.read();
 }
 
 int push(Connection &connection, const QString &path, bool asJson)
@@ -119,17 +132,16 @@ int push(Connection &connection, const QString &path, bool asJson)
     for (const RecipeLine &line : lines)
         wanted.append(parseValues(line.tag, line.values));
     RecipeTransfer transfer(connection, tagsOf(lines));
-    connection.open(Purpose::Writing);
-    {
-        const ProgressBar bar(QStringLiteral("push"));
-        transfer.progress = bar.progress();
-        transfer.write(wanted);
-    }
-    QVector<QVector<int>> found;
-    {
-        const ProgressBar bar(QStringLiteral("check"));
-        transfer.progress = bar.progress();
-        found = transfer.read();
+    QVector<QVector<int>> found(lines.size());
+    QString failure;
+    try {
+        connection.open(Purpose::Writing);
+        found = pushAndRead(transfer, wanted);
+    } catch (const Failure &thrown) {
+        if (!asJson || thrown.status() == BadInput)
+            throw;
+        failure = QString::fromUtf8(thrown.what());
+        QTextStream(stderr) << "tolvane-host: " << failure << '\n';
     }
 
     QTextStream out(stdout);
@@ -140,7 +152,7 @@ int push(Connection &connection, const QString &path, bool asJson)
         const bool alike = found[i] == wanted[i];
         differing += alike ? 0 : 1;
         if (asJson) {
-            QJsonObject object = readingObject(connection, tag, {found[i], QString()});
+            QJsonObject object = readingObject(connection, tag, {found[i], failure});
             object.insert(QStringLiteral("wanted"), valueArray(formatValues(tag, wanted[i])));
             object.insert(QStringLiteral("alike"), alike);
             json.write(object);
@@ -154,6 +166,29 @@ int push(Connection &connection, const QString &path, bool asJson)
         out << lines.size() - differing << " of " << lines.size()
             << " addresses written and read back alike\n";
     return differing == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
+}
+
+int recipe(const CommandLine &commandLine)
+{
+    const QStringList given = commandLine.positionalArguments().mid(1);
+    const QString direction = given.value(0);
+    const QString path = given.value(1);
+    const QStringList addresses = given.mid(2);
+    const bool isPush = direction == QLatin1String("push");
+    if (!isPush && direction != QLatin1String("pull"))
+        throw Failure(QStringLiteral("recipe \"%1\": expected pull or push").arg(direction),
+                      BadInput);
+    if (path.isEmpty())
+        throw Failure(QStringLiteral("no recipe file given; expected %1 FILE").arg(direction),
+                      BadInput);
+    const QStringList unasked = addresses + commandLine.tagFiles();
+    if (isPush && !unasked.isEmpty())
+        throw Failure(QStringLiteral("unexpected \"%1\": push takes its addresses from the file")
+                          .arg(unasked.first()),
+                      BadInput);
+    Connection connection(commandLine);
+    return isPush ? push(connection, path, commandLine.asJson())
+                  : pull(connection, path, addresses, commandLine.tagFiles(), commandLine.asJson());
 }
 
 }  // namespace
@@ -176,32 +211,12 @@ int recipeCommand(const QStringList &arguments)
         QStringLiteral("[ADDRESS...]"));
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
-    const QCommandLineOption json(
-        QStringLiteral("json"),
-        QStringLiteral("Print what the controller holds as a line of JSON for each address."));
-    commandLine.addOption(json);
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-
-    const QStringList given = commandLine.positionalArguments().mid(1);
-    const QString direction = given.value(0);
-    const QString path = given.value(1);
-    const QStringList addresses = given.mid(2);
-    const bool isPush = direction == QLatin1String("push");
-    if (!isPush && direction != QLatin1String("pull"))
-        throw Failure(QStringLiteral("recipe \"%1\": expected pull or push").arg(direction),
-                      BadInput);
-    if (path.isEmpty())
-        throw Failure(QStringLiteral("no recipe file given; expected %1 FILE").arg(direction),
-                      BadInput);
-    const QStringList unasked = addresses + commandLine.tagFiles();
-    if (isPush && !unasked.isEmpty())
-        throw Failure(QStringLiteral("unexpected \"%1\": push takes its addresses from the file")
-                          .arg(unasked.first()),
-                      BadInput);
-    Connection connection(commandLine);
-    const bool asJson = commandLine.isSet(json);
-    return isPush ? push(connection, path, asJson)
-                  : pull(connection, path, addresses, commandLine.tagFiles(), asJson);
+    commandLine.addJsonOption(
+        "Print what the controller holds as a line of JSON for each address.");
+    return withJsonAlways(arguments, JsonForm::Lines, [&] {
+        commandLine.read(arguments, std::numeric_limits<int>::max());
+        return recipe(commandLine);
+    });
 }
 
 }  // namespace host

@@ -112,7 +112,7 @@ SoakRun readOptions(const CommandLine &commandLine, const Identity &identity)
     run.pace = paceOptions(commandLine, identity);
     run.device = given("port");
     run.server = given("tcp");
-    run.asJson = commandLine.isSet(QStringLiteral("json"));
+    run.asJson = commandLine.asJson();
     run.setup.faults = given("faults");
     const QString wrong = plc::FaultPlan::parse(run.setup.faults, &run.faults);
     if (!wrong.isEmpty())
@@ -168,8 +168,8 @@ int soakCommand(const QStringList &arguments)
          QStringLiteral("n"), QStringLiteral("1")},
         {QStringLiteral("overwrite"),
          QStringLiteral("Allow random values in that controller: D 50-249, M 8-23, TX 16-135.")},
-        {QStringLiteral("json"), QStringLiteral("Print the result as JSON.")},
     });
+    commandLine.addJsonOption("Print the result as JSON.");
     commandLine.read(arguments);
 
     const Driver driver = loadDriver(commandLine.driverPath());

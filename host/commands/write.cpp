@@ -5,7 +5,6 @@
 #include "host/failure.h"
 #include "host/tag_text.h"
 
-#include <QtCore/QJsonDocument>
 #include <QtCore/QTextStream>
 
 #include <limits>
@@ -116,6 +115,52 @@ QJsonObject objectOf(const Driver &driver, const Assignment &assignment, const R
     return object;
 }
 
+int write(const CommandLine &commandLine)
+{
+    const QStringList given = commandLine.positionalArguments().mid(1);
+    if (given.isEmpty())
+        throw Failure(QStringLiteral("nothing to write; expected ADDRESS=VALUE..."), BadInput);
+
+    Connection connection(commandLine);
+    const Driver &driver = connection.driver();
+    const QVector<Assignment> assignments = parseAssignments(connection, given);
+    QVector<Tag> tags;
+    for (const Assignment &assignment : assignments)
+        tags.append(assignment.tag);
+    const TagColumns columns(driver, tags);
+    const QString closed = connection.tryToOpen(Purpose::Writing);
+    if (!closed.isEmpty() && !commandLine.asJson())
+        throw Failure(closed);
+
+    QTextStream out(stdout);
+    QJsonArray array;
+    int failed = 0;
+    for (const Assignment &assignment : assignments) {
+        const Result result =
+            !closed.isEmpty() ? Result{{}, closed}
+            : connection.line().isOpen()
+                ? carry(connection, assignment)
+                : Result{{}, QStringLiteral("not sent: %1").arg(connection.line().errorText())};
+        failed += result.failure.isEmpty() ? 0 : 1;
+        array.append(objectOf(driver, assignment, result));
+        if (commandLine.asJson()) {
+            if (!result.failure.isEmpty())
+                QTextStream(stderr)
+                    << "tolvane-host: " << assignment.tag.name << ": " << result.failure << '\n';
+            continue;
+        }
+        out << columns.text(assignment.tag) << " = "
+            << formatValues(assignment.tag, assignment.units).join(QLatin1String(", ")) << "  "
+            << (result.failure.isEmpty() ? QStringLiteral("acknowledged")
+                                         : QLatin1String("FAILED: ") + result.failure)
+            << '\n'
+            << Qt::flush;
+    }
+    if (commandLine.asJson())
+        printJson(QJsonDocument(array));
+    return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
+}
+
 }  // namespace
 
 int writeCommand(const QStringList &arguments)
@@ -129,46 +174,11 @@ int writeCommand(const QStringList &arguments)
         QStringLiteral("Such as D_W:100=5, M_bit:20.5=1, D_W:100x3=1,2,3 or D_W:200:float=1.5."),
         QStringLiteral("ADDRESS=VALUE..."));
     addConnectionOptions(commandLine);
-    const QCommandLineOption json(QStringLiteral("json"),
-                                  QStringLiteral("Print a JSON array, an object a tag."));
-    commandLine.addOption(json);
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    const QStringList given = commandLine.positionalArguments().mid(1);
-    if (given.isEmpty())
-        throw Failure(QStringLiteral("nothing to write; expected ADDRESS=VALUE..."), BadInput);
-
-    Connection connection(commandLine);
-    const Driver &driver = connection.driver();
-    const QVector<Assignment> assignments = parseAssignments(connection, given);
-    QVector<Tag> tags;
-    for (const Assignment &assignment : assignments)
-        tags.append(assignment.tag);
-    const TagColumns columns(driver, tags);
-    const bool asJson = commandLine.isSet(json);
-    connection.open(Purpose::Writing);
-
-    QTextStream out(stdout);
-    QJsonArray array;
-    int failed = 0;
-    for (const Assignment &assignment : assignments) {
-        const Result result =
-            connection.line().isOpen()
-                ? carry(connection, assignment)
-                : Result{{}, QStringLiteral("not sent: %1").arg(connection.line().errorText())};
-        failed += result.failure.isEmpty() ? 0 : 1;
-        array.append(objectOf(driver, assignment, result));
-        if (asJson)
-            continue;
-        out << columns.text(assignment.tag) << " = "
-            << formatValues(assignment.tag, assignment.units).join(QLatin1String(", ")) << "  "
-            << (result.failure.isEmpty() ? QStringLiteral("acknowledged")
-                                         : QLatin1String("FAILED: ") + result.failure)
-            << '\n'
-            << Qt::flush;
-    }
-    if (asJson)
-        out << QJsonDocument(array).toJson();
-    return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
+    commandLine.addJsonOption("Print a JSON array, an object a tag.");
+    return withJsonAlways(arguments, JsonForm::Array, [&] {
+        commandLine.read(arguments, std::numeric_limits<int>::max());
+        return write(commandLine);
+    });
 }
 
 }  // namespace host

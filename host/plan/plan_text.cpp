@@ -2,6 +2,7 @@
 #include "host/plan/plan_text.h"
 
 #include "host/table.h"
+#include "host/tag_text.h"
 
 #include <QtCore/QJsonArray>
 
@@ -130,14 +131,13 @@ QJsonObject toJson(const Driver &driver, const Plan &plan, const Block &block)
     QJsonArray names;
     for (const int index : block.tags)
         names.append(plan.tags[index].name);
-    return {{QStringLiteral("block"), pointText(driver, block.point)},
-            {QStringLiteral("station"), block.point.stationNo},
-            {QStringLiteral("words"), block.words},
-            {QStringLiteral("bridged"), block.bridgedCount()},
-            {QStringLiteral("requestBytes"), block.requestBytes},
-            {QStringLiteral("replyBytes"), block.replyBytes},
-            {QStringLiteral("wireMs"), milliseconds(plan.line.wireTime(block.bytes()))},
-            {QStringLiteral("tags"), names}};
+    QJsonObject object = blockObject(driver, block.point, namesStations(plan.tags));
+    object.insert(QStringLiteral("bridged"), block.bridgedCount());
+    object.insert(QStringLiteral("requestBytes"), block.requestBytes);
+    object.insert(QStringLiteral("replyBytes"), block.replyBytes);
+    object.insert(QStringLiteral("wireMs"), milliseconds(plan.line.wireTime(block.bytes())));
+    object.insert(QStringLiteral("tags"), names);
+    return object;
 }
 
 }  // namespace

@@ -188,8 +188,9 @@ void TestHost::command_data()
         " 1/M_W:17 .*  M_W:17\n.* 1/D_W:2x4 .*  D_W:5, 1/D_W:2\n.* 2/M_W:16 .*  2/M_bit:16\\.0\n"
         ".* 2/D_W:1 .*  2/D_W:1\n");
     row("plan in JSON", {"plan", "--json", tags, "D_W:106x2:uint32"}, 0,
-        "\"block\": \"M_W:20\"[^}]*\"lamp\"[^$]*\"block\": \"D_W:100x10\",\\s+\"bridged\": 4,[^}]*"
-        "\"station\": 1,\\s+\"tags\": \\[\\s+\"level\",\\s+\"D_W:106x2:uint32\"[^$]*"
+        "\"address\": \"M_W:20\"[^}]*\"lamp\"[^$]*\"address\": \"D_W:100\",\\s+\"bridged\": 4,"
+        "\\s+\"count\": 10,[^}]*\"station\": 1,\\s+\"tags\": "
+        "\\[\\s+\"level\",\\s+\"D_W:106x2:uint32\"[^$]*"
         "\"requestPerTag\": \\{[^}]*\"requests\": 3");
     refused("draw into nowhere", {"plan", "D_W:5", "--svg", "/nowhere/plan.svg"},
             "/nowhere/plan\\.svg: No such file");

@@ -97,8 +97,9 @@ void TestOnline::command_data()
         "D_W:100: no reply to 2 requests of 60 ms each\n.*D_W:900: no reply");
     row("read D_W:300", "--tcp 0", 0, "  30\n");
     row("read M_bit:20.5 --simulate", NoLine, 0, "^M_bit:20\\.5  0\n$", "a simulated controller");
-    row("read D_W:1 --port /nowhere/tty --json", NoLine, 1,
-        "\"quality\": \"bad\",\\s*\"reason\": \"cannot open /nowhere/tty", "open /nowhere/tty");
+    for (const char *command : {"read D_W:1", "write D_W:1=2", "recipe push @moving.csv"})
+        row(qPrintable(QString("%1 --port /nowhere/tty --json").arg(command)), NoLine, 1,
+            "\"address\": ?\"D_W:1[^$]*\"reason\": ?\"cannot open /nowhere/tty", "/nowhere/tty");
     row("read level=2/D_W:110:float --json", Ready, 0,
         "\"address\": \"2/D_W:110\",\\s*\"number\": 110,\\s*\"quality\": \"good\",\\s*\"station\": "
         "2,"
