@@ -244,8 +244,8 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
     in.take();
     const int dataBytes = std::max(0, int(frame.size()) - ReplyFraming);
     if (known && dataBytes != asked.words * 4 * (asked.command == 'r'))
-        in.fail(in.position(),
-                QStringLiteral("%1 bytes of data do not answer this request").arg(dataBytes));
+        in.fail(in.position(), countText(dataBytes, "byte") +
+                                   QLatin1String(" of data: not the answer to this request"));
     if (dataBytes % 4)
         in.fail(in.position(), QStringLiteral("%1 bytes of data are no words").arg(dataBytes));
     for (int i = 0; i < dataBytes / 4 && in.good(); ++i)

@@ -58,19 +58,20 @@ QString groupOf(const QByteArray &path)
 QString portDevice(const QString &name)
 {
     const QFileInfo here(name);  // a link whose device has gone is one, too
+    const QFileInfo inDev(DeviceFolder + name);
     const bool isHere =
-        name.contains(QLatin1Char('/')) ||
-        ((here.exists() || here.isSymLink()) && !QFileInfo::exists(DeviceFolder + name));
-    return isHere ? QDir::cleanPath(here.absoluteFilePath()) : name;
+        name.contains(QLatin1Char('/')) || ((here.exists() || here.isSymLink()) && !inDev.exists());
+    const QFileInfo &file = isHere ? here : inDev;
+    const QString device = file.canonicalFilePath();
+    return device.isEmpty() ? QDir::cleanPath(file.absoluteFilePath()) : device;
 }
 
-QString portTrouble(const QString &device, const QString &said)
+QString portTrouble(const QString &file, const QString &said)
 {
-    const QString file = device.contains(QLatin1Char('/')) ? device : DeviceFolder + device;
     const QByteArray path = QFile::encodeName(file);
     if (::access(path.constData(), F_OK) != 0)
         return QFileInfo(file).isSymLink()
-                   ? QStringLiteral("the device has gone that %1 leads to").arg(file)
+                   ? QStringLiteral("the device that %1 leads to has gone").arg(file)
                    : QStringLiteral("there is no device %1").arg(file);
     if (::access(path.constData(), R_OK | W_OK) != 0)
         return QStringLiteral(

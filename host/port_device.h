@@ -6,14 +6,19 @@
 
 namespace host {
 
-/** Where a port lies: "ttyS1" in /dev, any other file where it is, as an absolute path. */
+/**
+ * The path of a port's device: "ttyS1" in /dev, any other file where it is. Links are followed, for
+ * locks go by the path and must be the same under every name; of a link that leads nowhere, its
+ * own.
+ */
 QString portDevice(const QString &name);
 
 /**
- * Why the device could not be opened, or was lost: it is not there, another program holds it (which
- * lock says so), or its group's members alone may open it. Otherwise the text that was said of it.
+ * Why the device of that path could not be opened, or was lost: it is not there, another program
+ * holds it (which lock says so), or its group's members alone may open it. Otherwise the text that
+ * was said of it.
  */
-QString portTrouble(const QString &device, const QString &said);
+QString portTrouble(const QString &file, const QString &said);
 
 }  // namespace host
 

@@ -1,6 +1,8 @@
 // The words for what went wrong with a reply.
 #include "host/reply_fault.h"
 
+#include "host/table.h"
+
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -51,9 +53,13 @@ QString ReplyFault::text() const
         case NoReply:
             return QStringLiteral("no reply within %1").arg(milliseconds(waited));
         case TooShort:
-            return QStringLiteral("too short: %1 bytes instead of %2").arg(got).arg(expected);
+            return QStringLiteral("too short: %1 instead of %2")
+                .arg(countText(got, "byte"))
+                .arg(expected);
         case TooLong:
-            return QStringLiteral("too long: %1 bytes instead of %2").arg(got).arg(expected);
+            return QStringLiteral("too long: %1 instead of %2")
+                .arg(countText(got, "byte"))
+                .arg(expected);
         case Checksum:
             return QStringLiteral("wrong checksum: %1 instead of %2")
                 .arg(hexByte(got), hexByte(expected));

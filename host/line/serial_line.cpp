@@ -5,13 +5,21 @@
 
 namespace host {
 
-SerialLine::SerialLine(const QString &device, const LinePace &pace) : DeviceLine(m_port, pace)
+SerialLine::SerialLine(const QString &device, const LinePace &pace)
+    : DeviceLine(m_port, pace), m_name(device)
 {
-    m_port.setPortName(portDevice(device));
     m_port.setBaudRate(pace.settings.baudRate);
     m_port.setDataBits(pace.settings.dataBits);
     m_port.setParity(pace.settings.parity);
     m_port.setStopBits(pace.settings.stopBits);
+}
+
+// A link may lead to another device by now.
+bool SerialLine::openDevice()
+{
+    m_device = portDevice(m_name);
+    m_port.setPortName(m_device);
+    return m_port.open(QIODevice::ReadWrite);
 }
 
 // Every failure but a time-out means that the device has gone; an unplugged one may report end of
@@ -28,7 +36,7 @@ bool SerialLine::timedOut()
 QString SerialLine::deviceError() const
 {
     return m_port.isOpen() ? QStringLiteral("the device has gone")
-                           : portTrouble(m_port.portName(), m_port.errorString());
+                           : portTrouble(m_device, m_port.errorString());
 }
 
 }  // namespace host

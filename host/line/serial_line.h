@@ -15,11 +15,13 @@ public:
     bool isOpen() const override { return m_port.isOpen(); }
 
 private:
-    bool openDevice() override { return m_port.open(QIODevice::ReadWrite); }
+    bool openDevice() override;
     void closeDevice() override { m_port.close(); }
     bool timedOut() override;
     QString deviceError() const override;
 
+    QString m_name;
+    QString m_device;  // the path that the name led to when it was opened
     QSerialPort m_port;
 };
 

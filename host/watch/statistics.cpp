@@ -34,14 +34,17 @@ QStringList heading(const char *first)
 
 QStringList row(const QString &first, const ExchangeStatistics &statistics, LineTime now)
 {
+    const auto timeText = [&](LineTime time) {
+        return statistics.exchanges == 0 ? QStringLiteral("-") : numberText(time);
+    };
     return {first,
             QString::number(statistics.exchanges),
             QString::number(statistics.retries),
             QString::number(statistics.givenUp),
             lastGoodText(statistics, now),
-            numberText(statistics.shortest),
-            numberText(statistics.mean()),
-            numberText(statistics.longest),
+            timeText(statistics.shortest),
+            timeText(statistics.mean()),
+            timeText(statistics.longest),
             statistics.failuresText()};
 }
 

@@ -76,8 +76,8 @@ void TestHost::frameTexts()
         {words, anyRequest, "2 words: 4660, 43981"},
         {"06 6F 3646 04", setBit, "acknowledged"},
         {"", setBit, "no reply", "no reply", 0},
-        {"06 6F 3646 04", readD, "", "0 bytes of data do not answer this request", 2},
-        {words, setBit, "", "8 bytes of data do not answer this request", 2},
+        {"06 6F 3646 04", readD, "", "0 bytes of data: not the answer to this request", 2},
+        {words, setBit, "", "8 bytes of data: not the answer to this request", 2},
         {"06 72 33343132 434441", "", "1 word: 4660", "checksum CD, but the bytes add up to 3C", 6},
         {"06 72 33343132 43444143 3436 04", readD, "2 words: 4660, 44237",
          "checksum 46, but the bytes add up to 47", 10},
@@ -116,10 +116,10 @@ void TestHost::portTroubles()
 {
     const QTemporaryDir folder;
     QVERIFY(QDir::setCurrent(folder.path()) && QFile::link("/dev/null", "plc"));
-    QCOMPARE(portDevice("plc"), folder.filePath("plc"));
-    QCOMPARE(portDevice("ttyS1"), QString("ttyS1"));
+    QCOMPARE(portDevice("plc"), QString("/dev/null"));
+    QCOMPARE(portDevice("ttyS1"), QString("/dev/ttyS1"));
     QCOMPARE(portTrouble("/dev/null", "as said"), QString("as said"));
-    QVERIFY(portTrouble("nonesuch", "").contains("no device /dev/nonesuch"));
+    QVERIFY(portTrouble(portDevice("nonesuch"), "").contains("no device /dev/nonesuch"));
     QFile lock("/tmp/LCK..null");
     QVERIFY(lock.open(QIODevice::WriteOnly));
     lock.write(QByteArray::number(::getppid()) + "\npanel\n");
