@@ -12,7 +12,6 @@ namespace host {
 namespace {
 
 constexpr int MostUnits = 1 << 20;  // beyond every type's
-constexpr int BitsPerWord = 16;
 
 enum Validity { Valid, WrongKind, OutOfRange, UnknownType, NoAddress };
 

@@ -7,6 +7,8 @@
 
 namespace host {
 
+constexpr int BitsPerWord = 16;
+
 /** A run of consecutive words or bits of one register type of one station. */
 struct Point
 {

@@ -2,6 +2,7 @@
 #include "host/demo/report.h"
 
 #include "host/frame_text.h"
+#include "host/table.h"
 
 namespace host {
 
@@ -11,6 +12,7 @@ constexpr int FrameBytesShown = 14;  // a whole read request
 constexpr int HexColumn = 3 * FrameBytesShown - 1;
 constexpr int NameColumn = 9;
 constexpr int RowColumns = 96;
+constexpr int Indent = 3;
 constexpr int CellColumn = 12;
 constexpr int MeaningColumn = 51;
 constexpr int ValuesShown = 8;
@@ -37,7 +39,8 @@ void Report::step(const QString &title, const QString &intent)
 
 void Report::line(const QString &text)
 {
-    m_out << (text.isEmpty() ? text : QLatin1String("   ") + text) << '\n' << Qt::flush;
+    m_out << (text.isEmpty() ? text : QString(Indent, QLatin1Char(' ')) + text) << '\n'
+          << Qt::flush;
 }
 
 void Report::item(const QString &name, const QString &text)
@@ -72,12 +75,12 @@ void Report::exchange(const Exchange &exchange)
 
 void Report::table(const QVector<QStringList> &rows)
 {
-    for (const QStringList &row : rows) {
-        QString text = row.first().leftJustified(CellColumn);
-        for (const QString &cell : row.mid(1))
-            text += cell.rightJustified(CellColumn);
-        line(text);
-    }
+    QVector<Table::Column> columns(rows.first().size(), {Table::Right, CellColumn, 0});
+    columns.first() = {Table::Left, CellColumn, Indent};
+    Table table(columns);
+    for (const QStringList &row : rows)
+        table.add(row);
+    table.print(m_out);
 }
 
 void Report::frame(const char *arrow, const QByteArray &bytes, const QString &meaning)

@@ -13,8 +13,6 @@ namespace host {
 
 namespace {
 
-constexpr int BitsPerWord = 16;
-
 CycleCosts costsOf(CycleCosts costs, const LineCosts &line)
 {
     costs.wireTime = line.wireTime(costs.bytes);

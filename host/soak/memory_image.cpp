@@ -8,10 +8,19 @@ namespace host {
 
 namespace {
 
-constexpr int BitsPerWord = 16;
 constexpr std::chrono::seconds ReadPatience(60);
 
 }  // namespace
+
+Place placeOf(const Point &point, int index)
+{
+    const QString device = memoryArea(point.regName);
+    const int address = point.address + index;
+    if (!point.isBit)
+        return {{device, address}, 0, 0xFFFF};
+    const int bit = address % BitsPerWord;
+    return {{device, address / BitsPerWord}, bit, 1 << bit};
+}
 
 void storeImage(const MemoryImage &image, plc::Memory &memory)
 {
@@ -54,14 +63,10 @@ MemoryImage readImage(const Driver &driver, Session &session, Line &line,
                               .arg(point.regName)
                               .arg(point.count)
                               .arg(point.address));
-        const QString device = point.regName.section(QLatin1Char('_'), 0, 0);
         const QVector<int> values = session.values(point);
         for (int i = 0; i < values.size(); ++i) {
-            const int address = point.address + i;
-            if (point.isBit)
-                image[{device, address / BitsPerWord}] |= values[i] << address % BitsPerWord;
-            else
-                image[{device, address}] = values[i];
+            const Place place = placeOf(point, i);
+            image[place.word] |= values[i] << place.shift;
         }
     }
     session.restart();

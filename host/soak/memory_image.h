@@ -19,6 +19,17 @@ using WordAddress = QPair<QString, int>;
 /** Words 0 to 65535; a word that is not listed is 0. */
 using MemoryImage = QMap<WordAddress, int>;
 
+/** Where a word or bit of a point lies in the controller: bits of one of its words. */
+struct Place
+{
+    WordAddress word;
+    int shift = 0;      ///< position of the lowest of the bits
+    int mask = 0xFFFF;  ///< the bits, in place
+};
+
+/** The place of a point's value number `index`. */
+Place placeOf(const Point &point, int index);
+
 /** Puts the words into a simulated controller's memory. Throws Failure at an unknown device. */
 void storeImage(const MemoryImage &image, plc::Memory &memory);
 

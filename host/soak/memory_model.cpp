@@ -9,8 +9,6 @@ namespace host {
 
 namespace {
 
-constexpr int BitsPerWord = 16;
-
 QString wordText(int value)
 {
     return QStringLiteral("0x%1").arg(value, 4, 16, QLatin1Char('0'));
@@ -26,16 +24,6 @@ QString bitList(int bits)
 }
 
 }  // namespace
-
-Place placeOf(const Point &point, int index)
-{
-    const QString device = point.regName.section(QLatin1Char('_'), 0, 0);
-    const int address = point.address + index;
-    if (!point.isBit)
-        return {{device, address}, 0, 0xFFFF};
-    const int bit = address % BitsPerWord;
-    return {{device, address / BitsPerWord}, bit, 1 << bit};
-}
 
 bool shareWords(const Point &left, const Point &right)
 {

@@ -12,17 +12,6 @@
 
 namespace host {
 
-/** Where a word or bit of a point lies in the controller: bits of one of its words. */
-struct Place
-{
-    WordAddress word;
-    int shift = 0;      ///< position of the lowest of the bits
-    int mask = 0xFFFF;  ///< the bits, in place
-};
-
-/** The place of a point's value number `index`. */
-Place placeOf(const Point &point, int index);
-
 /** True when two points have a word of the controller in common. */
 bool shareWords(const Point &left, const Point &right);
 

@@ -1,6 +1,8 @@
 // Lays the soak's result out in 100 columns, or as one JSON object.
 #include "host/soak/report.h"
 
+#include "host/table.h"
+
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -48,20 +50,10 @@ QJsonObject countsOf(const QString &controllerReport)
     return counts;
 }
 
-class Rows
+Table newTable()
 {
-public:
-    explicit Rows(QTextStream &out) : m_out(out) {}
-
-    void title(const char *text) { m_out << '\n' << text << '\n'; }
-    void row(const char *name, const QString &text)
-    {
-        m_out << "   " << QString::fromLatin1(name).leftJustified(17) << text << '\n';
-    }
-
-private:
-    QTextStream &m_out;
-};
+    return Table({{Table::Left, 17, 3}, {Table::Left, 0, 0}});
+}
 
 }  // namespace
 
@@ -73,45 +65,56 @@ void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
     const LoopCounters &line = soak.line();
     out << "A soak of the driver: a panel at random on a line with faults, and what is left of it."
         << '\n';
-    Rows rows(out);
-    rows.row("library", setup.driver);
-    rows.row("line", setup.line);
-    rows.row("faults", QStringLiteral("%1, seed %2").arg(setup.faults).arg(setup.seed));
+    Table given = newTable();
+    given.add({QStringLiteral("library"), setup.driver});
+    given.add({QStringLiteral("line"), setup.line});
+    given.add({QStringLiteral("faults"),
+               QStringLiteral("%1, seed %2").arg(setup.faults).arg(setup.seed)});
+    given.print(out);
 
-    rows.title("What the panel did");
-    rows.row("monitored", QStringLiteral("%1 sets of addresses").arg(counts.registrations));
-    rows.row("wrote", QStringLiteral("%1 times: %2 acknowledged, %3 given up, %4 replaced by newer")
-                          .arg(writes.made)
-                          .arg(writes.acknowledged)
-                          .arg(writes.givenUp)
-                          .arg(writes.replaced));
-    rows.row("condition reads", QStringLiteral("%1, of which %2 failed")
-                                    .arg(counts.conditionReads)
-                                    .arg(counts.conditionReadsFailed));
-    rows.row("recipes", QStringLiteral("%1 written, %2 read, of which %3 failed")
-                            .arg(counts.recipesWritten)
-                            .arg(counts.recipesRead)
-                            .arg(counts.recipesFailed));
+    Table panel = newTable();
+    panel.add({QStringLiteral("monitored"),
+               QStringLiteral("%1 sets of addresses").arg(counts.registrations)});
+    panel.add({QStringLiteral("wrote"),
+               QStringLiteral("%1 times: %2 acknowledged, %3 given up, %4 replaced by newer")
+                   .arg(writes.made)
+                   .arg(writes.acknowledged)
+                   .arg(writes.givenUp)
+                   .arg(writes.replaced)});
+    panel.add({QStringLiteral("condition reads"), QStringLiteral("%1, of which %2 failed")
+                                                      .arg(counts.conditionReads)
+                                                      .arg(counts.conditionReadsFailed)});
+    panel.add({QStringLiteral("recipes"), QStringLiteral("%1 written, %2 read, of which %3 failed")
+                                              .arg(counts.recipesWritten)
+                                              .arg(counts.recipesRead)
+                                              .arg(counts.recipesFailed)});
+    panel.print(out << "\nWhat the panel did\n");
 
-    rows.title("What the line did");
-    rows.row("requests", QStringLiteral("%1 sent: %2 answered well, %3 to be repeated, %4 given up")
-                             .arg(counts.requests)
-                             .arg(line.exchanges)
-                             .arg(line.retries)
-                             .arg(line.errors));
-    rows.row("set aside", QStringLiteral("%1 replies of other requests").arg(line.refused));
-    rows.row("took", QStringLiteral("%1 s of the line's time").arg(soak.seconds(), 0, 'f', 0));
+    Table its = newTable();
+    its.add({QStringLiteral("requests"),
+             QStringLiteral("%1 sent: %2 answered well, %3 to be repeated, %4 given up")
+                 .arg(counts.requests)
+                 .arg(line.exchanges)
+                 .arg(line.retries)
+                 .arg(line.errors)});
+    its.add({QStringLiteral("set aside"),
+             QStringLiteral("%1 replies of other requests").arg(line.refused)});
+    its.add({QStringLiteral("took"),
+             QStringLiteral("%1 s of the line's time").arg(soak.seconds(), 0, 'f', 0)});
     for (const QString &text : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         static const QRegularExpression none(QStringLiteral(" (?!total)[a-z-]+=0\\b"));
-        rows.row(text.section(QLatin1Char(':'), 0, 0).toLatin1().constData(),
-                 text.section(QLatin1Char(':'), 1).remove(none).trimmed());
+        its.add({text.section(QLatin1Char(':'), 0, 0),
+                 text.section(QLatin1Char(':'), 1).remove(none).trimmed()});
     }
+    its.print(out << "\nWhat the line did\n");
 
-    rows.title("What came of it");
-    rows.row("compared", QStringLiteral("%1 words of replies, %2 values that the driver showed, "
-                                        "the whole memory")
-                             .arg(counts.wordsCompared)
-                             .arg(counts.valuesCompared));
+    Table verdict = newTable();
+    verdict.add({QStringLiteral("compared"),
+                 QStringLiteral("%1 words of replies, %2 values that the driver showed, "
+                                "the whole memory")
+                     .arg(counts.wordsCompared)
+                     .arg(counts.valuesCompared)});
+    verdict.print(out << "\nWhat came of it\n");
     for (int claim = 0; claim < ClaimCount; ++claim) {
         const QStringList findings = findingsAgainst(soak, claim);
         out << "   " << (findings.isEmpty() ? "ok     " : "WRONG  ") << Claims[claim] << '\n';

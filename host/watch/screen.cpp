@@ -1,6 +1,8 @@
 // Composes the table and writes it in one go, so that it does not flicker.
 #include "host/watch/screen.h"
 
+#include "host/table.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -105,19 +107,30 @@ struct Layout
         return sum;
     }
 
-    QString row(const QString &nameText, const QString &addressText, const QString &valueText,
-                const QString &stateText, const QString &changedText, const QString &readText) const
+    Table table() const
     {
-        const QChar blank = QLatin1Char(' ');
+        QVector<Table::Column> columns;
+        if (name > 0)
+            columns << Table::Column{Table::Left, name, 0};
+        columns << Table::Column{Table::Left, address, name > 0 ? Gap : 0}
+                << Table::Column{Table::Right, value} << Table::Column{Table::Left, state()};
+        for (const int width : {changed, AgeWidth})
+            if (width > 0)
+                columns << Table::Column{Table::Right, width};
+        return Table(columns);
+    }
+
+    QStringList row(const QString &nameText, const QString &addressText, const QString &valueText,
+                    const QString &stateText, const QString &changedText,
+                    const QString &readText) const
+    {
         QStringList cells;
         if (name > 0)
-            cells << nameText.leftJustified(name, blank, true);
-        cells << addressText.leftJustified(address) << valueText.rightJustified(value)
-              << stateText.leftJustified(state(), blank, true);
+            cells << nameText.left(name);
+        cells << addressText << valueText << stateText.left(state());
         if (changed > 0)
-            cells << changedText.rightJustified(AgeWidth);
-        cells << readText.rightJustified(AgeWidth);
-        return cells.join(QString(Gap, blank));
+            cells << changedText;
+        return cells << readText;
     }
 
     QString stateText(const QString &trendText, const QString &changesText) const
@@ -135,22 +148,22 @@ QVector<TableLine> composeTable(const QVector<WatchedValue> &values, LineTime no
 {
     const auto isPoor = [](const WatchedValue &value) { return value.quality != Quality::Good; };
     const Layout layout(values, columns);
-    QVector<TableLine> lines;
-    lines.append(
-        {layout.row(QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("value"),
-                    layout.stateText(QStringLiteral("trend"), QStringLiteral("changes")),
-                    QStringLiteral("changed"), QStringLiteral("read")),
-         false});
+    Table table = layout.table();
+    table.add(layout.row(QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("value"),
+                         layout.stateText(QStringLiteral("trend"), QStringLiteral("changes")),
+                         QStringLiteral("changed"), QStringLiteral("read")));
     const int all = int(values.size());
     const int shown = all < rows ? all : std::max(1, rows - 2);  // heading, "more"
     for (const WatchedValue &value : values.mid(0, shown))
-        lines.append({layout.row(value.hasOwnName ? value.name : QString(), value.address,
-                                 value.text.isEmpty() ? QStringLiteral("-") : value.text,
-                                 isPoor(value) ? value.reason
-                                               : layout.stateText(trendText(value.trend, unicode),
-                                                                  QString::number(value.changes)),
-                                 ageText(value.changedAt, now), ageText(value.readAt, now)),
-                      isPoor(value)});
+        table.add(layout.row(value.hasOwnName ? value.name : QString(), value.address,
+                             value.text.isEmpty() ? QStringLiteral("-") : value.text,
+                             isPoor(value) ? value.reason
+                                           : layout.stateText(trendText(value.trend, unicode),
+                                                              QString::number(value.changes)),
+                             ageText(value.changedAt, now), ageText(value.readAt, now)));
+    QVector<TableLine> lines;
+    for (const QString &text : table.lines())
+        lines.append({text, !lines.isEmpty() && isPoor(values[lines.size() - 1])});
     if (all > shown) {
         const auto hidden = std::count_if(values.cbegin() + shown, values.cend(), isPoor);
         lines.append(
