@@ -5,6 +5,8 @@
 
 #include "host/identity.h"
 
+#include <tuple>
+
 namespace host {
 
 constexpr int BitsPerWord = 16;
@@ -17,6 +19,20 @@ struct Point
     int address = 0;     ///< the driver's address number of the first
     int count = 1;       ///< words, or bits for bit types
     bool isBit = false;  ///< of a bit type
+};
+
+/** To compare and to order points by: station, register type, address and count. */
+inline auto rangeOf(const Point &point)
+{
+    return std::tie(point.stationNo, point.regName, point.address, point.count);
+}
+
+struct RangeOrder
+{
+    bool operator()(const Point &left, const Point &right) const
+    {
+        return rangeOf(left) < rangeOf(right);
+    }
 };
 
 /**

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <tuple>
 
 namespace host {
 
@@ -30,11 +29,6 @@ KEY_ADDRESS keyOf(const Point &point)
     key.bitMark = point.isBit ? -1 : 0;
     key.count = point.count;
     return key;
-}
-
-auto addressOrder(const Point &point)
-{
-    return std::tie(point.stationNo, point.regName, point.address);
 }
 
 bool overlap(const Point &first, const Point &next)
@@ -118,9 +112,8 @@ QVector<int> Session::setRecipe(const QVector<Point> &points)
 {
     QVector<int> order(points.size());
     std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(), [&](int left, int right) {
-        return addressOrder(points[left]) < addressOrder(points[right]);
-    });
+    std::sort(order.begin(), order.end(),
+              [&](int left, int right) { return rangeOf(points[left]) < rangeOf(points[right]); });
 
     QVector<int> firstUnits(points.size());
     QVector<_RCP_VAR_PRO> entries;

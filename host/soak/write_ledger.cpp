@@ -19,12 +19,6 @@ WriteLedger::WriteLedger(MemoryModel &model, std::function<void(const Finding &)
 {
 }
 
-bool WriteLedger::sameRange(const Point &left, const Point &right)
-{
-    return left.stationNo == right.stationNo && left.regName == right.regName &&
-           left.address == right.address && left.count == right.count;
-}
-
 int WriteLedger::make(const Point &point, const QVector<int> &values)
 {
     const int kind = FirstKind + m_counts.made++;
@@ -59,7 +53,7 @@ void WriteLedger::end(const Exchange &exchange)
 
     // The driver serves a range's writes in turn, so the older ones were replaced by this one.
     for (auto older = m_pending.begin(); older.key() != item.kind;) {
-        const bool replaced = sameRange(older->point, write.point);
+        const bool replaced = rangeOf(older->point) == rangeOf(write.point);
         m_counts.replaced += replaced;
         older = replaced ? m_pending.erase(older) : std::next(older);
     }

@@ -50,8 +50,6 @@ private:
         QVector<int> values;
     };
 
-    static bool sameRange(const Point &left, const Point &right);
-
     MemoryModel &m_model;
     std::function<void(const Finding &)> m_report;
     QMap<int, Write> m_pending;  // by kind, oldest first

@@ -4,7 +4,7 @@
 
 #include "host/tags.h"
 
-#include <QtCore/QHash>
+#include <map>
 
 namespace host {
 
@@ -25,7 +25,7 @@ public:
 
 private:
     QVector<Tag> m_tags;
-    QHash<QString, QVector<Covered>> m_known;  // by the block as text
+    std::map<Point, QVector<Covered>, RangeOrder> m_known;  // by block
 };
 
 }  // namespace host

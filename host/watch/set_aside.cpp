@@ -11,12 +11,6 @@ constexpr int MostStrikes = 3;
 constexpr std::chrono::seconds TryEvery(10);
 constexpr int RestPerTrial = 3;
 
-bool isSame(const Point &left, const Point &right)
-{
-    return left.stationNo == right.stationNo && left.regName == right.regName &&
-           left.address == right.address && left.count == right.count;
-}
-
 }  // namespace
 
 bool SetAside::take(const Point &block, bool good, LineTime now)
@@ -35,7 +29,7 @@ bool SetAside::take(const Point &block, bool good, LineTime now)
     }
 
     auto strikes = std::find_if(m_strikes.begin(), m_strikes.end(), [&](const Strikes &candidate) {
-        return isSame(candidate.block, block);
+        return rangeOf(candidate.block) == rangeOf(block);
     });
     if (good) {
         if (strikes != m_strikes.end())

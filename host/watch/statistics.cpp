@@ -129,29 +129,17 @@ void Statistics::fail(const Point &block, const QString &reason, bool again)
 template <typename Take>
 void Statistics::take(const Point &block, const Take &takeIn)
 {
-    const QString order = QStringLiteral("%1 %2 %3 %4")
-                              .arg(block.stationNo, 3)
-                              .arg(block.regName)
-                              .arg(block.address, 10)
-                              .arg(block.count, 10);
-    BlockRow &row = m_blocks[order];
-    row.block = block;
-    takeIn(row.statistics);
+    takeIn(m_blocks[block]);
     takeIn(m_all);
     for (const Coverage::Covered &covered : m_coverage.of(block))
         takeIn(m_tags[covered.tag]);
 }
 
-QString Statistics::blockText(const Point &block) const
-{
-    return pointText(m_driver, block, namesStations(m_list));
-}
-
 void Statistics::print(QTextStream &out, LineTime now) const
 {
     Table blocks = newTable("block");
-    for (const BlockRow &block : m_blocks)
-        blocks.add(row(blockText(block.block), block.statistics, now));
+    for (const auto &[block, statistics] : m_blocks)
+        blocks.add(row(pointText(m_driver, block, namesStations(m_list)), statistics, now));
     blocks.print(out);
     Table tags = newTable("tag");
     for (int i = 0; i < int(m_list.size()); ++i)
@@ -163,9 +151,9 @@ void Statistics::print(QTextStream &out, LineTime now) const
 QJsonObject Statistics::object(LineTime now) const
 {
     QJsonArray blocks;
-    for (const BlockRow &block : m_blocks)
-        blocks.append(objectOf(blockObject(m_driver, block.block, namesStations(m_list)),
-                               block.statistics, now));
+    for (const auto &[block, statistics] : m_blocks)
+        blocks.append(
+            objectOf(blockObject(m_driver, block, namesStations(m_list)), statistics, now));
     QJsonArray tags;
     for (int i = 0; i < int(m_list.size()); ++i)
         tags.append(objectOf(tagObject(m_driver, m_list[i]), m_tags[i], now));

@@ -54,12 +54,6 @@ public:
     QJsonObject object(LineTime now) const;
 
 private:
-    struct BlockRow
-    {
-        Point block;
-        ExchangeStatistics statistics;
-    };
-    QString blockText(const Point &block) const;
     template <typename Take>
     void take(const Point &block, const Take &takeIn);
 
@@ -67,7 +61,7 @@ private:
     Coverage m_coverage;
     QVector<Tag> m_list;
     ExchangeStatistics m_all;
-    QMap<QString, BlockRow> m_blocks;
+    std::map<Point, ExchangeStatistics, RangeOrder> m_blocks;
     QVector<ExchangeStatistics> m_tags;
 };
 
