@@ -6,6 +6,8 @@
 #include <QtCore/QTextStream>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 
 namespace {
 
@@ -84,6 +86,18 @@ int run(QStringList arguments)
         host::BadInput);
 }
 
+// What a full disk did not take makes a failure of the best result.
+int closeOutput(int status)
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return status;
+    std::fputc('\n', stdout);  // only another try tells why
+    const QString reason = std::fflush(stdout) == 0 ? QStringLiteral("not all of it was taken")
+                                                    : qt_error_string(errno);
+    QTextStream(stderr) << "tolvane-host: cannot write to standard output: " << reason << '\n';
+    return host::SomethingFailed;
+}
+
 }  // namespace
 
 int main(int argc, char *argv[])
@@ -92,7 +106,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("tolvane-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
     try {
-        return run(QCoreApplication::arguments());
+        return closeOutput(run(QCoreApplication::arguments()));
     } catch (const host::Failure &failure) {
         QTextStream(stderr) << "tolvane-host: " << QString::fromUtf8(failure.what()) << '\n';
         return failure.status();

@@ -3,6 +3,7 @@
 
 #include "host/csv.h"
 #include "host/failure.h"
+#include "host/table.h"
 #include "host/tag_file.h"
 
 #include <QtCore/QRegularExpression>
@@ -149,9 +150,8 @@ QVector<int> parseValues(const Tag &tag, const QString &text)
     bool ok = false;
     const QStringList parts = csvFields(text, QLatin1Char(','), &ok);
     if (!ok || parts.size() != valueCount(tag))
-        throw refuse(QStringLiteral("%1: \"%2\": expected %3 value(s) with commas between")
-                         .arg(tag.name, text)
-                         .arg(valueCount(tag)));
+        throw refuse(QStringLiteral("%1: \"%2\": expected %3 with commas between")
+                         .arg(tag.name, text, countText(valueCount(tag), "value")));
     QVector<int> units;
     for (const QString &part : parts) {
         const QVector<int> value = unitsOfText(tag.form, part, &ok);

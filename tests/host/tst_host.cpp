@@ -21,6 +21,7 @@ private slots:
     void frameTexts();
     void serialSettings();
     void portTroubles();
+    void fullDiskIsAFailure();
     void command_data();
     void command();
     void everyOptionIsDocumented();
@@ -174,8 +175,7 @@ void TestHost::command_data()
         {"series", "D_W:32766", "--count", "2", "--step", "-2"}, 0,
         "32766 .*\n.*32767 [^$]*beyond D_W:32767");
 
-    // 14 + 9 bytes of 10 and of 11 bits
-    row("plan one word", {"plan", "D_W:5"}, 0, "D_W:5 +1 +- +14 +9 +2\\.00 ms  D_W:5\n");
+    // 14 + 9 bytes of 11 bits
     row("plan on a slow line", {"plan", "D_W:5", "--serial", "9600,8,EVEN,1", "--turnaround", "10"},
         0, "26\\.35 ms  D_W:5\n[^$]*1 request, 23 bytes, 36\\.35 ms: 27\\.5 cycles");
     row("plan a gap that is bridged", {"plan", "D_W:0", "D_W:9", "--block-limit", "10"}, 0,
@@ -245,6 +245,15 @@ void TestHost::command()
     QVERIFY(result.status != BadInput || result.out.isEmpty());
     for (const QString &line : result.out.split('\n'))
         QVERIFY2(line.size() <= 100, qPrintable(line));
+}
+
+void TestHost::fullDiskIsAFailure()
+{
+    QProcess host;
+    host.setStandardOutputFile("/dev/full");
+    host.start(HOST_PROGRAM, {"info", "--json"});
+    QVERIFY(host.waitForFinished() && host.readAllStandardError().contains("No space left"));
+    QCOMPARE(host.exitCode(), 1);
 }
 
 void TestHost::everyOptionIsDocumented()
