@@ -188,7 +188,7 @@ int watchCommand(const QStringList &arguments)
         "Write time,name,address,value,quality,reason of each change to a file, behind what is "
         "there; - for stdout.",
         "file");
-    add("json", "Print each change as a line of JSON.");
+    commandLine.addJsonOption("Print each change as a line of JSON.");
     add("every",
         "Write all values so often, changed or not; in CSV a column for each value and one for "
         "its quality.",
