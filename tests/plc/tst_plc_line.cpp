@@ -221,6 +221,9 @@ private slots:
         const QByteArray first = pacing.transmit(23000000);
         QCOMPARE(first, zeroReply);
         QCOMPARE(first.size() + pacing.transmit(10000000000).size(), 64 * zeroReply.size());
+        Pacing unpaced(controller, none, {0, 0});
+        unpaced.receive(readD0 + framed("ra00000004") + readD0, 0);
+        QCOMPARE(unpaced.transmit(0), zeroReply + "\x06r00000000F2\x04" + zeroReply);
     }
 };
 
