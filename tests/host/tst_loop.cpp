@@ -202,10 +202,13 @@ void TestLoop::lostLineKeepsTheRequest()
     session.readOnce(words("D_W", 100, 2));
     session.readOnce(words("D_W", 200, 2));
     Loop loop(m_driver, line, LoopSettings());
+    int asked = 0;
+    loop.observer = [&](const Exchange &) { ++asked; };
     line.suspend();
     QCOMPARE(loop.exchange(), Outcome::Again);
     line.unplug();
     QCOMPARE(loop.exchange(), Outcome::LineLost);
+    QCOMPARE(asked, 1);
     QVERIFY(!line.open());
     line.plugIn();
     line.resume();

@@ -10,7 +10,6 @@
 
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QXmlStreamReader>
 
 using namespace host;
 
@@ -43,7 +42,7 @@ private slots:
     void fullDiskKeepsTheOldFile();
     void everyTagIsReadAndNothingOverlaps();
     void bestBlockLimitIsTheBest();
-    void picture();
+    void documentsShowWhatIsPrinted();
 
 private:
     QString file(const char *name) const { return m_folder.filePath(QString(name)); }
@@ -286,19 +285,22 @@ void TestOffline::bestBlockLimitIsTheBest()
     }
 }
 
-void TestOffline::picture()
+void TestOffline::documentsShowWhatIsPrinted()
 {
-    const Result result = runProgram(
-        HOST_PROGRAM, {"plan", "level=D_W:100:float", "D_W:106", "lamp=M_bit:20.5", "--svg", "-"});
-    QCOMPARE(result.status, 0);
-    QXmlStreamReader in(result.out);
-    while (!in.atEnd())
-        in.readNext();
-    QVERIFY2(!in.hasError(), qPrintable(in.errorString()));
-    QCOMPARE(result.out.count("url(#hatch)"), 2);  // words 102 to 105, and the legend
-    for (const char *text :
-         {"level", "lamp", "D_W", "M_W", "100", "20", "3 tags, 2 requests, 6.08 ms"})
-        QVERIFY2(result.out.contains(QString(text) + "</text>"), text);
+    QVERIFY(QDir::setCurrent(PROJECT_SOURCES));
+    QFile picture("docs/example/plan.svg");
+    QVERIFY(picture.open(QIODevice::ReadOnly));
+    QCOMPARE(runProgram(HOST_PROGRAM, {"plan", "docs/example/line.csv", "--svg", "-"}).out,
+             QString::fromUtf8(picture.readAll()));
+    QFile readme("README.md");
+    QVERIFY(readme.open(QIODevice::ReadOnly));
+    static const QRegularExpression example("\n\\$ tolvane-host ((?:plan|explain) .*)\n([^`]*)```");
+    auto examples = example.globalMatch(QString::fromUtf8(readme.readAll()));
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(examples.hasNext());
+        const QRegularExpressionMatch shown = examples.next();
+        QCOMPARE(runProgram(HOST_PROGRAM, shown.captured(1).split(' ')).out, shown.captured(2));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestOffline)

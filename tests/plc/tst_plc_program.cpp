@@ -192,7 +192,7 @@ private slots:
     {
         QProcess process;
         process.start(QStringLiteral(TOLVANE_PLC), {"--help"});
-        QVERIFY(process.waitForFinished(5000));
+        QVERIFY(process.waitForFinished(5000) && process.exitCode() == 0);
         const QString help = QString::fromLocal8Bit(process.readAllStandardOutput());
         const QRegularExpression option("^  (?:-., )?(--[a-z-]+) ",
                                         QRegularExpression::MultilineOption);
