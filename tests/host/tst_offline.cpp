@@ -238,6 +238,9 @@ void TestOffline::checkLayout(int reach, int blockLimit)
                 right = std::max(right, place.left + bar.labelAt + 0.5 * length);
                 QVERIFY(shelf.labels - 0.87 * length > bottom);
             }
+            const bool goesOn = !rows.isEmpty() && rows.last().lane.regName == row.lane.regName &&
+                                rows.last().lane.stationNo == row.lane.stationNo;
+            QCOMPARE(place.continued, goesOn);
             rows += row;
         }
         bottom = shelf.bottom;
@@ -255,6 +258,7 @@ void TestOffline::checkLayout(int reach, int blockLimit)
                 row.segments.begin(), row.segments.end(),
                 [&](const Segment &segment) { return segment.units.first == block.address; });
             QVERIFY(block.address - end <= 8 || cut == 1);
+            QCOMPARE(block.stationNo, row.lane.stationNo);
             end = std::max(end > 1 << 19 ? 0 : end, block.address + block.count);
         }
         QVERIFY(row.segments.last().right() <= 920 + 1);

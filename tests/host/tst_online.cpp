@@ -2,6 +2,7 @@
 // they print, how they end, and a line that goes and comes back.
 #include "host/controller_process.h"
 #include "host/failure.h"
+#include "host/recipe_transfer.h"
 #include "tests/host/program.h"
 
 #include <QtCore/QRegularExpression>
@@ -40,6 +41,7 @@ private slots:
     void command_data();
     void command();
     void recipeThereAndBack();
+    void incompleteRecipeReadIsNone();
     void guards();
     void lineGoesAndComesBack_data();
     void lineGoesAndComesBack();
@@ -202,6 +204,22 @@ void TestOnline::recipeThereAndBack()
         recipe({"pull", "-", "D_W:1200x300"}).out.section('\n', 1, 1).split(',').mid(1);
     QCOMPARE(values.size(), 300);
     QCOMPARE(values.mid(100, 3), (QStringList{"65535", "2", "3"}));
+}
+
+void TestOnline::incompleteRecipeReadIsNone()
+{
+    QCommandLineParser options;
+    options.addOption({"driver", "", "path"});
+    addConnectionOptions(options);
+    QVERIFY(options.parse({"", "--driver", DRIVER_LIBRARY, "--port", m_controller->device()}));
+    Connection connection(options);
+    RecipeTransfer transfer(
+        connection, parseTags(connection.driver(), connection.identity(), {"D_W:0x300"}, 1));
+    connection.open(Purpose::Reading);
+    QCOMPARE(transfer.read().first().mid(100, 3), (QVector<int>{1, 2, 65535}));
+    // As if the driver told of the first block's words only.
+    transfer.progress = [&](int, int, int) { connection.session().recipeUnitRead = nullptr; };
+    QVERIFY_EXCEPTION_THROWN(transfer.read(), Failure);
 }
 
 // Three words of different values are polled in turn, a request each: a reply that was taken for
