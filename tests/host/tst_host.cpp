@@ -205,9 +205,10 @@ void TestHost::command_data()
     const QByteArray answered =
         "< 2026/11/23 04:36:51.000387072  length=13 from=0 to=12\n " + reply + "\n--\n";
 
-    row("explain frames", {"explain", QString(request).remove(' '), QString(reply)}, 0,
-        "-> 02 72 61 .*\n   read 2 words of D from word 100\n   checksum 72: right\n\n"
-        "<- 06 .*\n   2 words: 4660, 43981\n.*right\n\n2 frames, none wrong\n$");
+    row("explain frames", {"explain", QString(request).remove(' '), QString(reply), "066F364604"},
+        0,
+        "-> 02 72 61 .*\n   read 2 words of D from word 100\n   checksum 72: right\n\n<- 06 .*\n"
+        "   2 words: 4660, 43981\n.*right\n\n<- .*\n   acknowledged\n[^$]*3 frames, none wrong\n$");
     row("explain bytes one by one, and point at the checksum",
         QString("explain 02 72 61 43 38 30 30 30 30 30 34 37 33 03").split(' '), 1,
         "37 33 03\n {36}\\^\\^\n   wrong: checksum 73, but .* 72\n");

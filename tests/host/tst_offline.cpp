@@ -262,6 +262,9 @@ void TestOffline::checkLayout(int reach, int blockLimit)
             end = std::max(end > 1 << 19 ? 0 : end, block.address + block.count);
         }
         QVERIFY(row.segments.last().right() <= 920 + 1);
+        QVERIFY(row.tagsUnnamed == 0 || row.blocks.size() == 1);
+        for (const Bar &bar : row.tags)
+            QVERIFY(bar.labelAt > -0.01 && bar.labelAt < 920 + 0.01);
         for (int i = 1; i < int(row.tags.size()) - row.tagsUnnamed; ++i)
             QVERIFY(row.tags[i].labelAt - row.tags[i - 1].labelAt > LabelStep - 0.01);
         for (const QVector<Bar> &bars : {row.blocks, row.tags})

@@ -17,7 +17,7 @@ using std::chrono::seconds;
 namespace {
 
 // Three blocks, for they lie further apart than one spans: a and f, b, c.
-const QStringList Tags = {"a=D_W:100", "f=D_W:101:float", "b=D_W:500", "c=D_W:900"};
+const QStringList Tags = {"a=D_W:100", "f=D_W:101:float", "b=D_W:500", "c=D_W:900:hex"};
 
 /** A line on which one address is not answered for a while. */
 class LineWithDeadAddress : public VirtualLine
@@ -164,7 +164,7 @@ void TestWatch::qualities()
     QTEST(events, "events");
     QTEST(story.watch.notGood().join("; "), "notGood");
     story.texts.remove("b=5");  // which may never be read
-    QCOMPARE(story.texts, (QSet<QString>{"a=7", "f=1.5", "c=9"}));
+    QCOMPARE(story.texts, (QSet<QString>{"a=7", "f=1.5", "c=0x0009"}));
 }
 
 void TestWatch::deadAddressDoesNotSlowTheOthers()
@@ -237,6 +237,8 @@ void TestWatch::samplesAndPace()
     QCOMPARE(all.exchanges, story.loop.counters().exchanges);
     const QList<int> failures = all.failures.values();
     QCOMPARE(all.retries + all.givenUp, std::accumulate(failures.cbegin(), failures.cend(), 0));
+    story.watch.values().sample();
+    QCOMPARE(story.watch.values().all().last().trend, QVector<double>{9});
     QVERIFY(a.shortest > LineTime(0) && a.shortest <= a.mean() && a.mean() <= a.longest);
 }
 

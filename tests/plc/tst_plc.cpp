@@ -106,12 +106,13 @@ private slots:
         controller.setObserver([&](const Request &request, Verdict verdict, const QByteArray &) {
             told += requestText(request, verdict);
         });
-        for (const char *text : {"raC800000A", "waC80000041000FFFF", "oi1400000800", "nl040000F7FF"})
+        for (const char *text :
+             {"raC800000A", "waC80000041000FFFF", "oi1400000800", "nl040000F7FF"})
             controller.receive(framed(text));
         controller.receive("\x02ra\x03z");
-        QCOMPARE(told, (QStringList{"read D 100 x 5", "write D 100 = 16 65535",
-                                    "set M 10 mask 0008", "clear TX 2 mask FFF7",
-                                    "refused (layout): 02 72 61 03"}));
+        QCOMPARE(told,
+                 (QStringList{"read D 100 x 5", "write D 100 = 16 65535", "set M 10 mask 0008",
+                              "clear TX 2 mask FFF7", "refused (layout): 02 72 61 03"}));
         FaultPlan plan;
         FaultPlan::parse("loss=100%", &plan);
         Faults faults(plan, 1);
