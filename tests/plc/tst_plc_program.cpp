@@ -177,6 +177,7 @@ private slots:
             {"--faults los=1%", "unknown fault \"los\""},
             {"--save", "expected --image FILE"},
             {"--image /no/such.csv", "/no/such.csv: "},
+            {"--image " TOLVANE_PLC_SOURCE "/main.cpp", "/main.cpp, line 1: expected device,word"},
             {"--link /dev/null", "--link \"/dev/null\": expected a path where nothing is yet"}};
         for (const auto &[arguments, said] : inputs) {
             QProcess process;
