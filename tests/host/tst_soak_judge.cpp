@@ -67,8 +67,6 @@ class TestSoakJudge : public QObject
 private slots:
     void verdict_data();
     void verdict();
-    void exitStatus_data();
-    void exitStatus();
 };
 
 void TestSoakJudge::verdict_data()
@@ -127,32 +125,6 @@ void TestSoakJudge::verdict()
     QVERIFY2(findings.join('\n').contains(QRegularExpression(finding)),
              qPrintable(findings.join('\n')));
     QVERIFY(soak.writes().givenUp > 0 && soak.counts().recipesRead > 0);
-}
-
-void TestSoakJudge::exitStatus_data()
-{
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("says");
-    QTest::newRow("right") << QStringList{"--exchanges", "2000", "--json"} << 0
-                           << "\"right\": true";
-    QTest::newRow("no number") << QStringList{"--exchanges", "many"} << 2 << "--exchanges \"many\"";
-    QTest::newRow("no fault") << QStringList{"--faults", "lost=2%"} << 2 << "fault \"lost\"";
-    QTest::newRow("a real controller")
-        << QStringList{"--port", "/dev/null"} << 2 << "expected --overwrite";
-}
-
-void TestSoakJudge::exitStatus()
-{
-    QFETCH(QStringList, options);
-    QProcess soak;
-    soak.setProcessChannelMode(QProcess::MergedChannels);
-    soak.start(HOST_PROGRAM, QStringList{"soak"} + options);
-    QVERIFY(soak.waitForFinished());
-    const QString output = QString::fromUtf8(soak.readAll());
-    QFETCH(QString, says);
-    QVERIFY2(output.contains(says), qPrintable(output));
-    QTEST(soak.exitCode(), "status");
 }
 
 QTEST_GUILESS_MAIN(TestSoakJudge)

@@ -5,17 +5,16 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QSerialPort>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
 
+#include "frames.h"
+
 namespace {
 
-const QByteArray readD0 = "\x02ra0000000255\x03";
-const QByteArray zeroReply = "\x06r000032\x04";
 const QByteArray setM10Bit3 = "\x02oi1400000800C5\x03";
 const QByteArray setReply = "\x06o6F\x04";
 
@@ -187,26 +186,6 @@ private slots:
             const QByteArray errors = process.readAllStandardError();
             QVERIFY2(errors.startsWith("tolvane-plc: ") && errors.contains(said),
                      errors.constData());
-        }
-    }
-
-    void documentsEveryOption()
-    {
-        QProcess process;
-        process.start(QStringLiteral(TOLVANE_PLC), {"--help"});
-        QVERIFY(process.waitForFinished(5000) && process.exitCode() == 0);
-        const QString help = QString::fromLocal8Bit(process.readAllStandardOutput());
-        const QRegularExpression option("^  (?:-., )?(--[a-z-]+) ",
-                                        QRegularExpression::MultilineOption);
-        QVERIFY(help.contains(option));
-        for (const char *file : {"/tolvane-plc.1", "/tolvane-plc.bash"}) {
-            QFile document(TOLVANE_PLC_SOURCE + QString(file));
-            QVERIFY(document.open(QIODevice::ReadOnly));
-            const QByteArray text = document.readAll().replace("\\-", "-");
-            for (auto options = option.globalMatch(help); options.hasNext();) {
-                const QByteArray name = options.next().captured(1).toLatin1();
-                QVERIFY2(text.contains(name), name.constData());
-            }
         }
     }
 };
