@@ -196,7 +196,7 @@ void TestOffline::everyTagIsReadAndNothingOverlaps()
 void TestOffline::checkLayout(int reach, int blockLimit)
 {
     QRandomGenerator dice(static_cast<quint32>(reach + blockLimit));
-    QStringList texts{"N_W:0x80", "L_W:0x40", "2/L_W:5"};
+    QStringList texts{"N_W:0x80", "L_W:0x300", "2/L_W:5"};
     for (int i = 0; i < 90; ++i)  // more labels than a row has room for, all at its right end
         texts += QString("N_W:%1").arg(80 + i / 2);
     for (int i = 0; i < 150; ++i) {
