@@ -215,16 +215,9 @@ void TestOffline::checkLayout(int reach, int blockLimit)
     QVector<Block> blocks = walkCycle(m_driver, session, m_identity, points);
     assignTags(blocks, tags);
 
-    Point other = blocks.first().point;
-    QCOMPARE(partInside(other, other).count, other.count);
-    other.stationNo += 5;
-    QCOMPARE(partInside(other, blocks.first().point).count, 0);
-
     QVector<int> unread(tags.size(), 1);
     for (const Block &block : blocks) {
-        QCOMPARE(block.replyBytes, 5 + 4 * block.words);
         QVERIFY(!block.tags.isEmpty());
-        QVERIFY(block.bridgedCount() < block.point.count);
         for (const int index : block.tags)
             unread[index] = 0;
     }

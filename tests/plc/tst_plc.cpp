@@ -73,7 +73,6 @@ private slots:
         row("colon for a digit", framed("ra0:000002"), Verdict::Digits);
         row("no words", framed("ra00000000"), Verdict::ByteCount);
         row("half a word", framed("ra00000003"), Verdict::ByteCount);
-        row("half a mask", framed("oi14000008"), Verdict::Layout);
         row("a read with data", framed("ra000000021234"), Verdict::Layout);
         row("more data than counted", framed("wa0000000212345678"), Verdict::ByteCount);
         row("less data than counted", framed("wa000000041234"), Verdict::ByteCount);
