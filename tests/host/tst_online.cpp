@@ -216,7 +216,6 @@ void TestOnline::incompleteRecipeReadIsNone()
     RecipeTransfer transfer(
         connection, parseTags(connection.driver(), connection.identity(), {"D_W:0x300"}, 1));
     connection.open(Purpose::Reading);
-    QCOMPARE(transfer.read().first().mid(100, 3), (QVector<int>{1, 2, 65535}));
     // As if the driver told of the first block's words only.
     transfer.progress = [&](int, int, int) { connection.session().recipeUnitRead = nullptr; };
     QVERIFY_EXCEPTION_THROWN(transfer.read(), Failure);

@@ -193,7 +193,6 @@ private slots:
         QCOMPARE(loadImage("\xEF\xBB\xBF# stored yesterday\r\n" + saveImage(memory), &copy),
                  QString());
         QCOMPARE(saveImage(copy), saveImage(memory));
-        QCOMPARE(saveImage(copy).count('\n'), 1 + 2 * Memory::devices().size());
     }
 
     void moves()
