@@ -120,6 +120,9 @@ void TestLoop::everyFailureHasAName_data()
     QTest::newRow("lost; before another request, what is owed has its time")
         << Arrivals{{}, {{27, reply}}, {{27, reply}}} << QStringList{silence, "", ""} << none
         << 527 + 27 + 500 + 500 + 27;
+    QTest::newRow("late by two tries: those behind it may be as late")
+        << Arrivals{{{1081, reply}}, {}, {}, {{27, reply}}} << QStringList{silence, silence, "", ""}
+        << none << 1054 + 27 + 1081 + 27;
     QTest::newRow("three times nothing")
         << Arrivals{} << QStringList{silence, silence, silence} << none << 3 * 527;
     QTest::newRow("early, then the answer")
