@@ -114,7 +114,6 @@ void TestLoop::everyFailureHasAName_data()
     const QString early("too early: after 15 ms, when both frames take 26 ms");
 
     // Both frames take 27 ms; a failed try ends after 527.
-    QTest::newRow("good") << Arrivals{{{27, reply}}} << QStringList{""} << none << 27;
     QTest::newRow("late, and the answer to the next try")
         << Arrivals{{{540, reply}}, {{27, reply}}} << QStringList{silence, ""} << none << 540;
     QTest::newRow("lost; before another request, what is owed has its time")

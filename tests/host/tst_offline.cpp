@@ -88,7 +88,6 @@ void TestOffline::values()
         {"D_W:1x2:bcd", {0x1234, 0x0A00}, "1234,0x0A00"},  // the second is no BCD number
         {"D_W:1x2:float", {0, 0x3FC0, 0xCCCD, 0x3DCC}, "1.5,0.1"},
         {"D_W:1:float", {0x0001, 0x4B80}, "16777218"},  // needs eight digits
-        {"D_W:1:float-be", {0x3FC0, 0}, "1.5"},
         {"D_W:1x2:string:3", {0x6261, 0x63, 0, 0}, "abc,"},
         {"D_W:1:string-be:4", {0x612C, 0x5C00}, "\"a,\\\\\""},
         {"D_W:1:string:4", {0x0041, 0xFC42}, "A\\x00B\xC3\xBC"},

@@ -138,7 +138,6 @@ void TestWatch::qualities_data()
     QTest::addColumn<QStringList>("events");
     QTest::addColumn<QString>("notGood");
     const QString start = " 0 s good: afbc";
-    QTest::newRow("nothing happens") << Actions() << QStringList{start} << "";
     QTest::newRow("a lost line makes all bad at once, and is back")
         << Actions{{3, Unplug}, {6, PlugIn}}
         << QStringList{start, " 3 s bad: afbc", " 6 s good: afbc"} << "";
@@ -197,7 +196,6 @@ void TestWatch::samplesAndPace_data()
     QTest::addColumn<Actions>("actions");
     QTest::addColumn<int>("cycles");   // 0: as many as the line can carry; -1: whatever
     QTest::addColumn<int>("reports");  // of the value a
-    QTest::newRow("changes only") << 0 << 0 << Actions() << 0 << 1;
     QTest::newRow("a cycle a second") << 1000 << 0 << Actions() << 10 << 1;
     QTest::newRow("four samples a second") << 0 << 250 << Actions() << 0 << 40;
     QTest::newRow("samples go on while a request is repeated")

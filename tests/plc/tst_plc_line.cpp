@@ -77,7 +77,6 @@ private slots:
         row("late=100%:300ms", 1, 9, 9, 300);
         row("double=100%", 2, 9, 9, 0);
         row("noise=100%", 1, 10, 17, 0);
-        row("loss=0%", 1, 9, 9, 0);
         row("mute=100%:3600s", 0, 0, 0, 0);
     }
     void disturbs()
