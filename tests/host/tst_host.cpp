@@ -61,7 +61,6 @@ void TestHost::frameTexts()
         {"02 6E 69 31343030 3030 46374646 3035 03", nullptr, "clear bit 3 of M word 10"},
         {"02 6F 6C 30343030 3030 30383030 4337 03", nullptr, "set bit 3 of TX word 2"},
         {"", nullptr, "", "the frame ends too early", 0},
-        {"06 77 3737 04", nullptr, "", "expected STX (02), found 06", 0},
         {"02 78 61 30303030", nullptr, "", "unknown command 78", 1},
         {"02 72 7A 30303030", nullptr, "", "unknown device letter 7A", 2},
         {"02 72 61 63383030", nullptr, "", "expected a digit 0-9 or A-F, found 63", 3},

@@ -152,7 +152,6 @@ void TestOnline::command_data()
     refused("write D_W:1=1", "no line named");
     refused("write D_W:1=70000", "70000");
     refused("watch D_W:1 --for ever", "\"ever\": expected seconds");
-    refused("watch D_W:1 --csv /nowhere/l", "/nowhere/l");
     refused("watch D_W:1 --json --csv -", "standard output");
     refused("recipe file", "expected pull or push");
     refused("recipe push /nowhere/r", "/nowhere/r");
