@@ -159,13 +159,13 @@ private slots:
             QTest::newRow(name) << QByteArray(plan) << turnaroundMs << requests << replies;
         };
         // A byte takes 1 ms: a read of one word 14, its reply 9; of three words 14 and 17.
-        row("one", "", 0, {"0 ra00000002"}, {"23 r0000"});
         row("after a turnaround", "", 100, {"0 ra00000002"}, {"123 r0000"});
         row("piled up", "", 0, {"0 ra00000006", "0 ra00000002", "1 ra00000002"},
             {"31 r000000000000", "40 r0000", "51 r0000"});
         row("a long one holds up the next", "", 0, {"0 ra00000020", "15 ra00000002"},
             {"83 r" + QByteArray(64, '0'), "92 r0000"});
-        row("late", "late=100%:50ms", 0, {"0 ra00000002"}, {"73 r0000"});
+        row("mute", "mute=50%:40ms", 0, {"0 ra00000002", "39 ra00000002"}, {});
+        row("mute no more", "mute=50%:40ms", 0, {"0 ra00000002", "41 ra00000002"}, {"64 r0000"});
         row("late and overtaken", "late=50%:50ms", 0, {"0 ra00000006", "14 ra00000002"},
             {"37 r0000", "81 r000000000000"});
         row("late while another leaves", "late=50%:15ms", 0, {"0 ra00000006", "14 ra00000002"},
