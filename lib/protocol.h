@@ -39,7 +39,7 @@ extern const QString REG_LIST[];  ///< word types before the bit types over the 
 extern const AddressRange ADDRESS_RANGE_PRO[];  ///< and behind them the row of unknown names
 extern const QString ADDRESS_RW_COMMAND[];      ///< how the link names the device
 
-/** All state of the driver; built at load, destroyed at unload. */
+/** The one instance: built at load, destroyed at unload. */
 extern Protocol driver;
 
 #pragma GCC visibility pop
