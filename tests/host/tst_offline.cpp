@@ -1,8 +1,10 @@
 // What the bench host does with files and addresses, without a line: tags and their values, tag
 // files and recipes, a full disk, and what a plan and its picture must hold to.
+#include "host/controller_process.h"
 #include "host/failure.h"
 #include "host/plan/page.h"
 #include "host/recipe_file.h"
+#include "host/recipe_transfer.h"
 #include "host/tags.h"
 #include "host/whole_file.h"
 
@@ -39,9 +41,9 @@ private slots:
     void badValues();
     void tagFiles();
     void recipesKeepTheirComments();
+    void incompleteRecipeReadIsNone();
     void fullDiskKeepsTheOldFile();
     void everyTagIsReadAndNothingOverlaps();
-    void documentsShowWhatIsPrinted();
 
 private:
     QString file(const char *name) const { return m_folder.filePath(QString(name)); }
@@ -166,6 +168,22 @@ void TestOffline::recipesKeepTheirComments()
                                            "2/D_W:5:string:4,\"a;,b\"\n\n# end\n"));
 }
 
+void TestOffline::incompleteRecipeReadIsNone()
+{
+    const ControllerProcess controller(PLC_PROGRAM, {});
+    QCommandLineParser options;
+    options.addOption({"driver", "", "path"});
+    addConnectionOptions(options);
+    QVERIFY(options.parse({"", "--driver", DRIVER_LIBRARY, "--port", controller.device()}));
+    Connection connection(options);
+    RecipeTransfer transfer(
+        connection, parseTags(connection.driver(), connection.identity(), {"D_W:0x300"}, 1));
+    connection.open(Purpose::Reading);
+    // As if the driver told of the first block's words only.
+    transfer.progress = [&](int, int, int) { connection.session().recipeUnitRead = nullptr; };
+    QVERIFY_EXCEPTION_THROWN(transfer.read(), Failure);
+}
+
 void TestOffline::fullDiskKeepsTheOldFile()
 {
     const char *const full = "No space left on device";
@@ -270,24 +288,6 @@ void TestOffline::checkLayout(int reach, int blockLimit)
                             bars[i].place.left >= bars[k].place.right - 0.1);
     }
     QCOMPARE(drawn, int(blocks.size()));
-}
-
-void TestOffline::documentsShowWhatIsPrinted()
-{
-    QVERIFY(QDir::setCurrent(PROJECT_SOURCES));
-    QFile picture("docs/example/plan.svg");
-    QVERIFY(picture.open(QIODevice::ReadOnly));
-    QCOMPARE(runProgram(HOST_PROGRAM, {"plan", "docs/example/line.csv", "--svg", "-"}).out,
-             QString::fromUtf8(picture.readAll()));
-    QFile readme("README.md");
-    QVERIFY(readme.open(QIODevice::ReadOnly));
-    static const QRegularExpression example("\n\\$ tolvane-host ((?:plan|explain) .*)\n([^`]*)```");
-    auto examples = example.globalMatch(QString::fromUtf8(readme.readAll()));
-    for (int i = 0; i < 2; ++i) {
-        QVERIFY(examples.hasNext());
-        const QRegularExpressionMatch shown = examples.next();
-        QCOMPARE(runProgram(HOST_PROGRAM, shown.captured(1).split(' ')).out, shown.captured(2));
-    }
 }
 
 QTEST_GUILESS_MAIN(TestOffline)

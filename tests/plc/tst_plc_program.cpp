@@ -160,34 +160,6 @@ private slots:
         plc.raise(SIGUSR2);
         QTRY_COMPARE(exchange(line.get(), setM10Bit3, 5, 100), setReply);
     }
-
-    void refusesBadInput()
-    {
-        const std::pair<const char *, const char *> inputs[] = {
-            {"extra", "\"extra\": expected options only"},
-            {"--bogus", "'bogus'"},
-            {"--tcp 65536", "--tcp \"65536\": expected a whole number from 0 to 65535"},
-            {"--tcp 0 --link x", "--tcp: expected neither"},
-            {"--baud fast", "--baud \"fast\": expected a whole number"},
-            {"--turnaround 60001",
-             "--turnaround \"60001\": expected a whole number from 0 to 60000"},
-            {"--seed -1", "--seed \"-1\": expected a whole number from 0 to 4294967295"},
-            {"--any-address", "--any-address: expected --tcp PORT"},
-            {"--faults los=1%", "unknown fault \"los\""},
-            {"--save", "expected --image FILE"},
-            {"--image /no/such.csv", "/no/such.csv: "},
-            {"--image " TOLVANE_PLC_SOURCE "/main.cpp", "/main.cpp, line 1: expected device,word"},
-            {"--link /dev/null", "--link \"/dev/null\": expected a path where nothing is yet"}};
-        for (const auto &[arguments, said] : inputs) {
-            QProcess process;
-            process.start(QStringLiteral(TOLVANE_PLC), QString(arguments).split(' '));
-            QVERIFY2(process.waitForFinished(5000) && process.exitCode() == 2, arguments);
-            QCOMPARE(process.readAllStandardOutput(), QByteArray());
-            const QByteArray errors = process.readAllStandardError();
-            QVERIFY2(errors.startsWith("tolvane-plc: ") && errors.contains(said),
-                     errors.constData());
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(TestPlcProgram)

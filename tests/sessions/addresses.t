@@ -1,0 +1,111 @@
+What the driver says of itself and of addresses.
+
+  $ cat > tags.csv <<'END'
+  > address,name
+  > D_W:100:float,level
+  > M_bit:20.5,lamp
+  > END
+  $ printf 'name,address\nlevel,D_W:100\n\nflood,D_W:32767:float\n' > wrong.csv
+
+  $ tolvane-host info | sed 's#/.*/##'
+  driver    tolvane_link 2.0.0.0
+  library   libtolvane_link.so
+  serial    115200,8,NONE,1 by default
+  network   192.168.1.100,8000 by default
+  
+  type      pattern    first        last  width  access
+  P_W       DDDD           0        2047  word   read and write
+  M_W       DDDD           0        2047  word   read and write
+  L_W       DDDDD          0       11263  word   read and write
+  K_W       DDDD           0        2559  word   read and write
+  F_W       DDDD           0        2047  word   read and write
+  D_W       DDDDD          0       32767  word   read and write
+  S_W       DDD            0         127  word   read and write
+  T_W       DDDD           0        2047  word   read and write
+  C_W       DDDD           0        2047  word   read and write
+  N_W       DDDDD          0       21503  word   read and write
+  Z_W       DDDD           0         127  word   read and write
+  P_bit     DDDD.DD      0.0     2047.15  bit    read and write
+  M_bit     DDDD.DD      0.0     2047.15  bit    read and write
+  L_bit     DDDDD.DD     0.0    11263.15  bit    read and write
+  K_bit     DDDD.DD      0.0     4095.15  bit    read and write
+  F_bit     DDDD.DD      0.0     2047.15  bit    read and write
+  TX        DDDD           0        2047  bit    read and write
+  CX        DDDD           0        2047  bit    read and write
+  $ tolvane-host check D_W:0x10 tags.csv
+  D_W:0x10: valid, 10 words from address number 0
+  level: valid, 2 words from address number 100
+  lamp: valid, 1 bit from address number 325
+  $ tolvane-host check D_W:32767x2 M_bit:1.16 X:1 D_W:1:real "$(printf 'F\303\274ll:1')" wrong.csv
+  argument 1: address "D_W:32767x2": outside D_W, which reaches from 0 to 32767
+  argument 2: address "M_bit:1.16": "1.16" is no address of the form DDDD.DD
+  argument 3: address "X:1": no register type "X"; there are
+    P_W, M_W, L_W, K_W, F_W, D_W, S_W, T_W, C_W, N_W, Z_W, P_bit, M_bit, L_bit, K_bit, F_bit, TX, CX
+  argument 4: no format "real"; there are
+    int16, uint16, int32, uint32, float, hex, bin, bcd, string:N; and with the high half
+    first int32-be, uint32-be, float-be, string-be:N
+  argument 5: address "F\xc3\xbcll:1": no register type "F\xc3\xbcll"; there are (esc)
+    P_W, M_W, L_W, K_W, F_W, D_W, S_W, T_W, C_W, N_W, Z_W, P_bit, M_bit, L_bit, K_bit, F_bit, TX, CX
+  level: valid, 1 word from address number 100
+  wrong.csv:4: tag "flood": address "D_W:32767": outside D_W, which reaches from 0 to 32767
+    (a value takes 2 words)
+  [1]
+  $ tolvane-host check --json lamp=M_bit:20.5 D_W:32768 | sed 's/^ *//' | tr '\n' ' ' | fold -s -w 96; echo
+  [ { "address": "M_bit:20.5", "count": 1, "number": 325, "source": "argument 1", "station": 1, 
+  "tag": "lamp" }, { "address": "D_W:32768", "reason": "argument 2: address \"D_W:32768\": 
+  outside D_W, which reaches from 0 to 32767", "source": "argument 2", "tag": "D_W:32768" } ] 
+  $ tolvane-host series TX:5 --count 3 --step 2
+  TX:5  address number 5
+  TX:7  address number 7
+  TX:9  address number 9
+  $ tolvane-host series D_W:32766 --count 2 --step -2
+  tolvane-host: addresses beyond D_W:32767, the last there is, were replaced by it
+  D_W:32766  address number 32766
+  D_W:32767  address number 32767
+  $ tolvane-host series M_bit:1.14 --count 2 --json | tr -d ' \n'; echo
+  [{"address":"M_bit:1.14","number":30},{"address":"M_bit:1.15","number":31}]
+
+Options may stand before the command; a wrong command line is refused with what was expected.
+
+  $ tolvane-host --count 1 series TX:5
+  TX:5  address number 5
+  $ tolvane-host -v
+  tolvane-host 2.0.0.0
+  $ while read -r command; do tolvane-host $command || echo "[$?]"; done <<'END'
+  > 
+  > dance
+  > --json
+  > info --bogus
+  > info more
+  > demo --driver /nowhere/driver.so
+  > info --driver libc.so.6
+  > check
+  > series
+  > series TX:5 --count 0
+  > series TX:5 --step -3
+  > END
+  tolvane-host: no command given; tolvane-host --help lists them
+  [2]
+  tolvane-host: there is no command "dance"; tolvane-host --help lists them
+  [2]
+  tolvane-host: no command given behind "--json"; tolvane-host --help lists them
+  [2]
+  tolvane-host: Unknown option 'bogus'; see tolvane-host info --help
+  [2]
+  tolvane-host: unexpected argument "more"; see tolvane-host info --help
+  [2]
+  tolvane-host: cannot load the driver: Cannot load library /nowhere/driver.so: (/nowhere/libdriver.so: cannot open shared object file: No such file or directory)
+  [2]
+  tolvane-host: libc.so.6 is no driver library: it does not export intf_getProtocolType
+  [2]
+  tolvane-host: nothing to check; expected ADDRESS...
+  [2]
+  tolvane-host: no address given; expected ADDRESS, such as D_W:100
+  [2]
+  tolvane-host: --count "0": expected a number from 1 to 100000
+  [2]
+  tolvane-host: --step "-3": expected a number from -2 to 65535
+  [2]
+  $ tolvane-host info --json > /dev/full
+  tolvane-host: cannot write to standard output: No space left on device
+  [1]

@@ -1,0 +1,61 @@
+Lines that misbehave, and the host at them.
+
+  $ trap 'kill $pids 2> /dev/null; wait' EXIT
+  $ printf 'D,100,1\nD,110,0\nD,111,16320\nD,300,30\nD,500,50\n' > memory.csv
+  $ await() { for i in $(seq 500); do grep -qs "$1" "$2" && return; sleep 0.02; done; echo "no $1"; }
+  $ controller() {
+  >     out=$1; shift; rm -f $out
+  >     tolvane-plc --image memory.csv "$@" > $out 2>&1 & pids="$pids $!"
+  >     await listening $out; place=$(sed -n 's/listening on //p' $out)
+  > }
+
+Replies that come late or twice. Three words are polled in turn: a reply that was taken for another's
+would show as another value. The line is so slow that no busy machine comes too late to see that a
+copy is early.
+
+  $ for line in port tcp; do
+  >     [ $line = tcp ] && its="--tcp 0" || its=
+  >     controller out --still --baud 4800 --faults late=5%:250ms,double=40% $its
+  >     tolvane-host watch D_W:100 D_W:300 D_W:500 --block-limit 1 --csv - --for 1.5 --quiet 500 \
+  >         --timeout 200 --serial 4800,8N1 --$line $place 2> counts | cut -d, -f3-4
+  > done | grep -v ',$' | sort -u
+  D_W:100,1
+  D_W:300,30
+  D_W:500,50
+  address,value
+
+An adapter is unplugged and plugged in again, a device server restarts.
+
+  $ for line in "--port adapter --link adapter" "--tcp 127.0.0.1:20047 --tcp 20047"; do
+  >     set -- $line
+  >     controller out $3 $4; first=$!
+  >     tolvane-host watch D_W:100 $1 $2 --json > log 2> said & host=$!
+  >     await good log; kill $first; await '"line lost"' log
+  >     controller out $3 $4; await 'is back' said; : > log; await good log
+  >     kill -INT $host; wait $host; echo "[$?]"
+  >     sed 's#/.*: #/...: #;s/[0-9][0-9.]*/N/g' said
+  > done
+  [0]
+  tolvane-host: lost adapter (the device has gone); trying again
+  tolvane-host: adapter is back
+  N exchanges in N s (N/s), N words, N retries, N errors
+  N % of the line's capacity used
+  [0]
+  tolvane-host: lost N:N (The remote host closed the connection); trying again
+  tolvane-host: N:N is back
+  N exchanges in N s (N/s), N words, N retries, N errors
+  N % of the line's capacity used
+
+A terminal gets a table, drawn over the one before; the cursor is back at the end.
+
+  $ controller out --still
+  $ script -qec "tolvane-host watch level=D_W:110:float --for 0.6 --port $place" terminal > /dev/null
+  $ sed 's/\x1b/^/g;s/\r//g;s/__*  */_ /;s/[0-9][0-9.]*/N/g' terminal | grep -v ^Script | sort -u
+  
+  N % of the line's capacity used
+  N exchanges/s   N retries   N errors   N % of the line's capacity used^[K
+  ^[?Nlname   address     value  trend             changes  changed     read^[K
+  ^[J^[?NhN exchanges in N s (N/s), N words, N retries, N errors
+  ^[J^[?Nh^[?Nl^[NAname   address     value  trend             changes  changed     read^[K
+  ^[Nmlevel  D_W:N         -  not read yet                     -        -^[Nm^[K
+  level  D_W:N       N  _ N    N s    N s^[K

@@ -1,0 +1,62 @@
+The simulated controller by itself: it keeps what was written, and counts what came.
+
+  $ tolvane-plc --link plc --still --save --image image.csv --verbose > out 2> err & pid=$!
+  $ until [ -e plc ]; do sleep 0.01; done
+  $ tolvane-host write --port plc D_W:5=7 M_bit:1.2=1
+  D_W:5     = 7  acknowledged
+  M_bit:1.2 = 1  acknowledged
+  $ kill -TERM $pid; wait $pid
+  $ sed 's#/dev.*#/dev/...#' out
+  listening on /dev/...
+  $ cat err image.csv
+  write D 5 = 7
+  set M 1 mask 0004
+  served: total=2 read=0 write=1 set=1 clear=0
+  refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
+  faults: total=0 loss=0 cut=0 flip=0 late=0 double=0 noise=0 mute=0
+  stray bytes: 0
+  device,word,value
+  M,1,4
+  D,5,7
+  $ ls plc
+  ls: cannot access 'plc': No such file or directory
+  [2]
+
+Bad input is named, with what was expected.
+
+  $ echo hello > hello.csv
+  $ for options in extra "--tcp 65536" "--tcp 0 --link x" "--baud fast" "--turnaround 60001" \
+  >     "--seed -1" --any-address "--faults los=1%" "--faults loss=99%,cut=2%" "--faults loss" \
+  >     --save "--image /no/such.csv" "--image hello.csv" "--link hello.csv" --bogus; do
+  >     tolvane-plc $options || echo "[$?]"
+  > done
+  tolvane-plc: "extra": expected options only
+  [2]
+  tolvane-plc: --tcp "65536": expected a whole number from 0 to 65535
+  [2]
+  tolvane-plc: --tcp: expected neither --pty nor --link beside it
+  [2]
+  tolvane-plc: --baud "fast": expected a whole number from 0 to 4000000
+  [2]
+  tolvane-plc: --turnaround "60001": expected a whole number from 0 to 60000
+  [2]
+  tolvane-plc: --seed "-1": expected a whole number from 0 to 4294967295
+  [2]
+  tolvane-plc: --any-address: expected --tcp PORT beside it
+  [2]
+  tolvane-plc: --faults: unknown fault "los", expected one of loss cut flip late double noise mute
+  [2]
+  tolvane-plc: --faults: the shares of "loss=99%,cut=2%" add up to more than 100%
+  [2]
+  tolvane-plc: --faults: "loss" is not a fault, expected one like loss=2% or late=1%:300ms
+  [2]
+  tolvane-plc: --save: expected --image FILE beside it
+  [2]
+  tolvane-plc: /no/such.csv: No such file or directory
+  [2]
+  tolvane-plc: hello.csv, line 1: expected device,word,value
+  [2]
+  tolvane-plc: --link "hello.csv": expected a path where nothing is yet, or a link that leads nowhere
+  [2]
+  tolvane-plc: Unknown option 'bogus'. See tolvane-plc --help.
+  [2]

@@ -1,0 +1,144 @@
+Frames in plain words: as hex pairs with or without blanks.
+
+  $ request="02 72 61 43 38 30 30 30 30 30 34 37 32 03"
+  $ reply="06 72 33 34 31 32 43 44 41 42 34 36 04"
+  $ tolvane-host explain "$request" $(echo $reply | tr -d ' ') 066F364604
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  <- 06 72 33 34 31 32 43 44 41 42 34 36 04
+     2 words: 4660, 43981
+     checksum 46: right
+  
+  <- 06 6F 36 46 04
+     acknowledged
+     checksum 6F: right
+  
+  3 frames, none wrong
+  $ tolvane-host explain 02 72 61 43 38 30 30 30 30 31 36 37 35 33
+  -> 02 72 61 43 38 30 30 30 30 31 36 37 35 33
+                                            ^^
+     wrong: expected ETX (03), found 33
+     read 11 words of D from word 100
+     checksum 75: right
+  
+  1 frame, 1 wrong
+  [1]
+  $ tolvane-host explain --json "$reply" | sed 's/^ *//' | tr '\n' ' ' | fold -s -w 96; echo
+  [ { "bytes": "06 72 33 34 31 32 43 44 41 42 34 36 04", "checksum": "checksum 46: right", 
+  "direction": "reply", "fault": null, "faultAt": null, "text": "2 words: 4660, 43981", "time": 
+  null } ] 
+  $ tolvane-host explain 027761393030313030$(printf 32%.0s $(seq 9)) $(printf '0277613930303130303134%s463703' $(printf 32%.0s $(seq 40)))
+  -> 02 77 61 39 30 30 31 30 30 32 32 32 32 32 32 32 32 32
+                                                           ^^
+     wrong: the frame ends too early
+     checksum bytes 32 32: wrong, the bytes before add up to 2E (32 45)
+  
+  -> 02 77 61 39 30 30 31 30 30 31 34 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32
+     32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 46 37 03
+                                                              ^^
+     wrong: checksum F7, but the bytes add up to 37
+     write 10 words of D from word 200: 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738
+     checksum bytes 46 37: wrong, the bytes before add up to 37 (33 37)
+  
+  2 frames, 2 wrong
+  [1]
+  $ tolvane-host explain 02 hello
+  tolvane-host: "hello" is no frame; expected bytes as hex pairs, such as "02 72 61", or a trace file
+  [2]
+
+A trace as the host writes one, whole, with replies that it refused, and cut at its end.
+
+  $ asked="10:00:00.123Z  ->  $request  read 2"
+  $ printf "$asked\n10:00:00.126Z  <-  $reply  2 words\n" > trace
+  $ tolvane-host explain trace
+  10:00:00.123Z
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  10:00:00.126Z
+  <- 06 72 33 34 31 32 43 44 41 42 34 36 04
+     2 words: 4660, 43981
+     checksum 46: right
+  
+  2 frames, none wrong
+  $ printf "$asked\n10:00:00.126Z  <-  $reply  refused: too early: after 0.1 ms\n" >> trace
+  $ printf "$asked\n10:00:00.126Z  <-  -\n" | cat trace - | tolvane-host explain --wrong
+  10:00:00.123Z
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  10:00:00.126Z
+  <- 06 72 33 34 31 32 43 44 41 42 34 36 04
+     wrong: refused by the host: too early: after 0.1 ms
+     2 words: 4660, 43981
+     checksum 46: right
+  
+  10:00:00.123Z
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  10:00:00.126Z
+  <- no reply
+  
+  6 frames, 2 wrong
+  [1]
+  $ printf "$asked\n10:00:00.126Z  <-  06 72 33 3" | tolvane-host explain --wrong -
+  10:00:00.123Z
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  10:00:00.126Z
+  <- 06 72 33
+           ^^
+     wrong: 0 bytes of data: not the answer to this request (the last line is cut)
+     no checksum: the frame is too short
+  
+  2 frames, 1 wrong
+  [1]
+  $ printf "$asked\n10:00:00.126Z  <-  $reply\n10:00:0" | tolvane-host explain --wrong -
+  2 frames, none wrong
+
+What socat heard: a request in two pieces, and one that came twice.
+
+  $ asked() {
+  >     echo "> 2026/11/23 04:36:51.000386886  length=3 from=0 to=2"
+  >     echo " 02 72 61"
+  >     echo "> 2026/11/23 04:36:51.000386999  length=11 from=3 to=13"
+  >     echo " 43 38 30 30 30 30 30 34 37 32 03                 C800000472."
+  >     echo --
+  > }
+  $ answered="< 2026/11/23 04:36:51.000387072  length=13 from=0 to=12\n $reply\n--\n"
+  $ (asked; printf "$answered") | tolvane-host explain
+  2026/11/23 04:36:51.000386886
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  2026/11/23 04:36:51.000387072
+  <- 06 72 33 34 31 32 43 44 41 42 34 36 04
+     2 words: 4660, 43981
+     checksum 46: right
+  
+  2 frames, none wrong
+  $ (asked; asked; printf "$answered") | tolvane-host explain --wrong
+  2026/11/23 04:36:51.000386886
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  <- no reply
+  
+  4 frames, 1 wrong
+  [1]
+  $ printf "something else\n$request\n" | tolvane-host explain -
+  tolvane-host: standard input:1: "something else": expected what --trace or socat -x writes, or bytes as hex pairs
+  [2]
+  $ tolvane-host explain
+  tolvane-host: there is no frame in standard input
+  [2]

@@ -1,0 +1,195 @@
+Reading and writing on a pseudo-terminal, as at a controller.
+
+  $ printf 'D,100,1\nD,101,2\nD,102,65535\nD,110,0\nD,111,16320\nD,300,30\nM,20,160\n' > memory.csv
+  $ printf 'name,address,format\nlevel,D_W:110,float\nlamp,M_bit:20.5,\n' > tags.csv
+  $ trap 'kill $pids 2> /dev/null; wait' EXIT
+  $ controller() {
+  >     tolvane-plc --still --link "$@" > /dev/null 2>&1 & pids="$pids $!"
+  >     until [ -e $1 ]; do sleep 0.01; done
+  > }
+  $ controller plc --image memory.csv
+  $ controller mute --faults loss=100%
+
+  $ quick="--timeout 60 --retries 2"
+  $ folded() { sed 's/[-0-9T:.]*Z"/TIME"/' | tr -d ' \n' | fold -w 96; echo; }
+  $ tolvane-host read --port plc D_W:100x3
+  D_W:100x3  1, 2, 65535
+  $ tolvane-host read --port plc --tags tags.csv D_W:102:int16
+  level          D_W:110     1.5
+  lamp           M_bit:20.5  1
+  D_W:102:int16              -1
+  $ tolvane-host read --port plc level=2/D_W:110:float --json | folded
+  [{"address":"2/D_W:110","number":110,"quality":"good","station":2,"tag":"level","time":"TIME","v
+  alues":[1.5]}]
+  $ tolvane-host read $quick --port mute D_W:100 D_W:900
+  tolvane-host: D_W:100: no reply to 2 requests of 60 ms each
+  tolvane-host: D_W:900: no reply to 2 requests of 60 ms each
+  [1]
+  $ tolvane-host read --port plc D_W:100 D_W:300 --trace /dev/full
+  tolvane-host: cannot write "/dev/full": No space left on device; the trace ends here
+  D_W:100  1
+  D_W:300  30
+  [1]
+  $ tolvane-host read --port plc D_W:100 --trace trace && sed 's/^[^ ]*Z/TIME/' trace
+  D_W:100  1
+  TIME  ->  02 72 61 43 38 30 30 30 30 30 32 37 30 03  read 1 word of D from word 100
+  TIME  <-  06 72 30 31 30 30 33 33 04  1 word: 1
+  $ tolvane-host read M_bit:20.5 --simulate 2>/dev/null
+  M_bit:20.5  0
+
+What is written, and nothing beside it.
+
+  $ tolvane-host write --port plc D_W:700x3=7,8,9 heat=D_W:710:float=-2.5 M_bit:30.3x2=1,1 TX:5=1
+  D_W:700x3             = 7, 8, 9  acknowledged
+  heat          D_W:710 = -2.5  acknowledged
+  M_bit:30.3x2          = 1, 1  acknowledged
+  TX:5                  = 1  acknowledged
+  $ tolvane-host read --port plc D_W:699x5 D_W:710:float M_W:30:hex TX:4x3
+  D_W:699x5      0, 7, 8, 9, 0
+  D_W:710:float  -2.5
+  M_W:30:hex     0x0018
+  TX:4x3         0, 1, 0
+  $ tolvane-host write --port plc D_W:720x2:hex=0x1F,0 --json | folded
+  [{"acknowledged":true,"address":"D_W:720","blocks":[{"acknowledged":true,"address":"D_W:720","co
+  unt":2,"number":720,"station":1}],"number":720,"station":1,"tag":"D_W:720x2:hex","values":["0x00
+  1F","0x0000"]}]
+  $ tolvane-host write $quick --port mute D_W:700x6=1,2,3,4,5,6 --block-limit 4
+  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4: no reply to 2 requests of 60 ms each; D_W:704x2: no reply to 2 requests of 60 ms each
+  [1]
+  $ tolvane-host write $quick --port mute D_W:700=1 --json | folded
+  tolvane-host: D_W:700: no reply to 2 requests of 60 ms each
+  [{"acknowledged":false,"address":"D_W:700","blocks":[{"acknowledged":false,"address":"D_W:700","
+  count":1,"number":700,"reason":"noreplyto2requestsof60mseach","station":1}],"number":700,"reason
+  ":"noreplyto2requestsof60mseach","station":1,"tag":"D_W:700","values":[1]}]
+
+Watching, on a line that a pipe or a log follows.
+
+  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 0.3 2>counts | sed 's/^[^ ]*Z/TIME/'
+  TIME  level  D_W:110  1.5
+  TIME  D_W:300  30
+  $ sed 's/[0-9][0-9.]*/N/g' counts
+  N exchanges in N s (N/s), N words, N retries, N errors
+  N % of the line's capacity used
+  $ tolvane-host watch --port plc two=D_W:100x2 --for 0.3 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
+  time,name,address,value,quality,reason
+  TIME,two[0],D_W:100,1,good,
+  TIME,two[1],D_W:101,2,good,
+  $ tolvane-host watch --port plc a=D_W:100 --for 0.3 --csv log --every 100 --local 2>/dev/null; TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --for 0.3 --csv log --every 100 --local 2>/dev/null; sed 's/^....-..-..T..:..:..\..../TIME/' log
+  time,a,a quality
+  TIMEZ,1,good
+  TIMEZ,1,good
+  TIMEZ,1,good
+  TIME+05:30,1,good
+  TIME+05:30,1,good
+  TIME+05:30,1,good
+  $ tolvane-host watch $quick --port mute a=D_W:100 b=D_W:100 --for 0.5 --json --stats 2>err | sed 's/[-0-9T:.]*Z/TIME/;s/[0-9][0-9.]*/N/g'; sed 's/[0-9][0-9.]*/N/g' err
+  {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"a","time":"TIME","value":null}
+  {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"b","time":"TIME","value":null}
+  {"statistics":{"blocks":[{"address":"D_W:N","count":N,"errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N}],"tags":[{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"a"},{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"b"}]}}
+  N exchanges in N s (N/s), N words, N retries, N errors
+  N % of the line's capacity used
+  failures: no-reply N
+  tolvane-host: no good value at the end; no reply to N requests of N ms each: a, b
+  $ tolvane-host watch --port plc D_W:100 --csv /dev/full --for 9
+  tolvane-host: cannot write "/dev/full": No space left on device
+  [1]
+
+Recipes.
+
+  $ printf 'address,values\nD_W:1000:float,2.25\nM_bit:40.6x4,1,0,1,1\nD_W:1300x3:int16,-1,2,3\n' > recipe.csv
+  $ tolvane-host recipe push recipe.csv --port plc
+  3 of 3 addresses written and read back alike
+  $ printf 'D_W:1000:float\nM_bit:40.6x4\nD_W:1300x3:int16\n' > again.csv
+  $ tolvane-host recipe pull again.csv --port plc && diff recipe.csv again.csv
+  $ tolvane-host recipe pull - D_W:1200x103 --port plc | tail -1 | cut -c1-10,198-
+  D_W:1200x10,0,0,0,0,0,0,0,65535,2,3
+  $ tolvane-host recipe pull - D_W:100x2 --port plc --json | folded
+  {"address":"D_W:100","number":100,"quality":"good","station":1,"tag":"D_W:100x2","time":"TIME","
+  values":[1,2]}
+  $ tolvane-host recipe push recipe.csv $quick --port mute
+  tolvane-host: 0 of 9 values were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
+  [1]
+  $ tolvane-plc --link moving > /dev/null 2>&1 & pids="$pids $!"
+  $ printf "D_W:101,2000\nD_W:1000x300$(printf ',7%.0s' $(seq 300))\n" > moving.csv
+  $ until [ -e moving ]; do sleep 0.01; done; tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
+  D_W:101: wrote 2000, the controller holds another
+  1 of 2 addresses written and read back alike
+
+Refused before any line is opened, each with status 2 (but the last three) and what was expected.
+
+  $ printf 'D_W:600,1\nD_W:99999,1\n' > wrong.csv
+  $ printf 'D_W:101,2000\n' > short.csv
+  $ while read -r command; do tolvane-host $command || echo "[$?]"; done <<'END'
+  > read
+  > read D_W:99999
+  > read D_W:1
+  > read D_W:1 --port=
+  > read D_W:1 --simulate --tcp a:1
+  > read D_W:1 --tcp box
+  > read D_W:1 --port plc --baud 9600
+  > read D_W:1 --simulate --station 256
+  > read D_W:1 --simulate --retries 0
+  > read D_W:1 --simulate --timeout 0
+  > read D_W:1 --simulate --pace fast
+  > read D_W:1 --simulate --trace /nowhere/t
+  > write D_W:1
+  > write D_W:1=1
+  > write D_W:1=70000
+  > watch D_W:1 --for ever
+  > watch D_W:1 --json --csv -
+  > recipe file
+  > recipe push /nowhere/r
+  > recipe push wrong.csv
+  > recipe pull - D_W:1x3 D_W:3
+  > read D_W:1 --port /nowhere/tty
+  > write D_W:1=2 --port /nowhere/tty
+  > recipe push short.csv --port /nowhere/tty
+  > END
+  tolvane-host: nothing to read; expected ADDRESS... or --tags FILE
+  [2]
+  tolvane-host: argument 1: address "D_W:99999": outside D_W, which reaches from 0 to 32767
+  [2]
+  tolvane-host: no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate
+  [2]
+  tolvane-host: --port is empty; expected a value; see tolvane-host read --help
+  [2]
+  tolvane-host: more than one line; expected --port, --tcp or --simulate
+  [2]
+  tolvane-host: --tcp "box": expected HOST:PORT, such as 192.168.1.100:8000
+  [2]
+  tolvane-host: --baud "9600": it is the pace of a simulated controller; expected --serial for the settings of a line
+  [2]
+  tolvane-host: --station "256": expected a number from 0 to 255
+  [2]
+  tolvane-host: --retries "0": expected a number from 1 to 100
+  [2]
+  tolvane-host: --timeout "0": expected a number from 1 to 60000
+  [2]
+  tolvane-host: --pace "fast": expected line or none
+  [2]
+  tolvane-host: cannot write "/nowhere/t": No such file or directory
+  [2]
+  tolvane-host: argument 1: "D_W:1": expected ADDRESS=VALUE, such as D_W:100=5
+  [2]
+  tolvane-host: no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate
+  [2]
+  tolvane-host: D_W:1: "70000" is no value for it; expected a whole number from 0 to 65535
+  [2]
+  tolvane-host: --for "ever": expected seconds above 0
+  [2]
+  tolvane-host: --json and --csv - both want standard output
+  [2]
+  tolvane-host: recipe "file": expected pull or push
+  [2]
+  tolvane-host: cannot read the recipe /nowhere/r: No such file or directory
+  [2]
+  tolvane-host: wrong.csv:2: address "D_W:99999": outside D_W, which reaches from 0 to 32767
+  [2]
+  tolvane-host: recipe: two points of D_W overlap at address number 3
+  [2]
+  tolvane-host: D_W:1: cannot open /nowhere/tty: there is no device /nowhere/tty
+  [1]
+  tolvane-host: cannot open /nowhere/tty: there is no device /nowhere/tty
+  [1]
+  tolvane-host: cannot open /nowhere/tty: there is no device /nowhere/tty
+  [1]

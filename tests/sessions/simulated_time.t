@@ -1,0 +1,58 @@
+The tour runs in simulated time: it is the same every time, as docs/tour.txt shows it.
+
+  $ tolvane-host demo | sed 's#/.*/##' | diff - "$TESTDIR/../../docs/tour.txt"
+
+So does a soak, for the same seed.
+
+  $ tolvane-host soak --exchanges 2000 | sed 's#/.*/##'
+  A soak of the driver: a panel at random on a line with faults, and what is left of it.
+     library          libtolvane_link.so
+     line             a simulated controller, in simulated time, 115200 baud
+     faults           loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s, seed 1
+  
+  What the panel did
+     monitored        12 sets of addresses
+     wrote            608 times: 535 acknowledged, 3 given up, 70 replaced by newer
+     condition reads  102, of which 0 failed
+     recipes          28 written, 28 read, of which 2 failed
+  
+  What the line did
+     requests         2097 sent: 1908 answered well, 180 to be repeated, 9 given up
+     set aside        41 replies of other requests
+     took             250 s of the line's time
+     served           total=2082 read=1410 write=497 set=94 clear=81
+     refused          total=0
+     faults           total=218 loss=36 cut=26 flip=41 late=17 double=44 noise=34 mute=20
+     stray bytes      0
+  
+  What came of it
+     compared         16372 words of replies, 2835 values that the driver showed, the whole memory
+     ok     every write that was acknowledged is in the controller
+     ok     no bit or word that nobody wrote has changed
+     ok     what the host reads is what the controller holds
+     ok     no request was lost without a failure report
+  $ tolvane-host soak --exchanges 2000 --json | sed 's/^ *//' | tr '\n' ' ' | fold -s -w 96; echo
+  { "conditionReads": { "failed": 0, "made": 102 }, "controller": { "faults": { "cut": 26, 
+  "double": 44, "flip": 41, "late": 17, "loss": 36, "mute": 20, "noise": 34, "total": 218 }, 
+  "refused": { "beyond-device": 0, "byte-count": 0, "checksum": 0, "command": 0, "device": 0, 
+  "digits": 0, "layout": 0, "mask": 0, "odd-address": 0, "too-long": 0, "total": 0, "unfinished": 
+  0 }, "served": { "clear": 81, "read": 1410, "set": 94, "total": 2082, "write": 497 } }, 
+  "faults": "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s", 
+  "findings": { "accounted": [ ], "kept": [ ], "readRight": [ ], "untouched": [ ] }, "recipes": { 
+  "failed": 2, "read": 28, "written": 28 }, "requests": { "givenUp": 9, "good": 1908, "refused": 
+  41, "repeated": 180, "sent": 2097 }, "right": true, "seconds": 250.00879204100002, "seed": 1, 
+  "writes": { "acknowledged": 535, "givenUp": 3, "made": 608, "replaced": 70 } } 
+  $ while read -r options; do tolvane-host soak $options || echo "[$?]"; done <<'END'
+  > --exchanges many
+  > --exchanges 0
+  > --faults lost=2%
+  > --port /dev/null
+  > END
+  tolvane-host: --exchanges "many": expected a number from 1 to 1000000000
+  [2]
+  tolvane-host: --exchanges "0": expected a number from 1 to 1000000000
+  [2]
+  tolvane-host: --faults: unknown fault "lost", expected one of loss cut flip late double noise mute
+  [2]
+  tolvane-host: it would write at random to D 50-249, M 8-23 and TX 16-135 of that controller; expected --overwrite if it may
+  [2]
