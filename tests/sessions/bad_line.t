@@ -26,12 +26,13 @@ copy is early.
 
 An adapter is unplugged and plugged in again, a device server restarts.
 
-  $ for line in "--port adapter --link adapter" "--tcp 127.0.0.1:20047 --tcp 20047"; do
-  >     set -- $line
-  >     controller out $3 $4; first=$!
-  >     tolvane-host watch D_W:100 $1 $2 --json > log 2> said & host=$!
+  $ for line in port tcp; do
+  >     [ $line = tcp ] && its="--tcp 0" || its="--link adapter"
+  >     controller out $its; first=$!
+  >     [ $line = tcp ] && its="--tcp ${place##*:}" || place=adapter
+  >     tolvane-host watch D_W:100 --$line $place --json > log 2> said & host=$!
   >     await good log; kill $first; await '"line lost"' log
-  >     controller out $3 $4; await 'is back' said; : > log; await good log
+  >     controller out $its; await 'is back' said; : > log; await good log
   >     kill -INT $host; wait $host; echo "[$?]"
   >     sed 's#/.*: #/...: #;s/[0-9][0-9.]*/N/g' said
   > done
