@@ -8,8 +8,6 @@
 
 #include <QtCore/QTextStream>
 
-#include <algorithm>
-
 #include <unistd.h>
 
 namespace host {
@@ -20,9 +18,6 @@ using std::chrono::seconds;
 namespace {
 
 constexpr milliseconds IdlePause(5);
-constexpr milliseconds LostPause(100);  // between looks at a lost line
-constexpr seconds FirstReopening(1);
-constexpr seconds SlowestReopening(30);
 constexpr seconds LostLinePatience(10);
 
 Driver driverOf(const QCommandLineParser &parser)
@@ -55,6 +50,8 @@ void Connection::open(Purpose purpose)
             QStringLiteral("no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate"),
             BadInput);
     m_line = makeLine();
+    m_reopening = std::make_unique<Reopening>(*m_line, m_place);
+    m_reopening->say = [this](const QString &text) { say(text); };
     m_loop = std::make_unique<Loop>(m_driver, *m_line, m_options.loop);
     m_loop->observer = [this](const Exchange &exchange) {
         trace(exchange);
@@ -110,32 +107,12 @@ std::unique_ptr<Line> Connection::makeLine()
 
 Outcome Connection::step()
 {
-    if (!m_line->isOpen())
-        reopen();
-    if (!m_line->isOpen())
+    if (!m_reopening->ready())
         return Outcome::LineLost;
     const Outcome outcome = m_loop->exchange();
     if (outcome == Outcome::Idle)
         m_line->pause(IdlePause);
     return outcome;
-}
-
-void Connection::reopen()
-{
-    if (m_untilReopening.count() == 0) {
-        say(QStringLiteral("lost %1 (%2); trying again").arg(m_place, m_line->errorText()));
-        m_untilReopening = FirstReopening;
-        m_reopenAt = m_line->now() + m_untilReopening;
-    }
-    if (m_line->now() < m_reopenAt) {
-        m_line->pause(LostPause);
-    } else if (m_line->open()) {
-        m_untilReopening = milliseconds(0);
-        say(QStringLiteral("%1 is back").arg(m_place));
-    } else {
-        m_untilReopening = std::min<milliseconds>(2 * m_untilReopening, SlowestReopening);
-        m_reopenAt = m_line->now() + m_untilReopening;
-    }
 }
 
 QStringList Connection::finish()

@@ -5,6 +5,7 @@
 
 #include "host/connection_options.h"
 #include "host/controller_process.h"
+#include "host/line/reopening.h"
 #include "host/trace.h"
 
 #include <functional>
@@ -78,7 +79,6 @@ public:
 private:
     std::unique_ptr<Line> makeLine();
     void trace(const Exchange &exchange);
-    void reopen();
 
     Driver m_driver;
     Identity m_identity;
@@ -88,12 +88,10 @@ private:
     std::unique_ptr<Session> m_session;
     std::unique_ptr<ControllerProcess> m_controller;  // null unless simulated
     std::unique_ptr<Line> m_line;
+    std::unique_ptr<Reopening> m_reopening;
     std::unique_ptr<Loop> m_loop;
     QString m_place;  // what the line leads to, for messages
     QStringList m_givenUp;
-
-    std::chrono::milliseconds m_untilReopening{0};  // how long to wait; 0: the line is not lost
-    LineTime m_reopenAt{0};
 };
 
 }  // namespace host

@@ -1,5 +1,6 @@
 // Watching in simulated time: what becomes of values, counts and logs when the line misbehaves.
 #include "host/failure.h"
+#include "host/line/reopening.h"
 #include "host/line/virtual_line.h"
 #include "host/output_file.h"
 #include "host/watch/screen.h"
@@ -43,6 +44,7 @@ struct Story
         : driver(loadDriver(DRIVER_LIBRARY)),
           session(driver, SessionSettings()),
           line(stillLine()),
+          reopening(line, "it"),
           loop(driver, line, LoopSettings()),
           watch(driver, session, parseTags(driver, identify(driver), Tags, 1), withFloor(settings))
     {
@@ -58,7 +60,7 @@ struct Story
                     texts.insert(value.name + QLatin1Char('=') + value.text);
             }
         };
-        watch.say = [this](const QString &text) { said += text; };
+        watch.say = reopening.say = [this](const QString &text) { said += text; };
         loop.observer = [this](const Exchange &exchange) { watch.take(exchange, line.now()); };
         line.open();
     }
@@ -80,10 +82,7 @@ struct Story
     void run(int length, QMap<int, Action> actions = {})
     {
         const auto step = [this] {
-            if (line.isOpen() || line.open())
-                return loop.exchange();
-            line.pause(milliseconds(100));
-            return Outcome::LineLost;
+            return reopening.ready() ? loop.exchange() : Outcome::LineLost;
         };
         const auto act = [&] {
             while (!actions.isEmpty() && line.now() >= seconds(actions.firstKey()))
@@ -96,6 +95,7 @@ struct Story
     Driver driver;
     Session session;
     LineWithDeadAddress line;
+    Reopening reopening;
     Loop loop;
     Watch watch;
     QMap<QString, QString> events;  // names by second and quality
@@ -141,6 +141,9 @@ void TestWatch::qualities_data()
     QTest::newRow("a lost line makes all bad at once, and is back")
         << Actions{{3, Unplug}, {6, PlugIn}}
         << QStringList{start, " 3 s bad: afbc", " 6 s good: afbc"} << "";
+    QTest::newRow("gone for long: tried after 1, 3, 7, 15, 31, 61 and 91 s")
+        << Actions{{3, Unplug}, {65, PlugIn}}
+        << QStringList{start, " 3 s bad: afbc", "94 s good: afbc"} << "";
     QTest::newRow("a silent controller, block by block")
         << Actions{{3, Suspend}}
         << QStringList{start, " 4 s bad: af", " 6 s bad: b", " 7 s stale: c", " 8 s bad: c"}
@@ -156,7 +159,7 @@ void TestWatch::qualities()
 {
     QFETCH(Actions, actions);
     Story story;
-    story.run(20, actions);
+    story.run(120, actions);
     QStringList events;
     for (auto event = story.events.cbegin(); event != story.events.cend(); ++event)
         events += event.key() + ": " + event.value();
