@@ -1,6 +1,7 @@
 // The loop in simulated time: what its guards let through on bad lines, what a healthy line costs,
 // and the words for each failure.
 #include "host/trace.h"
+#include "host/watch/line_use.h"
 #include "loop_lines.h"
 
 #include <QtTest/QtTest>
@@ -92,8 +93,12 @@ void TestLoop::healthyLine()
     QCOMPARE(counters.refused, 0);
     QCOMPARE(counters.bytesStale, qint64(0));
     const LineTime travel = panel.line.wireTime(int(counters.bytesSent + counters.bytesReceived));
-    if (jitterMs == 0)
-        QCOMPARE(panel.line.now() / std::chrono::seconds(1), travel / std::chrono::seconds(1));
+    if (jitterMs > 0)
+        return;
+    QCOMPARE(panel.line.now() / std::chrono::seconds(1), travel / std::chrono::seconds(1));
+    const LineUse use(counters, LoopCounters(), 1e-9 * double(panel.line.now().count()),
+                      panel.line);
+    QCOMPARE(use.shareText(), QString("100.0 % of the line's capacity used"));
 }
 
 void TestLoop::everyFailureHasAName_data()
@@ -243,8 +248,12 @@ void TestLoop::traceShowsWhatWasRefused()
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QStringList told;
-    for (const QByteArray &text : file.readAll().split('\n'))
+    QVector<QTime> times;
+    for (const QByteArray &text : file.readAll().split('\n')) {
+        times.append(QTime::fromString(QString(text).section('T', 1).left(12), "hh:mm:ss.zzz"));
         told.append(QString(text).section("  ", 1, 1) + QString(text).section("  ", 3));
+    }
+    QCOMPARE(times[0].msecsTo(times[1]), 1);  // 1.996 ms
     QCOMPARE(told.size(), 6);
     QCOMPARE(told.mid(0, 3), (QStringList{"->read 1 word of D from word 0", "<-1 word: 0",
                                           "->read 1 word of D from word 1000"}));

@@ -127,8 +127,8 @@ void TestOffline::tagFiles()
         {"a, D_W:1 ,int16\r\nb,D_W:2,\n", "^1/1 a 1000 ; 1/2 b 1000 ; $"},
         {"\xEF\xBB\xBF"
          "Station,Unit,Address,NAME,Scale,decimals,offset,comment,,\n"
-         "2,bar,D_W:1,\"in, low\",0.01,1,-3,\"the \"\"old\"\" one\",,\n,,D_W:2\n,,,,,,,,,\n",
-         "^2/1 in, low 7.0 bar; 1/2 D_W:2 1000 ; $"},
+         "2,bar,D_W:1,\"low, in,\",0.01,1,-3,\"the \"\"old\"\" one\",,\n,,D_W:2\n,,,,,,,,,\n",
+         "^2/1 low, in, 7.0 bar; 1/2 D_W:2 1000 ; $"},
         {"name;address;scale\na;3/D_W:1;0,5\n", "^3/1 a 500 ; $"},
         {"name,address\n\"a,D_W:1\n", "t.csv:2: .*quote to be closed"},
         {"name,address,colour\n", "t.csv:1: \"colour\": expected columns out of"},

@@ -16,7 +16,8 @@ enum Wrong {
     WriteSwallowed,
     FailureUntold,
     WordForgotten,
-    WordSpoiled
+    WordSpoiled,
+    WordErased
 };
 Wrong wrong = Nothing;
 Driver real;
@@ -85,6 +86,8 @@ void TestSoakJudge::verdict_data()
         << int(WordForgotten) << "D word 70 is 0x.... instead of 0x";
     QTest::newRow("a controller that stores where nobody wrote")
         << int(WordSpoiled) << "D word 270 is 0x....: bits [0-9 ]+ changed";
+    QTest::newRow("a controller that loses a word nobody wrote")
+        << int(WordErased) << "D word 270 is 0x0000: bits [0-9 ]+ changed";
 }
 
 void TestSoakJudge::verdict()
@@ -109,7 +112,8 @@ void TestSoakJudge::verdict()
             const bool hit = request.command == 'w' && request.device == 'a' &&
                              request.word <= TheWord && request.word + request.words > TheWord;
             if (hit && wrong >= WordForgotten)
-                line.memory().setWord('a', wrong == WordForgotten ? TheWord : NobodysWord, 0x55AA);
+                line.memory().setWord('a', wrong == WordForgotten ? TheWord : NobodysWord,
+                                      wrong == WordErased ? 0 : 0x55AA);
         });
 
     const Identity identity = identify(driver);

@@ -9,6 +9,8 @@ Reading and writing on a pseudo-terminal, as at a controller.
   > }
   $ controller plc --image memory.csv
   $ controller mute --faults loss=100%
+  $ controller lossy --faults loss=50% --seed 3
+  $ controller lossier --faults loss=50% --seed 4
 
   $ quick="--timeout 60 --retries 2"
   $ folded() { sed 's/[-0-9T:.]*Z"/TIME"/' | tr -d ' \n' | fold -w 96; echo; }
@@ -53,8 +55,8 @@ What is written, and nothing beside it.
   [{"acknowledged":true,"address":"D_W:720","blocks":[{"acknowledged":true,"address":"D_W:720","co
   unt":2,"number":720,"station":1}],"number":720,"station":1,"tag":"D_W:720x2:hex","values":["0x00
   1F","0x0000"]}]
-  $ tolvane-host write $quick --port mute D_W:700x6=1,2,3,4,5,6 --block-limit 4
-  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4: no reply to 2 requests of 60 ms each; D_W:704x2: no reply to 2 requests of 60 ms each
+  $ tolvane-host write $quick --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
+  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 60 ms each
   [1]
   $ tolvane-host write $quick --port mute D_W:700=1 --json | folded
   tolvane-host: D_W:700: no reply to 2 requests of 60 ms each
@@ -109,6 +111,9 @@ Recipes.
   $ tolvane-host recipe push recipe.csv $quick --port mute
   tolvane-host: 0 of 9 values were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
   [1]
+  $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 60 --retries 1
+  tolvane-host: D_W:100: no reply within 60 ms; nothing was written
+  [1]
   $ tolvane-plc --link moving > /dev/null 2>&1 & pids="$pids $!"
   $ printf "D_W:101,2000\nD_W:1000x300$(printf ',7%.0s' $(seq 300))\n" > moving.csv
   $ until [ -e moving ]; do sleep 0.01; done; tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
@@ -137,6 +142,8 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   > write D_W:1=70000
   > watch D_W:1 --for ever
   > watch D_W:1 --json --csv -
+  > watch D_W:1 --simulate --csv wrong.csv
+  > watch D_W:1 --poll 0
   > recipe file
   > recipe push /nowhere/r
   > recipe push wrong.csv
@@ -178,6 +185,10 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   tolvane-host: --for "ever": expected seconds above 0
   [2]
   tolvane-host: --json and --csv - both want standard output
+  [2]
+  tolvane-host: "wrong.csv" is no log: its first line is "D_W:600,1", expected one that begins with "time,"; it was not touched
+  [2]
+  tolvane-host: --poll "0": expected a number from 1 to 86400000
   [2]
   tolvane-host: recipe "file": expected pull or push
   [2]

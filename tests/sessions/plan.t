@@ -25,6 +25,10 @@ A gap that is bridged; a block limit looked for; stations kept apart; names that
     2  1/D_W:2x4               4        2       14       21  3.04 ms  D_W:5, 1/D_W:2
     3  2/M_W:16                1        -       14        9  2.00 ms  2/M_bit:16.0
     4  2/D_W:1                 1        -       14        9  2.00 ms  2/D_W:1
+  $ tolvane-host plan D_W:10x200 D_W:212x50 M_bit:40.8x20 | sed -n 4,6p
+    1  M_W:40x2                2        -       14       13  2.34 ms  M_bit:40.8x20
+    2  D_W:10x127            127        -       14      513 45.75 ms  D_W:10x200
+    3  D_W:137x73             73        -       14      297 27.00 ms  D_W:10x200
   $ tolvane-host plan temperatures=D_W:0x64 cooling=D_W:20x3 fill_level=D_W:30 speed=D_W:40 | sed -n 3,5p
     #  block               words  bridged  request    reply     wire  tags
     1  D_W:0x64               64        -       14      261 23.87 ms  temperatures, cooling,

@@ -42,11 +42,30 @@ So does a soak, for the same seed.
   "failed": 2, "read": 28, "written": 28 }, "requests": { "givenUp": 9, "good": 1908, "refused": 
   41, "repeated": 180, "sent": 2097 }, "right": true, "seconds": 250.00879204100002, "seed": 1, 
   "writes": { "acknowledged": 535, "givenUp": 3, "made": 608, "replaced": 70 } } 
+
+On a real line the same panel takes real time. (The second soak finds what the first has left.)
+
+  $ tolvane-plc --still --baud 0 --link plc > /dev/null 2>&1 & pid=$!
+  $ until [ -e plc ]; do sleep 0.01; done
+  $ real="--port plc --pace none --overwrite --exchanges 500"
+  $ tolvane-host soak $real > /dev/null && tolvane-host soak $real --seed 2 | grep -E ' ok |wrote|sent|compared|WRONG'
+     wrote            132 times: 111 acknowledged, 0 given up, 21 replaced by newer
+     requests         599 sent: 599 answered well, 0 to be repeated, 0 given up
+     compared         7080 words of replies, 1808 values that the driver showed, the whole memory
+     ok     every write that was acknowledged is in the controller
+     ok     no bit or word that nobody wrote has changed
+     ok     what the host reads is what the controller holds
+     ok     no request was lost without a failure report
+  $ kill $pid; wait $pid
+
   $ while read -r options; do tolvane-host soak $options || echo "[$?]"; done <<'END'
   > --exchanges many
   > --exchanges 0
   > --faults lost=2%
   > --port /dev/null
+  > --port /dev/null --tcp a:1 --overwrite
+  > --port /dev/null --overwrite --faults loss=1%
+  > --seed -1
   > END
   tolvane-host: --exchanges "many": expected a number from 1 to 1000000000
   [2]
@@ -55,4 +74,10 @@ So does a soak, for the same seed.
   tolvane-host: --faults: unknown fault "lost", expected one of loss cut flip late double noise mute
   [2]
   tolvane-host: it would write at random to D 50-249, M 8-23 and TX 16-135 of that controller; expected --overwrite if it may
+  [2]
+  tolvane-host: more than one line; expected --port or --tcp
+  [2]
+  tolvane-host: --faults: a real line has its own; expected neither --port nor --tcp beside it
+  [2]
+  tolvane-host: --seed "-1": expected a number from 0 to 2147483647
   [2]
