@@ -1,4 +1,4 @@
-// Starts, stops and holds the simulated controller.
+// Starts and ends the simulated controller.
 #include "host/controller_process.h"
 
 #include "host/failure.h"
@@ -62,48 +62,9 @@ ControllerProcess::ControllerProcess(const QString &program, const QStringList &
 
 ControllerProcess::~ControllerProcess()
 {
-    if (!end()) {
-        m_process.kill();
-        m_process.waitForFinished(EndPatienceMs);
-    }
-}
-
-bool ControllerProcess::end()
-{
-    resume();  // a suspended process would not notice that it is to end
     m_process.terminate();
-    return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(EndPatienceMs);
-}
-
-QString ControllerProcess::finish()
-{
-    const bool ended = end();
-    QString report = QString::fromLocal8Bit(m_process.readAllStandardError());
-    if (!ended || m_process.exitStatus() != QProcess::NormalExit || m_process.exitCode() != 0)
-        throw Failure(
-            QStringLiteral("the simulated controller did not end well: %1").arg(report.trimmed()));
-    return report;
-}
-
-void ControllerProcess::suspend()
-{
-    signal(SIGSTOP);
-}
-
-void ControllerProcess::resume()
-{
-    signal(SIGCONT);
-}
-
-void ControllerProcess::heal()
-{
-    signal(SIGUSR2);
-}
-
-void ControllerProcess::signal(int number)
-{
-    if (m_process.state() == QProcess::Running)
-        ::kill(static_cast<pid_t>(m_process.processId()), number);
+    if (!m_process.waitForFinished(EndPatienceMs))
+        m_process.kill();
 }
 
 }  // namespace host

@@ -31,17 +31,7 @@ public:
     /** Path of the device that the controller is reached through. */
     QString device() const { return m_device; }
 
-    void suspend();  ///< the controller stops answering; requests wait for it
-    void resume();   ///< and answers what has waited
-    void heal();     ///< no more faults
-
-    /** Ends the process in good order; returns its closing report. Throws Failure if it fails. */
-    QString finish();
-
 private:
-    void signal(int number);
-    bool end();
-
     BoundProcess m_process;
     QString m_device;
 };

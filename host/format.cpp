@@ -3,8 +3,6 @@
 
 #include "host/failure.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -150,18 +148,11 @@ quint32 bitsOfNumber(const Form &form, const QString &text, bool *ok)
 {
     const FormatRow &row = rowOf(form.format);
     const bool isHex = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
-    if (form.format == Format::Float || (form.isConverted() && !isHex)) {
-        const double number = (text.toDouble(ok) - form.offset) / form.scale;
-        if (form.format == Format::Float) {
-            const float value = form.isConverted() ? static_cast<float>(number) : text.toFloat(ok);
-            quint32 bits = 0;
-            std::memcpy(&bits, &value, sizeof bits);
-            return bits;
-        }
-        const double whole = std::round(number);
-        *ok = *ok && whole >= double(row.lowest) && whole <= double(row.highest);
-        const qint64 value = *ok ? static_cast<qint64>(whole) : 0;
-        return static_cast<quint32>(form.format == Format::Bcd ? bcdWord(int(value)) : value);
+    if (form.format == Format::Float) {
+        const float value = text.toFloat(ok);
+        quint32 bits = 0;
+        std::memcpy(&bits, &value, sizeof bits);
+        return bits;
     }
     const bool isBinary = text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive);
     const bool asHex = (isHex && row.lowest == 0) || (form.format == Format::Hex && !isBinary);
@@ -194,10 +185,6 @@ QString Form::expectation() const
         return QStringLiteral("a number");
     if (format == Format::Hex)
         return QStringLiteral("a hexadecimal number from 0x0000 to 0xFFFF");
-    if (isConverted())
-        return QStringLiteral("a number from %1 to %2")
-            .arg(std::min(double(row.lowest) * scale, double(row.highest) * scale) + offset)
-            .arg(std::max(double(row.lowest) * scale, double(row.highest) * scale) + offset);
     return QStringLiteral("a whole number from %1 to %2").arg(row.lowest).arg(row.highest);
 }
 

@@ -65,8 +65,9 @@ QStringList formatValues(const Tag &tag, const QVector<int> &units);
 QString joinedValues(const Tag &tag, const QVector<int> &units);
 
 /**
- * The other way: "5" or "1,2,3", one value for each of the tag's, as words or bits. Throws Failure
- * (bad input) that names the text and what was expected.
+ * The other way: "5" or "1,2,3", one value for each of the tag's, as words or bits; numbers as the
+ * controller holds them, for a tag with a scale is not written. Throws Failure (bad input) that
+ * names the text and what was expected.
  */
 QVector<int> parseValues(const Tag &tag, const QString &text);
 

@@ -36,7 +36,7 @@ What the driver says of itself and of addresses.
   D_W:0x10: valid, 10 words from address number 0
   level: valid, 2 words from address number 100
   lamp: valid, 1 bit from address number 325
-  $ tolvane-host check D_W:32767x2 M_bit:1.16 X:1 D_W:1:real D_W:0x0 D_W:0x1048576 D_W:0x1048577 D_W:0x3:string:3 M_bit:1.0:float "$(printf 'F\303\274ll:1')" wrong.csv
+  $ tolvane-host check D_W:32767x2 M_bit:1.16 X:1 D_W:1:real D_W:0x0 D_W:0x1048576 D_W:0x1048577 D_W:0x3:string:3 M_bit:1.0:float hello D_W:1:string:0 "$(printf 'F\303\274ll:1')" wrong.csv
   argument 1: address "D_W:32767x2": outside D_W, which reaches from 0 to 32767
   argument 2: address "M_bit:1.16": "1.16" is no address of the form DDDD.DD
   argument 3: address "X:1": no register type "X"; there are
@@ -49,7 +49,9 @@ What the driver says of itself and of addresses.
   argument 7: address "D_W:0x1048577": expected a count from 1 to 1048576
   D_W:0x3:string:3: valid, 6 words from address number 0
   argument 9: a bit of M_bit has no format "float"
-  argument 10: address "F\xc3\xbcll:1": no register type "F\xc3\xbcll"; there are (esc)
+  argument 10: address "hello": expected TYPE:ADDRESS or TYPE:ADDRESSxCOUNT
+  argument 11: format "string:0": expected a length from 1 to 254
+  argument 12: address "F\xc3\xbcll:1": no register type "F\xc3\xbcll"; there are (esc)
     P_W, M_W, L_W, K_W, F_W, D_W, S_W, T_W, C_W, N_W, Z_W, P_bit, M_bit, L_bit, K_bit, F_bit, TX, CX
   level: valid, 1 word from address number 100
   wrong.csv:4: tag "flood": address "D_W:32767": outside D_W, which reaches from 0 to 32767

@@ -60,3 +60,15 @@ A terminal gets a table, drawn over the one before; the cursor is back at the en
   ^[J^[?Nh^[?Nl^[NAname   address     value  trend             changes  changed     read^[K
   ^[Nmlevel  D_W:N         -  not read yet                     -        -^[Nm^[K
   level  D_W:N       N  _ N    N s    N s^[K
+  $ script -qec "tolvane-host recipe pull recipe.csv D_W:0x300 --port $place" terminal > /dev/null
+  $ tr '\r' '\n' < terminal | grep -v ^Script
+  
+  pull [################                        ] 127 of 300 in 1 blocks
+  pull [#################################       ] 254 of 300 in 2 blocks
+  pull [########################################] 300 of 300 in 3 blocks
+  
+  
+  $ script -qec "tolvane-host soak --exchanges 20001 --json" terminal > /dev/null
+  $ tr '\r' '\n' < terminal | grep requests
+  20003 of 20001 requests\x1b[K (esc)
+      "requests": {

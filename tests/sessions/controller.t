@@ -21,6 +21,26 @@ The simulated controller by itself: it keeps what was written, and counts what c
   $ ls plc
   ls: cannot access 'plc': No such file or directory
   [2]
+  $ tolvane-plc --save --image nowhere/image.csv --link plc > /dev/null & pid=$!
+  $ until [ -e plc ]; do sleep 0.01; done
+  $ kill -TERM $pid; wait $pid
+  served: total=0 read=0 write=0 set=0 clear=0
+  refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
+  faults: total=0 loss=0 cut=0 flip=0 late=0 double=0 noise=0 mute=0
+  stray bytes: 0
+  tolvane-plc: nowhere/image.csv: No such file or directory
+  [1]
+  $ tolvane-plc --tcp 0 > out & pid=$!
+  $ until [ -s out ]; do sleep 0.01; done
+  $ tolvane-plc --tcp $(sed 's/.*://' out) 2>&1 | sed 's/[0-9][0-9]*/N/'
+  tolvane-plc: cannot listen on port N: The bound address is already in use
+  $ kill -INT $pid; wait $pid
+  served: total=0 read=0 write=0 set=0 clear=0
+  refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
+  faults: total=0 loss=0 cut=0 flip=0 late=0 double=0 noise=0 mute=0
+  stray bytes: 0
+  $ tolvane-plc --version
+  tolvane-plc 2.0.0.0
 
 Bad input is named, with what was expected.
 

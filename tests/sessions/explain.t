@@ -29,20 +29,29 @@ Frames in plain words: as hex pairs with or without blanks.
   [ { "bytes": "06 72 33 34 31 32 43 44 41 42 34 36 04", "checksum": "checksum 46: right", 
   "direction": "reply", "fault": null, "faultAt": null, "text": "2 words: 4660, 43981", "time": 
   null } ] 
-  $ tolvane-host explain 027761393030313030$(printf 32%.0s $(seq 9)) $(printf '0277613930303130303134%s463703' $(printf 32%.0s $(seq 40)))
+  $ tolvane-host explain 027761393030313030$(printf 32%.0s $(seq 9)) $(printf '0277613930303130303138%s463703' $(printf 32%.0s $(seq 48)))
   -> 02 77 61 39 30 30 31 30 30 32 32 32 32 32 32 32 32 32
                                                            ^^
      wrong: the frame ends too early
      checksum bytes 32 32: wrong, the bytes before add up to 2E (32 45)
   
-  -> 02 77 61 39 30 30 31 30 30 31 34 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32
-     32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 46 37 03
-                                                              ^^
-     wrong: checksum F7, but the bytes add up to 37
-     write 10 words of D from word 200: 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738
-     checksum bytes 46 37: wrong, the bytes before add up to 37 (33 37)
+  -> 02 77 61 39 30 30 31 30 30 31 38 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32
+     32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 32 46 37 03
+                                                                                      ^^
+     wrong: checksum F7, but the bytes add up to CB
+     write 12 words of D from word 200: 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738, 8738,
+       8738, 8738
+     checksum bytes 46 37: wrong, the bytes before add up to CB (43 42)
   
   2 frames, 2 wrong
+  [1]
+  $ tolvane-host explain 06 72 30 30 30 32 43 37 37 04
+  <- 06 72 30 30 30 32 43 37 37 04
+           ^^
+     wrong: 5 bytes of data are no words
+     checksum 77: right
+  
+  1 frame, 1 wrong
   [1]
   $ tolvane-host explain 02 hello
   tolvane-host: "hello" is no frame; expected bytes as hex pairs, such as "02 72 61", or a trace file

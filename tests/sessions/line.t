@@ -36,8 +36,12 @@ Reading and writing on a pseudo-terminal, as at a controller.
   D_W:100  1
   TIME  ->  02 72 61 43 38 30 30 30 30 30 32 37 30 03  read 1 word of D from word 100
   TIME  <-  06 72 30 31 30 30 33 33 04  1 word: 1
-  $ tolvane-host read M_bit:20.5 --simulate 2>/dev/null
+  $ tolvane-host read M_bit:20.5 --simulate --baud 9600 2>/dev/null
   M_bit:20.5  0
+  $ programs=$(dirname $(command -v tolvane-host))
+  $ cp $programs/tolvane-host $programs/../lib/libtolvane_link.so .
+  $ ./tolvane-host read D_W:1 --simulate 2>&1 | sed 's#/[^ )]*/#.../#g'
+  tolvane-host: cannot find the simulated controller in .../line.t (looked for tolvane-plc, ...../tolvane-plc)
 
 What is written, and nothing beside it.
 
@@ -101,6 +105,12 @@ Recipes.
   $ printf 'address,values\nD_W:1000:float,2.25\nM_bit:40.6x4,1,0,1,1\nD_W:1300x3:int16,-1,2,3\n' > recipe.csv
   $ tolvane-host recipe push recipe.csv --port plc
   3 of 3 addresses written and read back alike
+  $ tolvane-host recipe push recipe.csv --port plc --json | folded
+  {"address":"D_W:1000","alike":true,"number":1000,"quality":"good","station":1,"tag":"D_W:1000:fl
+  oat","time":"TIME","values":[2.25],"wanted":[2.25]}{"address":"M_bit:40.6","alike":true,"number"
+  :646,"quality":"good","station":1,"tag":"M_bit:40.6x4","time":"TIME","values":[1,0,1,1],"wanted"
+  :[1,0,1,1]}{"address":"D_W:1300","alike":true,"number":1300,"quality":"good","station":1,"tag":"
+  D_W:1300x3:int16","time":"TIME","values":[-1,2,3],"wanted":[-1,2,3]}
   $ printf 'D_W:1000:float\nM_bit:40.6x4\nD_W:1300x3:int16\n' > again.csv
   $ tolvane-host recipe pull again.csv --port plc && diff recipe.csv again.csv
   $ tolvane-host recipe pull - D_W:1200x103 --port plc | tail -1 | cut -c1-10,198-
@@ -124,6 +134,8 @@ Refused before any line is opened, each with status 2 (but the last three) and w
 
   $ printf 'D_W:600,1\nD_W:99999,1\n' > wrong.csv
   $ printf 'D_W:101,2000\n' > short.csv
+  $ echo > empty.csv; echo 'D_W:1,"2' > quote.csv
+  $ printf 'address,decimals\nD_W:1,99\n' > decimals.csv; printf 'address,scale\nD_W:1,x\n' > scale.csv
   $ while read -r command; do tolvane-host $command || echo "[$?]"; done <<'END'
   > read
   > read D_W:99999
@@ -137,14 +149,22 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   > read D_W:1 --simulate --timeout 0
   > read D_W:1 --simulate --pace fast
   > read D_W:1 --simulate --trace /nowhere/t
+  > write
   > write D_W:1
   > write D_W:1=1
   > write D_W:1=70000
+  > watch
   > watch D_W:1 --for ever
   > watch D_W:1 --json --csv -
   > watch D_W:1 --simulate --csv wrong.csv
   > watch D_W:1 --poll 0
   > recipe file
+  > recipe push
+  > recipe push short.csv D_W:1
+  > recipe push quote.csv
+  > recipe push empty.csv
+  > read --tags decimals.csv
+  > read --tags scale.csv
   > recipe push /nowhere/r
   > recipe push wrong.csv
   > recipe pull - D_W:1x3 D_W:3
@@ -176,11 +196,15 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   [2]
   tolvane-host: cannot write "/nowhere/t": No such file or directory
   [2]
+  tolvane-host: nothing to write; expected ADDRESS=VALUE...
+  [2]
   tolvane-host: argument 1: "D_W:1": expected ADDRESS=VALUE, such as D_W:100=5
   [2]
   tolvane-host: no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate
   [2]
   tolvane-host: D_W:1: "70000" is no value for it; expected a whole number from 0 to 65535
+  [2]
+  tolvane-host: nothing to watch; expected ADDRESS... or --tags FILE
   [2]
   tolvane-host: --for "ever": expected seconds above 0
   [2]
@@ -191,6 +215,18 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   tolvane-host: --poll "0": expected a number from 1 to 86400000
   [2]
   tolvane-host: recipe "file": expected pull or push
+  [2]
+  tolvane-host: no recipe file given; expected push FILE
+  [2]
+  tolvane-host: unexpected "D_W:1": push takes its addresses from the file
+  [2]
+  tolvane-host: quote.csv:1: "D_W:1,"2": expected each quote to be closed at its field's end
+  [2]
+  tolvane-host: there is no address in empty.csv
+  [2]
+  tolvane-host: decimals.csv:2: "99": expected decimals from 0 to 12
+  [2]
+  tolvane-host: scale.csv:2: "x": expected a number as scale
   [2]
   tolvane-host: cannot read the recipe /nowhere/r: No such file or directory
   [2]

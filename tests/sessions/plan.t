@@ -34,13 +34,13 @@ A gap that is bridged; a block limit looked for; stations kept apart; names that
     1  D_W:0x64               64        -       14      261 23.87 ms  temperatures, cooling,
                                                                       fill_level, speed
   $ folded() { tr -d ' \n' | fold -w 96; echo; }
-  $ tolvane-host plan --json lamp=M_bit:20.5 D_W:100:float D_W:106x2:uint32 | folded
+  $ tolvane-host plan --json lamp=M_bit:20.5 D_W:100:float D_W:106x2:uint32 --suggest | folded
   {"blockLimit":64,"blocks":[{"address":"M_W:20","bridged":0,"count":1,"number":20,"replyBytes":9,
   "requestBytes":14,"station":1,"tags":["lamp"],"wireMs":1.996},{"address":"D_W:100","bridged":4,"
   count":10,"number":100,"replyBytes":45,"requestBytes":14,"station":1,"tags":["D_W:100:float","D_
   W:106x2:uint32"],"wireMs":5.121}],"cycle":{"bytes":82,"ms":7.118,"requests":2,"wireMs":7.118},"r
-  equestPerTag":{"bytes":85,"ms":7.378,"requests":3,"wireMs":7.378},"serial":"115200,8,NONE,1","tu
-  rnaroundMs":0}
+  equestPerTag":{"bytes":85,"ms":7.378,"requests":3,"wireMs":7.378},"serial":"115200,8,NONE,1","su
+  ggestion":{"blockLimit":10,"bytes":82,"ms":7.118,"requests":2,"wireMs":7.118},"turnaroundMs":0}
 
 The picture: docs/example shows one whole; more labels than there is room for, a lane that goes on
 below, and gaps everywhere.
