@@ -30,9 +30,9 @@ The simulated controller by itself: it keeps what was written, and counts what c
   stray bytes: 0
   tolvane-plc: nowhere/image.csv: No such file or directory
   [1]
-  $ tolvane-plc --tcp 0 > out & pid=$!
-  $ until [ -s out ]; do sleep 0.01; done
-  $ tolvane-plc --tcp $(sed 's/.*://' out) 2>&1 | sed 's/[0-9][0-9]*/N/'
+  $ tolvane-plc --tcp 0 > tcp & pid=$!
+  $ until [ -s tcp ]; do sleep 0.01; done
+  $ tolvane-plc --tcp $(sed "s/.*://" tcp) 2>&1 | sed 's/[0-9][0-9]*/N/'
   tolvane-plc: cannot listen on port N: The bound address is already in use
   $ kill -INT $pid; wait $pid
   served: total=0 read=0 write=0 set=0 clear=0
