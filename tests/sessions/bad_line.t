@@ -1,13 +1,7 @@
 Lines that misbehave, and the host at them.
 
-  $ trap 'kill $pids 2> /dev/null; wait' EXIT
+  $ . "$TESTDIR/functions.sh"
   $ printf 'D,100,1\nD,110,0\nD,111,16320\nD,300,30\nD,500,50\n' > memory.csv
-  $ await() { for i in $(seq 500); do grep -qs "$1" "$2" && return; sleep 0.02; done; echo "no $1"; }
-  $ controller() {
-  >     out=$1; shift; rm -f $out
-  >     tolvane-plc --image memory.csv "$@" > $out 2>&1 & pids="$pids $!"
-  >     await listening $out; place=$(sed -n 's/listening on //p' $out)
-  > }
 
 Replies that come late or twice. Three words are polled in turn: a reply that was taken for another's
 would show as another value. The line is so slow that no busy machine comes too late to see that a
@@ -15,10 +9,11 @@ copy is early.
 
   $ for line in port tcp; do
   >     [ $line = tcp ] && its="--tcp 0" || its=
-  >     controller out --still --baud 4800 --faults late=5%:250ms,double=40% $its
+  >     controller --still --image memory.csv --baud 4800 --faults late=5%:250ms,double=40% $its
   >     tolvane-host watch D_W:100 D_W:300 D_W:500 --block-limit 1 --csv - --for 1.5 --quiet 500 \
-  >         --timeout 200 --serial 4800,8N1 --$line $place 2> counts | cut -d, -f3-4
-  > done | grep -v ',$' | sort -u
+  >         --timeout 200 --serial 4800,8N1 --$line $place 2> said | cut -d, -f3-4
+  > done > values
+  $ grep -v ',$' values | sort -u
   D_W:100,1
   D_W:300,30
   D_W:500,50
@@ -28,11 +23,11 @@ An adapter is unplugged and plugged in again, a device server restarts.
 
   $ for line in port tcp; do
   >     [ $line = tcp ] && its="--tcp 0" || its="--link adapter"
-  >     controller out $its; first=$!
+  >     controller --image memory.csv $its; first=$!
   >     [ $line = tcp ] && its="--tcp ${place##*:}" || place=adapter
   >     tolvane-host watch D_W:100 --$line $place --json > log 2> said & host=$!
-  >     await good log; kill $first; await '"line lost"' log
-  >     controller out $its; await 'is back' said; : > log; await good log
+  >     await log good; kill $first; await log '"line lost"'
+  >     controller --image memory.csv $its; await said 'is back'; : > log; await log good
   >     kill -INT $host; wait $host; echo "[$?]"
   >     sed 's#/.*: #/...: #;s/[0-9][0-9.]*/N/g' said
   > done
@@ -49,7 +44,7 @@ An adapter is unplugged and plugged in again, a device server restarts.
 
 A terminal gets a table, drawn over the one before; the cursor is back at the end.
 
-  $ controller out --still
+  $ controller --still --image memory.csv
   $ script -qec "tolvane-host watch level=D_W:110:float --for 0.6 --port $place" terminal > /dev/null
   $ sed 's/\x1b/^/g;s/\r//g;s/__*  */_ /;s/[0-9][0-9.]*/N/g' terminal | grep -v ^Script | sort -u
   

@@ -1,14 +1,12 @@
 The simulated controller by itself: it keeps what was written, and counts what came.
 
-  $ tolvane-plc --link plc --still --save --image image.csv --verbose > out 2> err & pid=$!
-  $ until [ -e plc ]; do sleep 0.01; done
+  $ . "$TESTDIR/functions.sh"
+  $ controller --link plc --still --save --image image.csv --verbose
   $ tolvane-host write --port plc D_W:5=7 M_bit:1.2=1
   D_W:5     = 7  acknowledged
   M_bit:1.2 = 1  acknowledged
-  $ kill -TERM $pid; wait $pid
-  $ sed 's#/dev.*#/dev/...#' out
-  listening on /dev/...
-  $ cat err image.csv
+  $ end TERM
+  $ cat counts image.csv
   write D 5 = 7
   set M 1 mask 0004
   served: total=2 read=0 write=1 set=1 clear=0
@@ -21,24 +19,15 @@ The simulated controller by itself: it keeps what was written, and counts what c
   $ ls plc
   ls: cannot access 'plc': No such file or directory
   [2]
-  $ tolvane-plc --save --image nowhere/image.csv --link plc > /dev/null & pid=$!
-  $ until [ -e plc ]; do sleep 0.01; done
-  $ kill -TERM $pid; wait $pid
-  served: total=0 read=0 write=0 set=0 clear=0
-  refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
-  faults: total=0 loss=0 cut=0 flip=0 late=0 double=0 noise=0 mute=0
-  stray bytes: 0
-  tolvane-plc: nowhere/image.csv: No such file or directory
+  $ controller --save --image nowhere/image.csv
+  $ end TERM
   [1]
-  $ tolvane-plc --tcp 0 > tcp & pid=$!
-  $ until [ -s tcp ]; do sleep 0.01; done
-  $ tolvane-plc --tcp $(sed "s/.*://" tcp) 2>&1 | sed 's/[0-9][0-9]*/N/'
+  $ tail -1 counts
+  tolvane-plc: nowhere/image.csv: No such file or directory
+  $ controller --tcp 0
+  $ tolvane-plc --tcp ${place#*:} 2>&1 | sed 's/[0-9][0-9]*/N/'
   tolvane-plc: cannot listen on port N: The bound address is already in use
-  $ kill -INT $pid; wait $pid
-  served: total=0 read=0 write=0 set=0 clear=0
-  refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
-  faults: total=0 loss=0 cut=0 flip=0 late=0 double=0 noise=0 mute=0
-  stray bytes: 0
+  $ end INT
   $ tolvane-plc --version
   tolvane-plc 2.0.0.0
 

@@ -2,18 +2,13 @@ Reading and writing on a pseudo-terminal, as at a controller.
 
   $ printf 'D,100,1\nD,101,2\nD,102,65535\nD,110,0\nD,111,16320\nD,300,30\nM,20,160\n' > memory.csv
   $ printf 'name,address,format\nlevel,D_W:110,float\nlamp,M_bit:20.5,\n' > tags.csv
-  $ trap 'kill $pids 2> /dev/null; wait' EXIT
-  $ controller() {
-  >     tolvane-plc --still --link "$@" > /dev/null 2>&1 & pids="$pids $!"
-  >     until [ -e $1 ]; do sleep 0.01; done
-  > }
-  $ controller plc --image memory.csv
-  $ controller mute --faults loss=100%
-  $ controller lossy --faults loss=50% --seed 3
-  $ controller lossier --faults loss=50% --seed 4
-
+  $ . "$TESTDIR/functions.sh"
+  $ controller --still --link plc --image memory.csv
+  $ controller --still --link mute --faults loss=100%
+  $ controller --still --link lossy --faults loss=50% --seed 3
+  $ controller --still --link lossier --faults loss=50% --seed 4
+  $ controller --link moving
   $ quick="--timeout 60 --retries 2"
-  $ folded() { sed 's/[-0-9T:.]*Z"/TIME"/' | tr -d ' \n' | fold -w 96; echo; }
   $ tolvane-host read --port plc D_W:100x3
   D_W:100x3  1, 2, 65535
   $ tolvane-host read --port plc --tags tags.csv D_W:102:int16
@@ -124,9 +119,8 @@ Recipes.
   $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 60 --retries 1
   tolvane-host: D_W:100: no reply within 60 ms; nothing was written
   [1]
-  $ tolvane-plc --link moving > /dev/null 2>&1 & pids="$pids $!"
   $ printf "D_W:101,2000\nD_W:1000x300$(printf ',7%.0s' $(seq 300))\n" > moving.csv
-  $ until [ -e moving ]; do sleep 0.01; done; tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
+  $ tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
   D_W:101: wrote 2000, the controller holds another
   1 of 2 addresses written and read back alike
 

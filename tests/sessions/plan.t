@@ -33,7 +33,7 @@ A gap that is bridged; a block limit looked for; stations kept apart; names that
     #  block               words  bridged  request    reply     wire  tags
     1  D_W:0x64               64        -       14      261 23.87 ms  temperatures, cooling,
                                                                       fill_level, speed
-  $ folded() { tr -d ' \n' | fold -w 96; echo; }
+  $ . "$TESTDIR/functions.sh"
   $ tolvane-host plan --json lamp=M_bit:20.5 D_W:100:float D_W:106x2:uint32 --suggest | folded
   {"blockLimit":64,"blocks":[{"address":"M_W:20","bridged":0,"count":1,"number":20,"replyBytes":9,
   "requestBytes":14,"station":1,"tags":["lamp"],"wireMs":1.996},{"address":"D_W:100","bridged":4,"

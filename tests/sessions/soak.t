@@ -45,8 +45,8 @@ So does a soak, for the same seed.
 
 On a real line the same panel takes real time. (The second soak finds what the first has left.)
 
-  $ tolvane-plc --still --baud 0 --link plc > /dev/null 2>&1 & pid=$!
-  $ until [ -e plc ]; do sleep 0.01; done
+  $ . "$TESTDIR/functions.sh"
+  $ controller --still --baud 0 --link plc
   $ real="--port plc --pace none --overwrite --exchanges 500"
   $ tolvane-host soak $real > /dev/null && tolvane-host soak $real --seed 2 | grep -E ' ok |wrote|sent|compared|WRONG'
      wrote            132 times: 111 acknowledged, 0 given up, 21 replaced by newer
@@ -56,7 +56,6 @@ On a real line the same panel takes real time. (The second soak finds what the f
      ok     no bit or word that nobody wrote has changed
      ok     what the host reads is what the controller holds
      ok     no request was lost without a failure report
-  $ kill $pid; wait $pid
 
   $ while read -r options; do tolvane-host soak $options || echo "[$?]"; done <<'END'
   > --exchanges many

@@ -20,8 +20,9 @@ private slots:
         qputenv("PATH", PROGRAMS ":" + qgetenv("PATH"));
         QProcess cram;
         cram.setProcessChannelMode(QProcess::MergedChannels);
-        cram.start(CRAM_PROGRAM, {"--shell=/bin/sh", file});
-        QVERIFY(cram.waitForFinished(60000));
+        // Ends all that the session has started, should it not end.
+        cram.start("timeout", {"--kill-after=1", "60", CRAM_PROGRAM, "--shell=/bin/sh", file});
+        QVERIFY(cram.waitForFinished(90000));
         QVERIFY2(cram.exitCode() == 0, cram.readAll().constData());
     }
 };
