@@ -21,8 +21,8 @@ private slots:
         QProcess cram;
         cram.setProcessChannelMode(QProcess::MergedChannels);
         // Ends all that the session has started, should it not end.
-        cram.start("timeout", {"--kill-after=1", "60", CRAM_PROGRAM, "--shell=/bin/sh", file});
-        QVERIFY(cram.waitForFinished(90000));
+        cram.start("timeout", {"--kill-after=1", "40", CRAM_PROGRAM, "--shell=/bin/sh", file});
+        QVERIFY(cram.waitForFinished(50000));
         QVERIFY2(cram.exitCode() == 0, cram.readAll().constData());
     }
 };
