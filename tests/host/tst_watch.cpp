@@ -124,6 +124,7 @@ private slots:
     void qualities_data();
     void qualities();
     void deadAddressDoesNotSlowTheOthers();
+    void onlyDeadBlocksAreSetAside();
     void samplesAndPace_data();
     void samplesAndPace();
     void tableFits_data();
@@ -204,6 +205,44 @@ f    9295        0       0  0.0 s ago  2.7   2.7     2.7
 b    3209       10       5  0.0 s ago  2.0   2.0     2.0  no-reply 15
 c    9292        0       0  0.0 s ago  2.0   2.0     2.0
 )"));
+}
+
+void TestWatch::onlyDeadBlocksAreSetAside()
+{
+    const auto d = [](int word, int count) { return Point{1, "D_W", word, count, false}; };
+    SetAside aside({d(100, 300)});  // in blocks of 127, 127 and 46 words
+    QStringList news;
+    aside.gone = [&](const Point &block) { news += QString("%1 gone").arg(block.address); };
+    aside.back = [&](const Point &block) { news += QString("%1 back").arg(block.address); };
+    const auto polled = [&] {
+        QString text;
+        for (const Point &point : aside.polled())
+            text += QString("%1x%2 ").arg(point.address).arg(point.count);
+        return text;
+    };
+    const auto fail = [&](const Point &block, int times, int second) {
+        bool changed = false;
+        for (int i = 0; i < times; ++i) {
+            aside.take(d(100, 127), true, seconds(second));
+            changed = aside.take(block, false, seconds(second));
+        }
+        return changed;
+    };
+    QVERIFY(!fail(d(227, 127), 2, 0) && !aside.lineLost() && !fail(d(227, 127), 2, 0));
+    QVERIFY(!aside.take(d(227, 127), true, seconds(0)) && !fail(d(354, 46), 2, 0));
+    QCOMPARE(polled(), QString("100x300 "));
+    QVERIFY(fail(d(227, 127), 3, 1) && fail(d(354, 46), 1, 4));
+    QCOMPARE(polled(), QString("100x127 "));
+    QVERIFY(!aside.tryAgain(seconds(10)) && aside.tryAgain(seconds(11)));
+    QCOMPARE(polled(), QString("100x254 "));
+    QVERIFY(!aside.tryAgain(seconds(14)));  // one at a time
+    QVERIFY(aside.take(d(227, 127), false, seconds(13)));
+    QVERIFY(!aside.tryAgain(seconds(18)) && aside.tryAgain(seconds(19)));  // rests three times as long as it took
+    QVERIFY(!aside.take(d(354, 46), true, seconds(19)));
+    QCOMPARE(polled(), QString("100x127 354x46 "));
+    QVERIFY(aside.lineLost());
+    QCOMPARE(polled(), QString("100x300 "));
+    QCOMPARE(news, (QStringList{"227 gone", "354 gone", "354 back"}));
 }
 
 void TestWatch::samplesAndPace_data()
