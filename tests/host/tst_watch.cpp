@@ -237,7 +237,8 @@ void TestWatch::onlyDeadBlocksAreSetAside()
     QCOMPARE(polled(), QString("100x254 "));
     QVERIFY(!aside.tryAgain(seconds(14)));  // one at a time
     QVERIFY(aside.take(d(227, 127), false, seconds(13)));
-    QVERIFY(!aside.tryAgain(seconds(18)) && aside.tryAgain(seconds(19)));  // rests three times as long as it took
+    QVERIFY(!aside.tryAgain(seconds(18)) &&
+            aside.tryAgain(seconds(19)));  // rests three times as long as it took
     QVERIFY(!aside.take(d(354, 46), true, seconds(19)));
     QCOMPARE(polled(), QString("100x127 354x46 "));
     QVERIFY(aside.lineLost());
