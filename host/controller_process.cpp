@@ -52,10 +52,7 @@ ControllerProcess::ControllerProcess(const QString &program, const QStringList &
         const QByteArray said = line + m_process.readAllStandardError().trimmed();
         const QString why = said.isEmpty() ? m_process.errorString() : QString::fromLocal8Bit(said);
         throw Failure(
-            QStringLiteral("the simulated controller %1 does not serve: %2").arg(program, why),
-            m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == BadInput
-                ? BadInput
-                : SomethingFailed);
+            QStringLiteral("the simulated controller %1 does not serve: %2").arg(program, why));
     }
     m_device = QString::fromLocal8Bit(line.mid(greeting.size()));
 }

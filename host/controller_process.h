@@ -22,8 +22,8 @@ class ControllerProcess
 {
 public:
     /**
-     * Starts the program and waits until it serves. Throws Failure when it does not: bad input
-     * when it refused its arguments, with what it said of them.
+     * Starts the program and waits until it serves. Throws Failure when it does not, with what it
+     * said.
      */
     ControllerProcess(const QString &program, const QStringList &arguments);
     ~ControllerProcess();  ///< ends the process

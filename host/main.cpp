@@ -1,8 +1,11 @@
 // tolvane-host: the driver's bench. Chooses the command and reports what ended it.
 #include "host/commands/commands.h"
 #include "host/failure.h"
+#include "host/tag_text.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
 #include <QtCore/QTextStream>
 
 #include <algorithm>
@@ -11,25 +14,31 @@
 
 namespace {
 
+enum class Json { None, Object, Array, Lines };
+
 struct Command
 {
     const char *name;
     const char *summary;
     int (*run)(const QStringList &arguments);
+    Json json;  ///< what --json prints
 };
 
 constexpr Command Commands[] = {
-    {"demo", "a tour of the driver against a simulated controller", host::demoCommand},
-    {"info", "the driver and its register types", host::infoCommand},
-    {"check", "addresses: valid, or why not", host::checkCommand},
-    {"series", "the addresses that a multiple copy gets", host::seriesCommand},
-    {"explain", "frames in plain words, and what is wrong with them", host::explainCommand},
-    {"plan", "what one poll cycle will be, and what it will cost", host::planCommand},
-    {"soak", "random traffic on a bad line, and the proof of what came of it", host::soakCommand},
-    {"read", "one value of each address", host::readCommand},
-    {"recipe", "many values at once, to a file or from it", host::recipeCommand},
-    {"watch", "values as they change, in a live table or as lines", host::watchCommand},
-    {"write", "values to addresses, and what came of each", host::writeCommand},
+    {"demo", "a tour of the driver against a simulated controller", host::demoCommand, Json::None},
+    {"info", "the driver and its register types", host::infoCommand, Json::Object},
+    {"check", "addresses: valid, or why not", host::checkCommand, Json::Array},
+    {"series", "the addresses that a multiple copy gets", host::seriesCommand, Json::Array},
+    {"explain", "frames in plain words, and what is wrong with them", host::explainCommand,
+     Json::Array},
+    {"plan", "what one poll cycle will be, and what it will cost", host::planCommand, Json::Object},
+    {"soak", "random traffic on a bad line, and the proof of what came of it", host::soakCommand,
+     Json::Object},
+    {"read", "one value of each address", host::readCommand, Json::Array},
+    {"recipe", "many values at once, to a file or from it", host::recipeCommand, Json::Lines},
+    {"watch", "values as they change, in a live table or as lines", host::watchCommand,
+     Json::Lines},
+    {"write", "values to addresses, and what came of each", host::writeCommand, Json::Array},
 };
 
 QString usage()
@@ -55,6 +64,24 @@ const Command *commandNamed(const QString &name)
     return command == std::end(Commands) ? nullptr : command;
 }
 
+// A command that fails before it has printed anything still gives a program that reads along JSON.
+int runCommand(const Command &command, const QStringList &arguments)
+{
+    try {
+        return command.run(arguments);
+    } catch (const host::Failure &failure) {
+        const QJsonObject object{{QStringLiteral("quality"), QStringLiteral("bad")},
+                                 {QStringLiteral("reason"), QString::fromUtf8(failure.what())}};
+        QTextStream out(stdout);
+        if (command.json != Json::None && arguments.contains(QStringLiteral("--json")))
+            out << (command.json == Json::Lines ? host::jsonLine(object)
+                    : command.json == Json::Array
+                        ? QString(QJsonDocument(QJsonArray{object}).toJson())
+                        : QString(QJsonDocument(object).toJson()));
+        throw;
+    }
+}
+
 // Options may stand before the command. Which of them take a value only the command knows: so the
 // first word that names a command is it, and goes to the front.
 int run(QStringList arguments)
@@ -73,7 +100,7 @@ int run(QStringList arguments)
         const Command *command = commandNamed(arguments[i]);
         if (command) {
             arguments.move(i, 1);
-            return command->run(arguments);
+            return runCommand(*command, arguments);
         }
         if (!optionsFirst)
             break;

@@ -73,10 +73,8 @@ int checkCommand(const QStringList &arguments)
         QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
         QStringLiteral("ADDRESS..."));
     commandLine.addJsonOption("Print a JSON array, an object an address.");
-    return withJsonAlways(arguments, JsonForm::Array, [&] {
-        commandLine.read(arguments, std::numeric_limits<int>::max());
-        return check(commandLine);
-    });
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    return check(commandLine);
 }
 
 int seriesCommand(const QStringList &arguments)

@@ -76,21 +76,4 @@ void printJson(const QJsonDocument &document)
     QTextStream(stdout) << document.toJson();
 }
 
-int withJsonAlways(const QStringList &arguments, JsonForm form, const std::function<int()> &run)
-{
-    try {
-        return run();
-    } catch (const Failure &failure) {
-        const QJsonObject object{{QStringLiteral("quality"), QStringLiteral("bad")},
-                                 {QStringLiteral("reason"), QString::fromUtf8(failure.what())}};
-        if (!arguments.contains(QStringLiteral("--json")))
-            throw;
-        if (form == JsonForm::Lines)
-            QTextStream(stdout) << jsonLine(object);
-        else
-            printJson(QJsonDocument(QJsonArray{object}));
-        throw;
-    }
-}
-
 }  // namespace host

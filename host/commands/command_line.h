@@ -5,8 +5,6 @@
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QJsonDocument>
 
-#include <functional>
-
 namespace host {
 
 class CommandLine : public QCommandLineParser
@@ -40,14 +38,6 @@ private:
 
 /** Prints it on standard output, over several lines. */
 void printJson(const QJsonDocument &document);
-
-enum class JsonForm { Array, Lines };
-
-/**
- * Runs a command. One that throws Failure before it has printed anything still gives a program that
- * reads along JSON, if --json is among the arguments: an object with the reason.
- */
-int withJsonAlways(const QStringList &arguments, JsonForm form, const std::function<int()> &run);
 
 }  // namespace host
 

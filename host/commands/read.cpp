@@ -62,10 +62,8 @@ int readCommand(const QStringList &arguments)
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
     commandLine.addJsonOption("Print a JSON array, an object a tag.");
-    return withJsonAlways(arguments, JsonForm::Array, [&] {
-        commandLine.read(arguments, std::numeric_limits<int>::max());
-        return read(commandLine);
-    });
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    return read(commandLine);
 }
 
 }  // namespace host

@@ -213,10 +213,8 @@ int recipeCommand(const QStringList &arguments)
     addConnectionOptions(commandLine);
     commandLine.addJsonOption(
         "Print what the controller holds as a line of JSON for each address.");
-    return withJsonAlways(arguments, JsonForm::Lines, [&] {
-        commandLine.read(arguments, std::numeric_limits<int>::max());
-        return recipe(commandLine);
-    });
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    return recipe(commandLine);
 }
 
 }  // namespace host

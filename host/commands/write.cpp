@@ -175,10 +175,8 @@ int writeCommand(const QStringList &arguments)
         QStringLiteral("ADDRESS=VALUE..."));
     addConnectionOptions(commandLine);
     commandLine.addJsonOption("Print a JSON array, an object a tag.");
-    return withJsonAlways(arguments, JsonForm::Array, [&] {
-        commandLine.read(arguments, std::numeric_limits<int>::max());
-        return write(commandLine);
-    });
+    commandLine.read(arguments, std::numeric_limits<int>::max());
+    return write(commandLine);
 }
 
 }  // namespace host

@@ -113,6 +113,12 @@ Options may stand before the command; a wrong command line is refused with what 
   [2]
   tolvane-host: --step "-3": expected a number from -2 to 65535
   [2]
+  $ for command in "info --json more" "series --json x" "watch --json"; do
+  >     tolvane-host $command 2> /dev/null | tr -d '\n'; echo
+  > done
+  {    "quality": "bad",    "reason": "unexpected argument \"more\"; see tolvane-host info --help"}
+  [    {        "quality": "bad",        "reason": "address \"x\": expected TYPE:ADDRESS or TYPE:ADDRESSxCOUNT"    }]
+  {"quality":"bad","reason":"nothing to watch; expected ADDRESS... or --tags FILE"}
   $ tolvane-host info --json > /dev/full
   tolvane-host: cannot write to standard output: No space left on device
   [1]

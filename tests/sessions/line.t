@@ -202,6 +202,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   [2]
   tolvane-host: --for "ever": expected seconds above 0
   [2]
+  {"quality":"bad","reason":"--json and --csv - both want standard output"}
   tolvane-host: --json and --csv - both want standard output
   [2]
   tolvane-host: "wrong.csv" is no log: its first line is "D_W:600,1", expected one that begins with "time,"; it was not touched
