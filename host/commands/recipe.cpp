@@ -5,6 +5,7 @@
 #include "host/output_file.h"
 #include "host/recipe_file.h"
 #include "host/recipe_transfer.h"
+#include "host/table.h"
 #include "host/tag_reader.h"
 #include "host/tag_text.h"
 
@@ -45,7 +46,7 @@ public:
             const int done = int(qint64(BarWidth) * qMin(units, allUnits) / allUnits);
             QTextStream(stderr) << '\r' << title << " [" << QString(done, QLatin1Char('#'))
                                 << QString(BarWidth - done, QLatin1Char(' ')) << "] " << units
-                                << " of " << allUnits << " in " << blocks << " blocks";
+                                << " of " << allUnits << " in " << countText(blocks, "block");
         };
     }
 

@@ -11,9 +11,11 @@
 
 #include "plc/report.h"
 
-#include <unistd.h>
+#include <algorithm>
 #include <cstdio>
 #include <limits>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -41,7 +43,7 @@ qint64 wholeNumber(const CommandLine &commandLine, const char *option, qint64 lo
 void showProgress(qint64 sent, qint64 requests)
 {
     if (::isatty(STDERR_FILENO))
-        std::fprintf(stderr, "\r%lld of %lld requests\x1b[K%s", sent, requests,
+        std::fprintf(stderr, "\r%lld of %lld requests\x1b[K%s", std::min(sent, requests), requests,
                      sent >= requests ? "\r\x1b[K" : "");
 }
 

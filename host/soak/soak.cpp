@@ -88,6 +88,7 @@ void Soak::run(qint64 requests, const std::function<void(qint64)> &progress)
         announced = m_counts.requests;
         progress(announced);
     }
+    progress(m_counts.requests);
 }
 
 void Soak::step()

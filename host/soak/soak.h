@@ -45,8 +45,8 @@ public:
     static QVector<Point> places();
 
     /**
-     * Does as a panel does until so many requests were sent. progress is called now and then.
-     * Throws Failure when the line is lost or the driver has nothing to send.
+     * Does as a panel does until so many requests were sent. progress is called now and then, and
+     * at the end. Throws Failure when the line is lost or the driver has nothing to send.
      */
     void run(qint64 requests, const std::function<void(qint64 requestsSent)> &progress);
 

@@ -22,15 +22,14 @@ public:
         m_begin = std::max(m_begin, now);
     }
 
-    /** A request of the cycle has ended, well or given up. Returns true when it was the last. */
-    bool finish(LineTime now)
+    /** A request of the cycle has ended, well or given up. */
+    void finish(LineTime now)
     {
         if (++m_done < m_requests)
-            return false;
+            return;
         m_cycle = now - m_begin;
         m_done = 0;
         m_begin = std::max(now, m_begin + m_interval);
-        return true;
     }
 
     /** How long the next request has to wait; 0: it may go. */
