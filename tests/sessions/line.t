@@ -1,7 +1,7 @@
 Reading and writing on a pseudo-terminal, as at a controller.
 
   $ printf 'D,100,1\nD,101,2\nD,102,65535\nD,110,0\nD,111,16320\nD,300,30\nM,20,160\n' > memory.csv
-  $ printf 'name,address,format\nlevel,D_W:110,float\nlamp,M_bit:20.5,\n' > tags.csv
+  $ printf 'name,address,format,unit,decimals\nlevel,D_W:110,float,bar,2\nlamp,M_bit:20.5\n' > tags.csv
   $ . "$TESTDIR/functions.sh"
   $ controller --still --link plc --image memory.csv
   $ controller --still --link mute --faults loss=100%
@@ -12,7 +12,7 @@ Reading and writing on a pseudo-terminal, as at a controller.
   $ tolvane-host read --port plc D_W:100x3
   D_W:100x3  1, 2, 65535
   $ tolvane-host read --port plc --tags tags.csv D_W:102:int16
-  level          D_W:110     1.5
+  level          D_W:110     1.50 bar
   lamp           M_bit:20.5  1
   D_W:102:int16              -1
   $ tolvane-host read --port plc level=2/D_W:110:float --json | folded
@@ -65,12 +65,20 @@ What is written, and nothing beside it.
 
 Watching, on a line that a pipe or a log follows.
 
-  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 0.3 2>counts | sed 's/^[^ ]*Z/TIME/'
+  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 0.3 --stats 2>counts | sed 's/^[^ ]*Z/TIME/'
   TIME  level  D_W:110  1.5
   TIME  D_W:300  30
-  $ sed 's/[0-9][0-9.]*/N/g' counts
+  $ sed 's/[0-9][0-9.]*/N/g;s/   */  /g' counts
   N exchanges in N s (N/s), N words, N retries, N errors
   N % of the line's capacity used
+  
+  block  good  retries  errors  last good  min  mean  max ms  failures
+  D_W:NxN  N  N  N  N s ago  N  N  N
+  D_W:N  N  N  N  N s ago  N  N  N
+  
+  tag  good  retries  errors  last good  min  mean  max ms  failures
+  D_W:N  N  N  N  N s ago  N  N  N
+  level  N  N  N  N s ago  N  N  N
   $ tolvane-host watch --port plc two=D_W:100x2 --for 0.3 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
   time,name,address,value,quality,reason
   TIME,two[0],D_W:100,1,good,
@@ -91,6 +99,8 @@ Watching, on a line that a pipe or a log follows.
   N % of the line's capacity used
   failures: no-reply N
   tolvane-host: no good value at the end; no reply to N requests of N ms each: a, b
+  $ tolvane-host watch $quick --port mute a=D_W:100 --for 0.5 2>/dev/null | sed 's/^[^ ]*Z/TIME/'
+  TIME  a  D_W:100  -  bad: no reply to 2 requests of 60 ms each
   $ tolvane-host watch --port plc D_W:100 --csv /dev/full --for 9
   tolvane-host: cannot write "/dev/full": No space left on device
   [1]

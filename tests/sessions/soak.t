@@ -46,8 +46,8 @@ So does a soak, for the same seed.
 On a real line the same panel takes real time. (The second soak finds what the first has left.)
 
   $ . "$TESTDIR/functions.sh"
-  $ controller --still --baud 0 --link plc
-  $ real="--port plc --pace none --overwrite --exchanges 500"
+  $ controller --still --baud 0 --tcp 0
+  $ real="--tcp $place --pace none --overwrite --exchanges 500"
   $ tolvane-host soak $real > /dev/null && tolvane-host soak $real --seed 2 | grep -E ' ok |wrote|sent|compared|WRONG'
      wrote            132 times: 111 acknowledged, 0 given up, 21 replaced by newer
      requests         599 sent: 599 answered well, 0 to be repeated, 0 given up
