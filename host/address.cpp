@@ -56,7 +56,10 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
                                                  point.count, !type->isBit);
     if (verdict == NoAddress)
         throw refuse(text, QStringLiteral("\"%1\" is no address of the form %2")
-                               .arg(match.captured(2), type->pattern));
+                                   .arg(match.captured(2), type->pattern) +
+                               QLatin1String(type->pattern.contains(QLatin1Char('.'))
+                                                 ? ", with a bit from 0 to 15"
+                                                 : ""));
     if (verdict == OutOfRange)
         throw refuse(text,
                      QStringLiteral("outside %1, which reaches from %2 to %3")

@@ -53,7 +53,6 @@ public:
     // After open():
     Line &line() { return *m_line; }
     const LoopCounters &counters() const { return m_loop->counters(); }
-    bool simulated() const { return m_controller != nullptr; }
     /** The trace could not be written to its end. That was said, and the rest went on. */
     bool traceFailed() const { return m_traceFailed; }
 

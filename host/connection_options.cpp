@@ -63,7 +63,8 @@ void addConnectionOptions(QCommandLineParser &parser, const QStringList &names)
     add("station", "Station number that the values are kept under (default: 1).", "number", "1");
     add("retries", "Times that a request is sent before it is given up (default: 3).", "number",
         "3");
-    add("block-limit", "Words that one request may span, 1 to 127 (default: 64).", "words", "64");
+    add("block-limit", "Words up to which tags are joined in one request, 1 to 127 (default: 64).",
+        "words", "64");
     add("timeout", "How long the controller may think, in milliseconds (default: 500).", "ms",
         "500");
     add("quiet",

@@ -3,6 +3,7 @@
 
 #include "host/failure.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QLibrary>
 
 namespace host {
@@ -23,6 +24,9 @@ void resolve(QLibrary &library, const char *name, Function &function)
 
 Driver loadDriver(const QString &path)
 {
+    if (path.contains(QLatin1Char('/')) && !QFileInfo::exists(path))
+        throw Failure(QStringLiteral("cannot load the driver: there is no file %1").arg(path),
+                      BadInput);
     QLibrary library(path);
     // Every symbol must be there now, not fail in the middle of an exchange.
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint);

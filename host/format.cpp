@@ -2,6 +2,7 @@
 #include "host/format.h"
 
 #include "host/failure.h"
+#include "host/table.h"
 
 #include <cstring>
 #include <limits>
@@ -180,7 +181,7 @@ QString Form::expectation() const
 {
     const FormatRow &row = rowOf(format);
     if (format == Format::String)
-        return QStringLiteral("at most %1 characters").arg(length);
+        return QLatin1String("at most ") + countText(length, "character");
     if (format == Format::Float)
         return QStringLiteral("a number");
     if (format == Format::Hex)

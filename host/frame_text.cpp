@@ -242,7 +242,11 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
     Cursor in(frame, reading);
     in.expect(Ack, "ACK");
     in.take();
-    const int dataBytes = std::max(0, int(frame.size()) - ReplyFraming);
+    const int dataBytes = int(frame.size()) - ReplyFraming;
+    if (dataBytes < 0) {
+        in.fail(int(frame.size()), QStringLiteral("the frame ends too early"));
+        return reading;
+    }
     if (known && dataBytes != asked.words * 4 * (asked.command == 'r'))
         in.fail(in.position(), countText(dataBytes, "byte") +
                                    QLatin1String(" of data: not the answer to this request"));
@@ -264,7 +268,7 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
 QString checksumText(const QByteArray &frame)
 {
     const int at = int(frame.size()) - ClosingBytes;
-    if (at < 1)
+    if (at < ReplyFraming - ClosingBytes)
         return QStringLiteral("no checksum: the frame is too short");
     const QByteArray found = frame.mid(at, 2);
     const QString sum = hexPair(sumOf(frame, at));

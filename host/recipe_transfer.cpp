@@ -76,10 +76,11 @@ void RecipeTransfer::run(const QString &direction,
     const QStringList errors = m_connection.finish();
     m_connection.observer = nullptr;
     if (!errors.isEmpty())
-        throw Failure(QStringLiteral("%1 of %2 values were %3, then the driver gave up %4: %5")
-                          .arg(m_units)
-                          .arg(m_allUnits)
-                          .arg(direction, lost, errors.first()));
+        throw Failure(
+            QStringLiteral("%1 of %2 words and bits were %3, then the driver gave up %4: %5")
+                .arg(m_units)
+                .arg(m_allUnits)
+                .arg(direction, lost, errors.first()));
 }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 // The words for what went wrong with a reply.
 #include "host/reply_fault.h"
 
+#include "host/frame_text.h"
 #include "host/table.h"
 
 #include <QtCore/QStringList>
@@ -62,7 +63,7 @@ QString ReplyFault::text() const
                 .arg(expected);
         case Checksum:
             return QStringLiteral("wrong checksum: %1 instead of %2")
-                .arg(hexByte(got), hexByte(expected));
+                .arg(detail, hexByte(expected));
         case FirstByte:
             return QStringLiteral("not a reply: first byte %1 instead of %2")
                 .arg(hexByte(got), hexByte(expected));
@@ -133,10 +134,16 @@ ReplyFault formFault(const QByteArray &reply)
     int sum = 0;
     for (const char byte : reply.mid(1, size - 4))
         sum += static_cast<unsigned char>(byte);
+    const QByteArray carried = reply.mid(size - 3, 2);
+    const QString right = hexByte(sum & 0xFF);  // in capitals, and so it must be
+    if (carried == right.toLatin1())
+        return ReplyFault();
+    ReplyFault fault = byteFault(ReplyFault::Checksum, 0, sum & 0xFF);
     bool isHex = false;
-    const int carried = reply.mid(size - 3, 2).toInt(&isHex, 16);
-    return isHex && carried == (sum & 0xFF) ? ReplyFault()
-                                            : byteFault(ReplyFault::Checksum, carried, sum & 0xFF);
+    carried.toInt(&isHex, 16);
+    fault.detail =
+        isHex ? QString::fromLatin1(carried) : QLatin1String("bytes ") + hexText(carried, 2);
+    return fault;
 }
 
 }  // namespace host

@@ -16,7 +16,7 @@ struct ReplyFault
         NoReply,    ///< nothing came; waited: for how long
         TooShort,   ///< got and expected: bytes
         TooLong,    ///< got and expected: bytes
-        Checksum,   ///< got and expected: the checksum's bytes
+        Checksum,   ///< detail: as it came; expected: its value
         FirstByte,  ///< not a reply; got and expected: its first byte
         LastByte,   ///< not a reply; got and expected: its last byte
         NotAsked,   ///< well formed, but not the reply to this request

@@ -122,9 +122,8 @@ QVector<int> Session::setRecipe(const QVector<Point> &points)
     for (const int index : std::as_const(order)) {
         const Point &point = points[index];
         if (previous && overlap(*previous, point))
-            throw Failure(QStringLiteral("recipe: two points of %1 overlap at address number %2")
-                              .arg(point.regName)
-                              .arg(point.address),
+            throw Failure(QStringLiteral("recipe: %1 and %2 overlap")
+                              .arg(pointText(m_driver, *previous), pointText(m_driver, point)),
                           BadInput);
         if (point.count > RecipeUnits - unit)
             throw Failure(QStringLiteral("recipe: more than %1 values").arg(RecipeUnits), BadInput);

@@ -16,7 +16,7 @@ struct SessionSettings
 {
     int reportNumber = 1;  ///< comes back with every report of a changed point
     int retryLimit = 3;    ///< times that a request is sent before it is given up
-    int blockLimit = 64;   ///< words that one request may span
+    int blockLimit = 64;   ///< words up to which tags are joined in one request
 };
 
 /**

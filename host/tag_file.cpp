@@ -109,7 +109,6 @@ private:
         tag.name = field("name");
         tag.source = m_source;
         tag.unit = field("unit");
-        tag.comment = field("comment");
         tag.scaling.scale = number("scale", field("scale"), 1);
         tag.scaling.offset = number("offset", field("offset"), 0);
         if (!field("decimals").isEmpty()) {

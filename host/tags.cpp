@@ -87,8 +87,6 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
         takeScaling(text, tag);
         tag.name = text.name.isEmpty() ? text.address : text.name;
         tag.unit = text.unit;
-        tag.comment = text.comment;
-        tag.source = text.source;
         return tag;
     } catch (const Failure &failure) {
         const QString why = QString::fromUtf8(failure.what());
@@ -150,7 +148,7 @@ QVector<int> parseValues(const Tag &tag, const QString &text)
     bool ok = false;
     const QStringList parts = csvFields(text, QLatin1Char(','), &ok);
     if (!ok || parts.size() != valueCount(tag))
-        throw refuse(QStringLiteral("%1: \"%2\": expected %3 with commas between")
+        throw refuse(QStringLiteral("%1: \"%2\": expected %3, with commas between")
                          .arg(tag.name, text, countText(valueCount(tag), "value")));
     QVector<int> units;
     for (const QString &part : parts) {

@@ -10,12 +10,10 @@ namespace host {
 
 struct Tag
 {
-    QString name;  ///< as given, or else the address as written
-    Point point;   ///< its count is in words or bits: two words for each 32-bit value
-    Form form;     ///< of each value
-    QString unit;  ///< what numbers measure, such as "bar"; may be empty
-    QString comment;
-    QString source;             ///< where it was given, such as "tags.csv:3" or "argument 2"
+    QString name;               ///< as given, or else the address as written
+    Point point;                ///< its count is in words or bits: two words for each 32-bit value
+    Form form;                  ///< of each value
+    QString unit;               ///< what numbers measure, such as "bar"; may be empty
     bool stationNamed = false;  ///< the station was given with the address
 };
 
@@ -24,10 +22,9 @@ struct TagText
 {
     QString name;     ///< may be empty
     QString address;  ///< with station and format, if any: "2/D_W:100x10:float"
-    QString source;   ///< as Tag::source
+    QString source;   ///< where it was given, such as "tags.csv:3" or "argument 2"
     Form scaling;     ///< scale, offset and decimals
     QString unit;
-    QString comment;
 };
 
 /**

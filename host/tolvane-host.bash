@@ -2,7 +2,14 @@
 _tolvane_host()
 {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command=${COMP_WORDS[1]} candidates
+    local command=${COMP_WORDS[1]} candidates at
+    # Options may stand before the command.
+    for ((at = 1; at < COMP_CWORD; ++at)); do
+        if [[ ${COMP_WORDS[at]} =~ ^(check|demo|explain|info|plan|read|recipe|series|soak|watch|write)$ ]]; then
+            command=${COMP_WORDS[at]}
+            break
+        fi
+    done
     local line="--port --tcp --simulate --serial --pace --baud --station --retries
         --block-limit --timeout --quiet --listen --trace --local"
     if [[ $COMP_CWORD == 1 ]]; then
@@ -12,7 +19,7 @@ _tolvane_host()
         return
     fi
     case $previous in
-    --driver | --port | --trace | --svg | --csv)
+    --driver | --port | --trace | --svg | --csv | --tags)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return

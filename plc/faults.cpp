@@ -56,7 +56,7 @@ QString parseShare(const QString &text, FaultPlan *plan)
     const int ofMillion = readShare(shareText);
     if (ofMillion < 0)
         return QString::fromLatin1(
-                   "\"%1\" is not a fault, expected one like loss=2% or late=1%:300ms")
+                   "\"%1\" is no fault with its share, expected one like loss=2% or late=1%:300ms")
             .arg(text);
 
     const auto name = std::find(names.begin(), names.end(), faultText);
@@ -150,7 +150,7 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
     const bool muted = nowMs < m_mutedUntilMs;
     if (muted)
         fault = int(Fault::Mute);
-    if (fault == FaultCount || reply.isEmpty())
+    if (fault == FaultCount)
         return {{0, reply}};
 
     ++m_counts[size_t(fault)];

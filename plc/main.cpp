@@ -49,8 +49,8 @@ QString save(const plc::Options &options, const plc::Memory &memory)
         file.commit())
         return QString();
     const int error = errno;
-    return QStringLiteral("%1: %2").arg(options.image,
-                                        error != 0 ? qt_error_string(error) : file.errorString());
+    return QStringLiteral("cannot store the memory in %1: %2")
+        .arg(options.image, error != 0 ? qt_error_string(error) : file.errorString());
 }
 
 /** Opens the door that the options ask for; returns what went wrong, or an empty text. */

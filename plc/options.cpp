@@ -105,6 +105,11 @@ QString misfit(const QCommandLineParser &parser, const Known &known)
         return QStringLiteral("--any-address: expected --tcp PORT beside it");
     if (parser.isSet(known.save) && !parser.isSet(known.image))
         return QStringLiteral("--save: expected --image FILE beside it");
+    const QFileInfo image(parser.value(known.image));
+    if (parser.isSet(known.save) &&
+        (image.fileName().isEmpty() || !QFileInfo(image.path()).isWritable()))
+        return QStringLiteral("--image \"%1\": expected a file in a folder that can be written to")
+            .arg(parser.value(known.image));
     const QFileInfo link(parser.value(known.link));
     if (parser.isSet(known.link) && link.exists()) {
         return QStringLiteral(

@@ -104,8 +104,10 @@ int seriesCommand(const QStringList &arguments)
         numberOption(commandLine, QStringLiteral("step"), DoubleWordStep, LongestStep);
 
     const Driver driver = loadDriver(commandLine.driverPath());
-    const Point first =
-        parsePoint(driver, identify(driver), commandLine.positionalArguments().at(1), 0);
+    const QString text = commandLine.positionalArguments().at(1);
+    const Point first = parsePoint(driver, identify(driver), text, 0);
+    if (first.count > 1)
+        throw Failure(QStringLiteral("\"%1\": expected one address").arg(text), BadInput);
     QVector<QString> texts;
     QVector<int> numbers;
     const int result =

@@ -74,7 +74,8 @@ int planCommand(const QStringList &arguments)
     plan.costs = costsOf(plan.blocks, plan.line);
     plan.oneByOne = costsOneByOne(driver, session, identity, points, plan.line);
     if (commandLine.isSet(suggest))
-        plan.best = bestBlockLimit(driver, session, identity, points, plan.line);
+        plan.best = bestBlockLimit(driver, session, identity, points, plan.line,
+                                   {plan.blockLimit, plan.costs});
 
     if (commandLine.isSet(svg))
         replaceFile(commandLine.value(svg), drawPlan(driver, plan));

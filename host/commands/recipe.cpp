@@ -67,6 +67,9 @@ QVector<Tag> tagsOf(const QVector<RecipeLine> &lines)
 QVector<RecipeLine> linesToPull(Connection &connection, const QString &path,
                                 const QStringList &addresses, const QStringList &tagFiles)
 {
+    if (addresses.isEmpty() && tagFiles.isEmpty() && path == QLatin1String("-"))
+        throw Failure(QStringLiteral("nothing to pull; expected ADDRESS... or --tags FILE"),
+                      BadInput);
     if (addresses.isEmpty() && tagFiles.isEmpty())
         return readRecipeFile(connection.driver(), connection.identity(), path,
                               connection.stationNo());

@@ -147,12 +147,13 @@ int soakCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
         QStringLiteral("soak"),
-        QStringLiteral("Monitors, writes and reads at random through the driver, on a line whose "
-                       "replies get lost,\nlate or damaged; then lets the line heal and proves the "
-                       "end state. In simulated time, so it\ntakes as long as its computing and "
-                       "comes out the same for the same seed; with --port or --tcp a real line, in "
-                       "real time.\nExit status 0 only if the "
-                       "controller's memory and all that was read are right."));
+        QStringLiteral(
+            "Monitors, writes and reads at random through the driver, on a line whose "
+            "replies get lost,\nlate or damaged; then lets the line heal and proves the "
+            "end state. In simulated time, so it\ntakes as long as its computing and "
+            "comes out the same for the same seed; with --port or --tcp a real line, "
+            "in real time.\nExit status 0 only if the controller's memory and all that was "
+            "read are right."));
     addConnectionOptions(
         commandLine, {QStringLiteral("port"), QStringLiteral("tcp"), QStringLiteral("serial"),
                       QStringLiteral("pace"), QStringLiteral("timeout"), QStringLiteral("quiet"),

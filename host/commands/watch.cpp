@@ -70,7 +70,9 @@ LineTime durationOption(const QString &text)
     bool isNumber = false;
     const double seconds = text.toDouble(&isNumber);
     if (!isNumber || !(seconds > 0) || seconds > 1e9)
-        throw Failure(QStringLiteral("--for \"%1\": expected seconds above 0").arg(text), BadInput);
+        throw Failure(QStringLiteral("--for \"%1\": expected seconds, above 0 and up to 1000000000")
+                          .arg(text),
+                      BadInput);
     return std::chrono::duration_cast<LineTime>(std::chrono::duration<double>(seconds));
 }
 

@@ -76,7 +76,9 @@ void checkAddresses(Tour &tour)
         {"M_bit:20.5", "address number 325"},
         {"TX:35", "address number 35"},
         {"D_W:32767x2", "address \"D_W:32767x2\": outside D_W, which reaches from 0 to 32767"},
-        {"M_bit:20.16", "address \"M_bit:20.16\": \"20.16\" is no address of the form DDDD.DD"},
+        {"M_bit:20.16",
+         "address \"M_bit:20.16\": \"20.16\" is no address of the form DDDD.DD, with a bit from 0 "
+         "to 15"},
     };
     for (const Case &row : cases) {
         const QString verdict = verdictOn(tour, row.address);

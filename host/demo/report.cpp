@@ -59,8 +59,8 @@ void Report::item(const QString &name, const QString &text)
 void Report::exchange(const Exchange &exchange)
 {
     if (!exchange.stale.isEmpty())
-        line(QStringLiteral("thrown away before sending: %1 bytes that nobody waits for any more")
-                 .arg(exchange.stale.size()));
+        line(QStringLiteral("thrown away before sending: %1 that nobody waits for any more")
+                 .arg(countText(exchange.stale.size(), "byte")));
     const QByteArray request = exchange.request();
     frame("->", request, readRequest(request, WordsInRequest).text);
     for (const RefusedReply &refused : exchange.refused)

@@ -10,6 +10,7 @@ namespace host {
 namespace {
 
 constexpr qint64 MicrosecondsPerSecond = 1000 * 1000;
+constexpr int HighestBaud = 4000000;
 
 Failure refuse(const QString &text, const char *part, const QString &found, const char *expected)
 {
@@ -35,8 +36,8 @@ SerialSettings SerialSettings::parse(const QString &text)
 
     SerialSettings settings;
     settings.baudRate = parts[0].toInt();
-    if (settings.baudRate < 1)
-        throw refuse(text, "baud rate", parts[0], "a number above 0");
+    if (settings.baudRate < 1 || settings.baudRate > HighestBaud)
+        throw refuse(text, "baud rate", parts[0], "a number from 1 to 4000000");
 
     const int dataBits = parts[1].toInt();
     if (dataBits < 5 || dataBits > 8)

@@ -139,15 +139,14 @@ CycleCosts costsOneByOne(const Driver &driver, Session &session, const Identity 
 }
 
 BlockLimit bestBlockLimit(const Driver &driver, Session &session, const Identity &identity,
-                          const QVector<Point> &points, const LineCosts &line)
+                          const QVector<Point> &points, const LineCosts &line, BlockLimit best)
 {
-    BlockLimit best;
     for (int words = 1; words <= LongestBlock; ++words) {
         SessionSettings settings;
         settings.blockLimit = words;
         session.restart(settings);
         const CycleCosts costs = costsOf(walkCycle(driver, session, identity, points), line);
-        if (best.words == 0 || costs.time < best.costs.time)
+        if (costs.time < best.costs.time)
             best = BlockLimit{words, costs};
     }
     return best;

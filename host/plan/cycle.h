@@ -73,11 +73,11 @@ struct BlockLimit
 };
 
 /**
- * Tries every block limit and returns the one with the shortest cycle, the lowest of equals. The
- * session is left with another block limit than it had.
+ * Tries every block limit and returns the lowest of those with the shortest cycle; `best` itself
+ * when none makes a shorter one. The session is left with another block limit than it had.
  */
 BlockLimit bestBlockLimit(const Driver &driver, Session &session, const Identity &identity,
-                          const QVector<Point> &points, const LineCosts &line);
+                          const QVector<Point> &points, const LineCosts &line, BlockLimit best);
 
 /** Fills in what the blocks read of the tags, and what they read between them. */
 void assignTags(QVector<Block> &blocks, const QVector<Tag> &tags);

@@ -113,7 +113,7 @@ void printTotals(const Plan &plan, QTextStream &out)
         row("", percent > 0 ? QStringLiteral("%1 % shorter than with %2")
                                   .arg(QString::number(percent, 'f', 1))
                                   .arg(plan.blockLimit)
-                            : QStringLiteral("as long as with %1").arg(plan.blockLimit));
+                            : QStringLiteral("no other makes it shorter"));
     }
     table.print(out);
 }
@@ -149,7 +149,7 @@ QString timeText(std::chrono::microseconds time)
 
 QString settingsText(const Plan &plan)
 {
-    return QStringLiteral("%1 words a block at most; %2, %3 bits a byte; turnaround %4 ms")
+    return QStringLiteral("tags joined up to %1 words; %2, %3 bits a byte; turnaround %4 ms")
         .arg(QString::number(plan.blockLimit), plan.lineText,
              QString::number(plan.line.serial.bitsPerByte()),
              QString::number(plan.line.turnaround.count()));

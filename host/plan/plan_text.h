@@ -25,7 +25,8 @@ struct Plan
 /** "5.12 ms" */
 QString timeText(std::chrono::microseconds time);
 
-/** What the picture and the text are headed by: "64 words a block at most, 115200,8,NONE,1, ..." */
+/** What the picture and the text are headed by: "tags joined up to 64 words; 115200,8,NONE,1, ..."
+ */
 QString settingsText(const Plan &plan);
 
 void printPlan(const Driver &driver, const Plan &plan, QTextStream &out);

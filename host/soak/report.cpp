@@ -9,6 +9,7 @@
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
+#include <cmath>
 
 namespace host {
 
@@ -74,7 +75,7 @@ void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
 
     Table panel = newTable();
     panel.add({QStringLiteral("monitored"),
-               QStringLiteral("%1 sets of addresses").arg(counts.registrations)});
+               countText(counts.registrations, "set") + QLatin1String(" of addresses")});
     panel.add({QStringLiteral("wrote"),
                QStringLiteral("%1 times: %2 acknowledged, %3 given up, %4 replaced by newer")
                    .arg(writes.made)
@@ -143,7 +144,7 @@ void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                                                  {QStringLiteral("repeated"), soak.line().retries},
                                                  {QStringLiteral("givenUp"), soak.line().errors},
                                                  {QStringLiteral("refused"), soak.line().refused}}},
-        {QStringLiteral("seconds"), soak.seconds()},
+        {QStringLiteral("seconds"), std::round(soak.seconds() * 1000) / 1000},
         {QStringLiteral("writes"),
          QJsonObject{{QStringLiteral("made"), writes.made},
                      {QStringLiteral("acknowledged"), writes.acknowledged},

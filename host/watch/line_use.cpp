@@ -1,6 +1,8 @@
 // Works the counts of the loop out into rates.
 #include "host/watch/line_use.h"
 
+#include "host/table.h"
+
 namespace host {
 
 namespace {
@@ -30,13 +32,14 @@ QString LineUse::shareText() const
 
 QString LineUse::text() const
 {
-    return QStringLiteral("%1 exchanges in %2 s (%3/s), %4 words, %5 retries, %6 errors")
-               .arg(counters.exchanges)
+    return QStringLiteral("%1 in %2 s (%3/s), %4, %5 %6, %7")
+               .arg(countText(counters.exchanges, "exchange"))
                .arg(seconds, 0, 'f', 1)
                .arg(exchangesPerSecond(), 0, 'f', 1)
-               .arg(counters.wordsRead)
+               .arg(countText(counters.wordsRead, "word"))
                .arg(counters.retries)
-               .arg(counters.errors) +
+               .arg(QLatin1String(counters.retries == 1 ? "retry" : "retries"),
+                    countText(counters.errors, "error")) +
            QLatin1Char('\n') + shareText() + QLatin1Char('\n');
 }
 

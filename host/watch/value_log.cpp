@@ -60,6 +60,7 @@ void ValueLog::write(const QJsonObject &object)
 QString ValueLog::line(const WatchedValue &value, const QString &time) const
 {
     const QString text = presentText(value);
+    const bool isKnown = value.quality != Quality::Bad;
     const QString quality = qualityText(value.quality);
     if (m_form == JsonLines) {
         QJsonObject object{
@@ -68,7 +69,7 @@ QString ValueLog::line(const WatchedValue &value, const QString &time) const
             {QStringLiteral("address"), value.address},
             {QStringLiteral("number"), value.number},
             {QStringLiteral("station"), value.stationNo},
-            {QStringLiteral("value"), text.isEmpty() ? QJsonValue() : valueArray({text}).first()},
+            {QStringLiteral("value"), isKnown ? valueArray({text}).first() : QJsonValue()},
             {QStringLiteral("quality"), quality}};
         if (!value.reason.isEmpty())
             object.insert(QStringLiteral("reason"), value.reason);
@@ -82,7 +83,7 @@ QString ValueLog::line(const WatchedValue &value, const QString &time) const
     QStringList fields{time, value.name};
     if (value.hasOwnName)
         fields << value.address;
-    fields << (text.isEmpty() ? QStringLiteral("-") : text);
+    fields << (isKnown ? text : QStringLiteral("-"));
     if (value.quality != Quality::Good)
         fields << quality + QLatin1String(": ") + value.reason;
     return fields.join(QLatin1String("  ")) + QLatin1Char('\n');

@@ -38,7 +38,7 @@ What the driver says of itself and of addresses.
   lamp: valid, 1 bit from address number 325
   $ tolvane-host check D_W:32767x2 M_bit:1.16 X:1 D_W:1:real D_W:0x0 D_W:0x1048576 D_W:0x1048577 D_W:0x3:string:3 M_bit:1.0:float hello D_W:1:string:0 "$(printf 'F\303\274ll:1')" wrong.csv
   argument 1: address "D_W:32767x2": outside D_W, which reaches from 0 to 32767
-  argument 2: address "M_bit:1.16": "1.16" is no address of the form DDDD.DD
+  argument 2: address "M_bit:1.16": "1.16" is no address of the form DDDD.DD, with a bit from 0 to 15
   argument 3: address "X:1": no register type "X"; there are
     P_W, M_W, L_W, K_W, F_W, D_W, S_W, T_W, C_W, N_W, Z_W, P_bit, M_bit, L_bit, K_bit, F_bit, TX, CX
   argument 4: no format "real"; there are
@@ -90,6 +90,7 @@ Options may stand before the command; a wrong command line is refused with what 
   > series
   > series TX:5 --count 0
   > series TX:5 --step -3
+  > series TX:5x2
   > END
   tolvane-host: no command given; tolvane-host --help lists them
   [2]
@@ -101,7 +102,7 @@ Options may stand before the command; a wrong command line is refused with what 
   [2]
   tolvane-host: unexpected argument "more"; see tolvane-host info --help
   [2]
-  tolvane-host: cannot load the driver: Cannot load library /nowhere/driver.so: (/nowhere/libdriver.so: cannot open shared object file: No such file or directory)
+  tolvane-host: cannot load the driver: there is no file /nowhere/driver.so
   [2]
   tolvane-host: libc.so.6 is no driver library: it does not export intf_getProtocolType
   [2]
@@ -112,6 +113,8 @@ Options may stand before the command; a wrong command line is refused with what 
   tolvane-host: --count "0": expected a number from 1 to 100000
   [2]
   tolvane-host: --step "-3": expected a number from -2 to 65535
+  [2]
+  tolvane-host: "TX:5x2": expected one address
   [2]
   $ for command in "info --json more" "series --json x" "watch --json"; do
   >     tolvane-host $command 2> /dev/null | tr -d '\n'; echo

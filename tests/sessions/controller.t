@@ -19,11 +19,6 @@ The simulated controller by itself: it keeps what was written, and counts what c
   $ ls plc
   ls: cannot access 'plc': No such file or directory
   [2]
-  $ controller --save --image nowhere/image.csv
-  $ end TERM
-  [1]
-  $ tail -1 counts
-  tolvane-plc: nowhere/image.csv: No such file or directory
   $ controller --tcp 0
   $ tolvane-plc --tcp ${place#*:} 2>&1 | sed 's/[0-9][0-9]*/N/'
   tolvane-plc: cannot listen on port N: The bound address is already in use
@@ -36,7 +31,7 @@ Bad input is named, with what was expected.
   $ echo hello > hello.csv
   $ for options in extra "--tcp 65536" "--tcp 0 --link x" "--baud fast" "--turnaround 60001" \
   >     "--seed -1" --any-address "--faults los=1%" "--faults loss=99%,cut=2%" "--faults loss" \
-  >     --save "--image /no/such.csv" "--image hello.csv" "--link hello.csv" --bogus; do
+  >     --save "--save --image nowhere/x" "--image /no/such.csv" "--image hello.csv" "--link hello.csv" --bogus; do
   >     tolvane-plc $options || echo "[$?]"
   > done
   tolvane-plc: "extra": expected options only
@@ -57,9 +52,11 @@ Bad input is named, with what was expected.
   [2]
   tolvane-plc: --faults: the shares of "loss=99%,cut=2%" add up to more than 100%
   [2]
-  tolvane-plc: --faults: "loss" is not a fault, expected one like loss=2% or late=1%:300ms
+  tolvane-plc: --faults: "loss" is no fault with its share, expected one like loss=2% or late=1%:300ms
   [2]
   tolvane-plc: --save: expected --image FILE beside it
+  [2]
+  tolvane-plc: --image "nowhere/x": expected a file in a folder that can be written to
   [2]
   tolvane-plc: /no/such.csv: No such file or directory
   [2]

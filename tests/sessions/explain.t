@@ -104,8 +104,8 @@ A trace as the host writes one, whole, with replies that it refused, and cut at 
   
   10:00:00.126Z
   <- 06 72 33
-           ^^
-     wrong: 0 bytes of data: not the answer to this request (the last line is cut)
+              ^^
+     wrong: the frame ends too early (the last line is cut)
      no checksum: the frame is too short
   
   2 frames, 1 wrong
@@ -148,6 +148,6 @@ What socat heard: a request in two pieces, and one that came twice.
   $ printf "something else\n$request\n" | tolvane-host explain -
   tolvane-host: standard input:1: "something else": expected what --trace or socat -x writes, or bytes as hex pairs
   [2]
-  $ tolvane-host explain
+  $ tolvane-host explain < /dev/null
   tolvane-host: there is no frame in standard input
   [2]

@@ -1,5 +1,6 @@
 # What the sessions share.
 pids=
+export SHELL=/bin/sh  # for script
 trap 'kill $pids 2> /dev/null; wait' EXIT
 
 # await FILE TEXT: waits, 10 s at most, until the file holds the text.

@@ -33,8 +33,8 @@ Reading and writing on a pseudo-terminal, as at a controller.
   TIME  <-  06 72 30 31 30 30 33 33 04  1 word: 1
   $ tolvane-host read M_bit:20.5 --simulate --baud 9600 2>/dev/null
   M_bit:20.5  0
-  $ programs=$(dirname $(command -v tolvane-host))
-  $ cp $programs/tolvane-host $programs/../lib/libtolvane_link.so .
+  $ programs=$(dirname "$(command -v tolvane-host)")
+  $ cp "$programs/tolvane-host" "$programs/../lib/libtolvane_link.so" .
   $ ./tolvane-host read D_W:1 --simulate 2>&1 | sed 's#/[^ )]*/#.../#g'
   tolvane-host: cannot find the simulated controller in .../line.t (looked for tolvane-plc, ...../tolvane-plc)
 
@@ -54,8 +54,8 @@ What is written, and nothing beside it.
   [{"acknowledged":true,"address":"D_W:720","blocks":[{"acknowledged":true,"address":"D_W:720","co
   unt":2,"number":720,"station":1}],"number":720,"station":1,"tag":"D_W:720x2:hex","values":["0x00
   1F","0x0000"]}]
-  $ tolvane-host write $quick --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
-  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 60 ms each
+  $ tolvane-host write --timeout 400 --retries 2 --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
+  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 400 ms each
   [1]
   $ tolvane-host write $quick --port mute D_W:700=1 --json | folded
   tolvane-host: D_W:700: no reply to 2 requests of 60 ms each
@@ -65,7 +65,7 @@ What is written, and nothing beside it.
 
 Watching, on a line that a pipe or a log follows.
 
-  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 0.3 --stats 2>counts | sed 's/^[^ ]*Z/TIME/'
+  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 1 --timeout 5000 --stats 2>counts | sed 's/^[^ ]*Z/TIME/'
   TIME  level  D_W:110  1.5
   TIME  D_W:300  30
   $ sed 's/[0-9][0-9.]*/N/g;s/   */  /g' counts
@@ -79,19 +79,17 @@ Watching, on a line that a pipe or a log follows.
   tag  good  retries  errors  last good  min  mean  max ms  failures
   D_W:N  N  N  N  N s ago  N  N  N
   level  N  N  N  N s ago  N  N  N
-  $ tolvane-host watch --port plc two=D_W:100x2 --for 0.3 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
+  $ tolvane-host watch --port plc two=D_W:100x2 --for 1 --timeout 5000 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
   time,name,address,value,quality,reason
   TIME,two[0],D_W:100,1,good,
   TIME,two[1],D_W:101,2,good,
-  $ tolvane-host watch --port plc a=D_W:100 --for 0.3 --csv log --every 100 --local 2>/dev/null; TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --for 0.3 --csv log --every 100 --local 2>/dev/null; sed 's/^....-..-..T..:..:..\..../TIME/' log
+  $ TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --for 1.2 --csv log --every 400 --local 2>/dev/null
+  $ sed 's/^....-..-..T..:..:..\..../TIME/' log
   time,a,a quality
-  TIMEZ,1,good
-  TIMEZ,1,good
-  TIMEZ,1,good
   TIME+05:30,1,good
   TIME+05:30,1,good
   TIME+05:30,1,good
-  $ tolvane-host watch $quick --port mute a=D_W:100 b=D_W:100 --for 0.5 --json --stats 2>err | sed 's/[-0-9T:.]*Z/TIME/;s/[0-9][0-9.]*/N/g'; sed 's/[0-9][0-9.]*/N/g' err
+  $ tolvane-host watch $quick --port mute a=D_W:100 b=D_W:100 --for 1.5 --json --stats 2>err | sed 's/[-0-9T:.]*Z/TIME/;s/[0-9][0-9.]*/N/g'; sed 's/[0-9][0-9.]*/N/g' err
   {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"a","time":"TIME","value":null}
   {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"b","time":"TIME","value":null}
   {"statistics":{"blocks":[{"address":"D_W:N","count":N,"errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N}],"tags":[{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"a"},{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"b"}]}}
@@ -99,7 +97,7 @@ Watching, on a line that a pipe or a log follows.
   N % of the line's capacity used
   failures: no-reply N
   tolvane-host: no good value at the end; no reply to N requests of N ms each: a, b
-  $ tolvane-host watch $quick --port mute a=D_W:100 --for 0.5 2>/dev/null | sed 's/^[^ ]*Z/TIME/'
+  $ tolvane-host watch $quick --port mute a=D_W:100 --for 1 2>/dev/null | sed 's/^[^ ]*Z/TIME/'
   TIME  a  D_W:100  -  bad: no reply to 2 requests of 60 ms each
   $ tolvane-host watch --port plc D_W:100 --csv /dev/full --for 9
   tolvane-host: cannot write "/dev/full": No space left on device
@@ -124,10 +122,10 @@ Recipes.
   {"address":"D_W:100","number":100,"quality":"good","station":1,"tag":"D_W:100x2","time":"TIME","
   values":[1,2]}
   $ tolvane-host recipe push recipe.csv $quick --port mute
-  tolvane-host: 0 of 9 values were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
+  tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
   [1]
-  $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 60 --retries 1
-  tolvane-host: D_W:100: no reply within 60 ms; nothing was written
+  $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 400 --retries 1
+  tolvane-host: D_W:100: no reply within 400 ms; nothing was written
   [1]
   $ printf "D_W:101,2000\nD_W:1000x300$(printf ',7%.0s' $(seq 300))\n" > moving.csv
   $ tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
@@ -210,7 +208,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   [2]
   tolvane-host: nothing to watch; expected ADDRESS... or --tags FILE
   [2]
-  tolvane-host: --for "ever": expected seconds above 0
+  tolvane-host: --for "ever": expected seconds, above 0 and up to 1000000000
   [2]
   {"quality":"bad","reason":"--json and --csv - both want standard output"}
   tolvane-host: --json and --csv - both want standard output
@@ -237,7 +235,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   [2]
   tolvane-host: wrong.csv:2: address "D_W:99999": outside D_W, which reaches from 0 to 32767
   [2]
-  tolvane-host: recipe: two points of D_W overlap at address number 3
+  tolvane-host: recipe: D_W:1x3 and D_W:3 overlap
   [2]
   tolvane-host: D_W:1: cannot open /nowhere/tty: there is no device /nowhere/tty
   [1]

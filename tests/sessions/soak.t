@@ -40,14 +40,14 @@ So does a soak, for the same seed.
   "faults": "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s", 
   "findings": { "accounted": [ ], "kept": [ ], "readRight": [ ], "untouched": [ ] }, "recipes": { 
   "failed": 2, "read": 28, "written": 28 }, "requests": { "givenUp": 9, "good": 1908, "refused": 
-  41, "repeated": 180, "sent": 2097 }, "right": true, "seconds": 250.00879204100002, "seed": 1, 
-  "writes": { "acknowledged": 535, "givenUp": 3, "made": 608, "replaced": 70 } } 
+  41, "repeated": 180, "sent": 2097 }, "right": true, "seconds": 250.009, "seed": 1, "writes": { 
+  "acknowledged": 535, "givenUp": 3, "made": 608, "replaced": 70 } } 
 
 On a real line the same panel takes real time. (The second soak finds what the first has left.)
 
   $ . "$TESTDIR/functions.sh"
   $ controller --still --baud 0 --tcp 0
-  $ real="--tcp $place --pace none --overwrite --exchanges 500"
+  $ real="--tcp $place --pace none --overwrite --exchanges 500 --timeout 5000"
   $ tolvane-host soak $real > /dev/null && tolvane-host soak $real --seed 2 | grep -E ' ok |wrote|sent|compared|WRONG'
      wrote            132 times: 111 acknowledged, 0 given up, 21 replaced by newer
      requests         599 sent: 599 answered well, 0 to be repeated, 0 given up
