@@ -157,9 +157,9 @@ private slots:
         QCOMPARE(intf_getRegListByType(0, bits), 1);
         QCOMPARE(unheardOf, words + words);
         QCOMPARE(bits.join(","), QString("P_bit,M_bit,L_bit,K_bit,F_bit,TX,CX"));
-        QCOMPARE(text, QString("0,115200,8,NONE,1,0,1,192.168.1.100,8000,tolvane_link,P_W,M_W,L_W,"
-                               "K_W,F_W,D_W,S_W,T_W,C_W,N_W,Z_W,") +
-                           bits.join(","));
+        QCOMPARE(words.join(","), QString("P_W,M_W,L_W,K_W,F_W,D_W,S_W,T_W,C_W,N_W,Z_W"));
+        QCOMPARE(text, QString("0,115200,8,NONE,1,0,1,192.168.1.100,8000,tolvane_link,") +
+                           (words + bits).join(","));
         QStringList nothing;
         QCOMPARE(intf_getRegDiscription("d_w", nothing), 0);
         QVERIFY(nothing.isEmpty());
