@@ -170,7 +170,6 @@ private slots:
     void badImages()
     {
         const std::pair<const char *, const char *> images[] = {
-            {"D,1", "line 1: expected device,word,value"},
             {"D,1,2\n\nd,1,2", "line 3: unknown device \"d\""},
             {"D,32768,1", "line 1: no word \"32768\", expected 0 to 32767"},
             {"D,1,65536", "line 1: bad value \"65536\""},

@@ -42,8 +42,6 @@ private slots:
     {
         const std::pair<const char *, const char *> plans[] = {
             {"loss=2%,cut=1%,flip=1%,late=1%:300ms,double=1%,noise=1%,mute=0.1%:2s", ""},
-            {"los=1%", "\"los\""},
-            {"loss=1", "\"loss=1\""},
             {"loss=-1%", "\"loss=-1%\""},
             {"late=1%", "\"late=1%\""},
             {"mute=1%:3601s", "\"mute=1%:3601s\""},

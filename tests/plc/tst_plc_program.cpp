@@ -15,9 +15,6 @@
 
 namespace {
 
-const QByteArray setM10Bit3 = "\x02oi1400000800C5\x03";
-const QByteArray setReply = "\x06o6F\x04";
-
 /** The program while it runs. */
 class Plc
 {
@@ -134,31 +131,6 @@ private slots:
             QFile::remove(link);
             QVERIFY(QFile::link(folder.filePath("gone"), link));  // as a killed one leaves it
         }
-    }
-
-    void keepsWhatAReplyLostSaid()
-    {
-        QTemporaryDir folder;
-        const QString image = folder.filePath(QStringLiteral("image.csv"));
-        Plc plc(QStringLiteral("--still --save --faults loss=100% --image ") + image);
-        const auto line = connectTo(plc.place());
-        QVERIFY(line);
-        QCOMPARE(exchange(line.get(), setM10Bit3, 1, 200), QByteArray());
-        QCOMPARE(plc.end(), 0);
-        QFile file(image);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("device,word,value\nM,10,8\n"));
-    }
-
-    void healsOnSignal()
-    {
-        Plc plc(QStringLiteral("--verbose --faults mute=100%:1s"));
-        const auto line = connectTo(plc.place());
-        QVERIFY(line);
-        QCOMPARE(exchange(line.get(), setM10Bit3, 1, 100), QByteArray());
-        QVERIFY(plc.errors("mute").startsWith("set M 10 mask 0008\n    its reply is dist"));
-        plc.raise(SIGUSR2);
-        QTRY_COMPARE(exchange(line.get(), setM10Bit3, 5, 100), setReply);
     }
 };
 

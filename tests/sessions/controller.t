@@ -1,17 +1,22 @@
-The simulated controller by itself: it keeps what was written, and counts what came.
+The simulated controller by itself: it keeps what was written, also where its reply is lost, and
+counts what came; SIGUSR2 ends the faults.
 
   $ . "$TESTDIR/functions.sh"
-  $ controller --link plc --still --save --image image.csv --verbose
-  $ tolvane-host write --port plc D_W:5=7 M_bit:1.2=1
-  D_W:5     = 7  acknowledged
+  $ controller --link plc --still --save --image image.csv --verbose --faults loss=100%
+  $ tolvane-host write --port plc D_W:5=7 --timeout 60 --retries 1
+  D_W:5 = 7  FAILED: no reply within 60 ms
+  [1]
+  $ kill -USR2 $!
+  $ tolvane-host write --port plc M_bit:1.2=1
   M_bit:1.2 = 1  acknowledged
   $ end TERM
   $ cat counts image.csv
   write D 5 = 7
+      its reply is disturbed: loss
   set M 1 mask 0004
   served: total=2 read=0 write=1 set=1 clear=0
   refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
-  faults: total=0 loss=0 cut=0 flip=0 late=0 double=0 noise=0 mute=0
+  faults: total=1 loss=1 cut=0 flip=0 late=0 double=0 noise=0 mute=0
   stray bytes: 0
   device,word,value
   M,1,4
