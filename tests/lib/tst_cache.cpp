@@ -134,6 +134,7 @@ private slots:
         frame.sendLen = -1;
         QCOMPARE(intf_getSendFrame(&frame), 1);
         QVERIFY(!frame.sendLen && !frame.replyLen && !frame.dataStart && !frame.readCount);
+        QCOMPARE(driver.itemsInFrame, 1);
         driver.handShakeRequest = 0;
         QString text("was there");
         for (const int result : {8, 8, 2, 0}) {

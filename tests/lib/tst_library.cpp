@@ -26,23 +26,31 @@ QStringList lines(const char *command)
 }
 
 /**
- * Whether a record's fields stand in this order, aligned as usual: "i" an int, "s" a text, "b" a
- * kilobyte, "v" an item.
+ * Whether a record's fields stand in this order, aligned as usual, and begin as 0: "i" an int, "s"
+ * a text, "b" a kilobyte, "v" an item.
  */
 template <typename Record>
 bool isLaidOut(const char *fields, const std::vector<size_t> &offsets)
 {
+    typename std::aligned_storage<sizeof(Record), alignof(Record)>::type storage;
+    std::memset(&storage, 0xFF, sizeof storage);
+    Record *const record = new (&storage) Record;
+    const QByteArray begun(reinterpret_cast<const char *>(record), sizeof(Record));
+    record->~Record();
     size_t end = 0;
     const auto alignTo = [&end](size_t bytes) { end = (end + bytes - 1) / bytes * bytes; };
     for (size_t i = 0; i < offsets.size(); ++i) {
         const char kind = fields[i];
         alignTo(kind == 'i' ? 4 : kind == 'b' ? 1 : sizeof(void *));
-        if (offsets[i] != end)
+        const size_t bytes = kind == 'i'   ? 4
+                             : kind == 'b' ? 1024
+                             : kind == 's' ? sizeof(QString)
+                                           : sizeof(VARIABLE);
+        const bool isNumber = kind == 'i' || kind == 'b';
+        if (offsets[i] != end ||
+            (isNumber && begun.mid(int(end), int(bytes)) != QByteArray(int(bytes), 0)))
             return false;
-        end += kind == 'i'   ? 4
-               : kind == 'b' ? 1024
-               : kind == 's' ? sizeof(QString)
-                             : sizeof(VARIABLE);
+        end += bytes;
     }
     alignTo(sizeof(void *));
     return end == sizeof(Record) && std::is_standard_layout<Record>::value;
