@@ -58,6 +58,7 @@ void planningRows()
     plan("condition reads in pieces of the limit", "32", "condition D_W 0 x100",
          "rD0x32 rD32x32 rD64x32 - rD96x4");
     plan("7 contacts a frame", "64", "condition TX 0 x20", "rTX0x112 rTX0x112 rTX0x96");
+    plan("more bits than a frame has words", "64", "condition M_bit 0 x500", "rM0x32");
     plan("bits as words, in pieces of limit * 8", "1", "condition M_bit 1604 x21",
          "rM100 rM100x2 rM101");
     plan("twice behind the head: once", "64", "condition D_W 9, D_W 0 x3, M_W 0 x3, D_W 0 x3",
