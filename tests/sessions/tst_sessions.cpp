@@ -21,7 +21,7 @@ private slots:
         QProcess cram;
         cram.setProcessChannelMode(QProcess::MergedChannels);
         // Ends all that the session has started, should it not end.
-        cram.start("timeout", {"--kill-after=1", "40", CRAM_PROGRAM, "--shell=/bin/sh", file});
+        cram.start("timeout", {"--signal=KILL", "40", CRAM_PROGRAM, "--shell=/bin/sh", file});
         QVERIFY(cram.waitForFinished(50000));
         QVERIFY2(cram.exitCode() == 0, cram.readAll().constData());
     }
