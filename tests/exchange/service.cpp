@@ -7,6 +7,8 @@ void serviceRows()
         serve 15 : wD0 wD1 wD2 wD3 wD4 wD5 wD6 wD7 wD8 wD9 rD100 wD10 wD11 rD100 rD100)");
     row("12 writes and nothing else: one call in between has nothing to send", R"(flood write 12
         serve 15 : wD0 wD1 wD2 wD3 wD4 wD5 wD6 wD7 wD8 wD9 - wD10 wD11 - -)");
+    row("a run of writes begins anew with the driver", R"(flood write 9; serve 9 : *
+        init 7#0#0#3#64; monitor D_W 100 : 1; flood write 3; serve 4 : wD0 wD1 wD2 rD100)");
     row("5 condition reads and a cyclic read", R"(monitor D_W 100 : 1; flood condition 5
         serve 7 : rD0 rD1 rD2 rD100 rD3 rD4 rD100 => done 0)");
     row("writes use up the run of the condition reads", R"(monitor D_W 100 : 1
