@@ -33,7 +33,7 @@ bool onlyWholeReplies(QByteArray bytes)
 {
     while (!bytes.isEmpty()) {
         const int size = firstReplySize(bytes);
-        if (size == 0 || formFault(bytes.left(size)))
+        if (formFault(bytes.left(size)))
             return false;
         bytes.remove(0, size);
     }

@@ -87,7 +87,7 @@ void TestOffline::values()
         {"D_W:1:int32-be", {65535, 65534}, "-2"},
         {"D_W:1x2:uint32", {1, 2, 65535, 65535}, "131073,4294967295"},
         {"D_W:1:bin", {0x8005}, "0b1000000000000101"},
-        {"D_W:1x2:bcd", {0x1234, 0x0A00}, "1234,0x0A00"},  // the second is no BCD number
+        {"D_W:1x3:bcd", {0x1234, 0x0A00, 0}, "1234,0x0A00,0"},  // the second is no BCD number
         {"D_W:1x2:float", {0, 0x3FC0, 0xCCCD, 0x3DCC}, "1.5,0.1"},
         {"D_W:1:float", {0x0001, 0x4B80}, "16777218"},  // needs eight digits
         {"D_W:1x2:string:3", {0x6261, 0x63, 0, 0}, "abc,"},

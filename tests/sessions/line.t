@@ -31,6 +31,22 @@ Reading and writing on a pseudo-terminal, as at a controller.
   D_W:100  1
   TIME  ->  02 72 61 43 38 30 30 30 30 30 32 37 30 03  read 1 word of D from word 100
   TIME  <-  06 72 30 31 30 30 33 33 04  1 word: 1
+  $ tolvane-host read --port plc P_W:1 M_W:1 L_W:1 K_W:1 F_W:1 D_W:1 S_W:1 T_W:1 C_W:1 N_W:1 Z_W:1 \
+  >     TX:1 CX:1 --trace all > /dev/null
+  $ sed -n 's/.*->  //p' all
+  02 72 68 30 32 30 30 30 30 30 32 35 45 03  read 1 word of P from word 1
+  02 72 69 30 32 30 30 30 30 30 32 35 46 03  read 1 word of M from word 1
+  02 72 6A 30 32 30 30 30 30 30 32 36 30 03  read 1 word of L from word 1
+  02 72 6B 30 32 30 30 30 30 30 32 36 31 03  read 1 word of K from word 1
+  02 72 6E 30 32 30 30 30 30 30 32 36 34 03  read 1 word of F from word 1
+  02 72 61 30 32 30 30 30 30 30 32 35 37 03  read 1 word of D from word 1
+  02 72 6F 30 32 30 30 30 30 30 32 36 35 03  read 1 word of S from word 1
+  02 72 62 30 32 30 30 30 30 30 32 35 38 03  read 1 word of T from word 1
+  02 72 63 30 32 30 30 30 30 30 32 35 39 03  read 1 word of C from word 1
+  02 72 70 30 32 30 30 30 30 30 32 36 36 03  read 1 word of N from word 1
+  02 72 73 30 32 30 30 30 30 30 32 36 39 03  read 1 word of Z from word 1
+  02 72 6C 30 30 30 30 30 30 30 32 36 30 03  read 1 word of TX from word 0
+  02 72 6D 30 30 30 30 30 30 30 32 36 31 03  read 1 word of CX from word 0
   $ tolvane-host read M_bit:20.5 --simulate --baud 9600 2>/dev/null
   M_bit:20.5  0
   $ programs=$(dirname "$(command -v tolvane-host)")
@@ -170,6 +186,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   > recipe push /nowhere/r
   > recipe push wrong.csv
   > recipe pull - D_W:1x3 D_W:3
+  > recipe pull - D_W:0x32768 N_W:0x21504 L_W:0x11264 P_W:0
   > read D_W:1 --port /nowhere/tty
   > write D_W:1=2 --port /nowhere/tty
   > recipe push short.csv --port /nowhere/tty
@@ -236,6 +253,8 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   tolvane-host: wrong.csv:2: address "D_W:99999": outside D_W, which reaches from 0 to 32767
   [2]
   tolvane-host: recipe: D_W:1x3 and D_W:3 overlap
+  [2]
+  tolvane-host: recipe: more than 65536 values
   [2]
   tolvane-host: D_W:1: cannot open /nowhere/tty: there is no device /nowhere/tty
   [1]
