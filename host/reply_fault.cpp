@@ -138,7 +138,9 @@ ReplyFault formFault(const QByteArray &reply)
     const QString right = hexByte(sum & 0xFF);  // in capitals, and so it must be
     if (carried == right.toLatin1())
         return ReplyFault();
-    ReplyFault fault = byteFault(ReplyFault::Checksum, 0, sum & 0xFF);
+    ReplyFault fault;
+    fault.reason = ReplyFault::Checksum;
+    fault.expected = sum & 0xFF;
     bool isHex = false;
     carried.toInt(&isHex, 16);
     fault.detail =

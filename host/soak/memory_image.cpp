@@ -26,10 +26,8 @@ void storeImage(const MemoryImage &image, plc::Memory &memory)
 {
     for (auto word = image.cbegin(); word != image.cend(); ++word) {
         const QString &device = word.key().first;
-        const char letter = plc::Memory::letter(device.toLatin1());
-        if (letter == 0)
-            throw Failure(QStringLiteral("the simulated controller has no device %1").arg(device));
-        memory.setWord(letter, word.key().second, quint16(word.value()));
+        memory.setWord(plc::Memory::letter(device.toLatin1()), word.key().second,
+                       quint16(word.value()));
     }
 }
 

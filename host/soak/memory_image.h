@@ -30,7 +30,7 @@ struct Place
 /** The place of a point's value number `index`. */
 Place placeOf(const Point &point, int index);
 
-/** Puts the words into a simulated controller's memory. Throws Failure at an unknown device. */
+/** Puts the words, of devices that it has, into a simulated controller's memory. */
 void storeImage(const MemoryImage &image, plc::Memory &memory);
 
 /** All words that are not 0, past driver and line. */
