@@ -2,6 +2,23 @@ The tour runs in simulated time: it is the same every time, as docs/tour.txt sho
 
   $ tolvane-host demo | sed 's#/.*/##' | diff - "$TESTDIR/../../docs/tour.txt"
 
+Another controller's driver is found out.
+
+  $ other="$(dirname "$(command -v tolvane-host)")/../examples/second_controller/libsecond_controller.so"
+  $ tolvane-host demo --driver "$other" 2>&1 | sed -n '/^1/,/^2/p;$p'
+  1. Who is there
+     The driver names itself, its default line and its register types.
+     driver   modbus_rtu 1.0.0.0
+     line     19200,8,EVEN,1
+     network  192.168.1.100,502
+     words    up to HR_W:65535
+     bits     up to HR_bit:65535.15, CO:65535
+     WRONG  it is the driver that this host is made for: expected tolvane_link, got modbus_rtu
+     WRONG  18 register types, with their last addresses: expected 18, got 3
+  
+  2. Checking addresses
+    HR_W, HR_bit, CO
+
 So does a soak, for the same seed.
 
   $ tolvane-host soak --exchanges 2000 | sed 's#/.*/##'
