@@ -13,7 +13,6 @@ constexpr int LongestTimeMs = 60000;
 constexpr int MostRetries = 100;
 constexpr int LongestBlock = 127;  // words that a frame carries
 constexpr int HighestStation = 255;
-constexpr int HighestBaud = 4000000;
 
 QString optionName(const char *name)
 {
@@ -136,7 +135,7 @@ ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Ide
                                          "controller; expected --serial for the settings of a line")
                               .arg(parser.value(baud)),
                           BadInput);
-        simulatedBaud = numberOption(parser, baud, 0, HighestBaud);
+        simulatedBaud = numberOption(parser, baud, 0, SerialSettings::HighestBaud);
         pace.none = simulatedBaud == 0;
         if (!pace.none)
             pace.settings.baudRate = simulatedBaud;

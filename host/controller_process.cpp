@@ -60,8 +60,10 @@ ControllerProcess::ControllerProcess(const QString &program, const QStringList &
 ControllerProcess::~ControllerProcess()
 {
     m_process.terminate();
-    if (!m_process.waitForFinished(EndPatienceMs))
-        m_process.kill();
+    if (m_process.waitForFinished(EndPatienceMs))
+        return;
+    m_process.kill();
+    m_process.waitForFinished(EndPatienceMs);
 }
 
 }  // namespace host

@@ -1,11 +1,11 @@
 // tolvane-host: the driver's bench. Chooses the command and reports what ended it.
+#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/failure.h"
 #include "host/tag_text.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
 #include <QtCore/QTextStream>
 
 #include <algorithm>
@@ -72,12 +72,14 @@ int runCommand(const Command &command, const QStringList &arguments)
     } catch (const host::Failure &failure) {
         const QJsonObject object{{QStringLiteral("quality"), QStringLiteral("bad")},
                                  {QStringLiteral("reason"), QString::fromUtf8(failure.what())}};
-        QTextStream out(stdout);
-        if (command.json != Json::None && arguments.contains(QStringLiteral("--json")))
-            out << (command.json == Json::Lines ? host::jsonLine(object)
-                    : command.json == Json::Array
-                        ? QString(QJsonDocument(QJsonArray{object}).toJson())
-                        : QString(QJsonDocument(object).toJson()));
+        if (command.json == Json::None || !arguments.contains(QStringLiteral("--json")))
+            throw;
+        if (command.json == Json::Lines)
+            QTextStream(stdout) << host::jsonLine(object);
+        else if (command.json == Json::Array)
+            host::printJson(QJsonDocument(QJsonArray{object}));
+        else
+            host::printJson(QJsonDocument(object));
         throw;
     }
 }

@@ -3,7 +3,6 @@
 
 #include "host/failure.h"
 #include "host/neighbours.h"
-#include "host/tag_text.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTextStream>

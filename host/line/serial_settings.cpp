@@ -10,12 +10,11 @@ namespace host {
 namespace {
 
 constexpr qint64 MicrosecondsPerSecond = 1000 * 1000;
-constexpr int HighestBaud = 4000000;
 
-Failure refuse(const QString &text, const char *part, const QString &found, const char *expected)
+Failure refuse(const QString &text, const char *part, const QString &found, const QString &expected)
 {
     return Failure(QStringLiteral("serial settings \"%1\": %2 \"%3\", expected %4")
-                       .arg(text, QLatin1String(part), found, QLatin1String(expected)),
+                       .arg(text, QLatin1String(part), found, expected),
                    BadInput);
 }
 
@@ -37,7 +36,8 @@ SerialSettings SerialSettings::parse(const QString &text)
     SerialSettings settings;
     settings.baudRate = parts[0].toInt();
     if (settings.baudRate < 1 || settings.baudRate > HighestBaud)
-        throw refuse(text, "baud rate", parts[0], "a number from 1 to 4000000");
+        throw refuse(text, "baud rate", parts[0],
+                     QStringLiteral("a number from 1 to %1").arg(HighestBaud));
 
     const int dataBits = parts[1].toInt();
     if (dataBits < 5 || dataBits > 8)

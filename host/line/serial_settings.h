@@ -10,6 +10,8 @@ namespace host {
 
 struct SerialSettings
 {
+    static constexpr int HighestBaud = 4000000;
+
     qint32 baudRate = 0;
     QSerialPort::DataBits dataBits = QSerialPort::Data8;
     QSerialPort::Parity parity = QSerialPort::NoParity;

@@ -12,15 +12,13 @@ struct Result
     QString err;
 };
 
-inline Result runProgram(const QString &program, const QStringList &arguments,
-                         const QByteArray &input = QByteArray())
+inline Result runProgram(const QString &program, const QStringList &arguments)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("LC_ALL", "C.UTF-8");
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
-    process.write(input);
     process.closeWriteChannel();
     Result result;
     if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit)

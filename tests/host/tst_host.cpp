@@ -2,13 +2,18 @@
 // that cannot be opened, and whether every option is documented.
 #include "host/failure.h"
 #include "host/frame_text.h"
-#include "host/line/serial_settings.h"
+#include "host/line/serial_line.h"
 #include "host/port_device.h"
 
 #include "program.h"
 
 #include <QtCore/QTemporaryDir>
 
+#include <tuple>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <termios.h>
 #include <unistd.h>
 
 using namespace host;
@@ -20,6 +25,7 @@ class TestHost : public QObject
 private slots:
     void frameTexts();
     void serialSettings();
+    void portIsSetAsNamed();
     void portTroubles();
     void everyOptionIsDocumented();
 };
@@ -88,6 +94,25 @@ void TestHost::serialSettings()
             QCOMPARE(failure.status(), BadInput);
         }
         QVERIFY2(bits == bitsPerByte, text);
+    }
+}
+
+// A pseudo-terminal keeps the pace and the stop bits that it is asked for, but no parity.
+void TestHost::portIsSetAsNamed()
+{
+    const std::tuple<const char *, speed_t, bool> rows[] = {{"9600,8,NONE,1", B9600, false},
+                                                            {"19200,8,NONE,2", B19200, true}};
+    for (const auto &[settings, speed, twoStopBits] : rows) {
+        const int master = ::posix_openpt(O_RDWR | O_NOCTTY);
+        QVERIFY(master >= 0 && ::grantpt(master) == 0 && ::unlockpt(master) == 0);
+        SerialLine line(QString::fromLocal8Bit(::ptsname(master)),
+                        {SerialSettings::parse(settings), false});
+        QVERIFY2(line.open(), qPrintable(line.errorText()));
+        termios port;
+        QCOMPARE(::tcgetattr(master, &port), 0);
+        ::close(master);
+        QCOMPARE(::cfgetospeed(&port), speed);
+        QCOMPARE((port.c_cflag & CSTOPB) != 0, twoStopBits);
     }
 }
 
