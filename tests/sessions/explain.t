@@ -145,6 +145,20 @@ What socat heard: a request in two pieces, and one that came twice.
   
   4 frames, 1 wrong
   [1]
+  $ (asked; printf "< 2026/11/23 04:36:51.000387072  length=13 from=0 to=12\n 06 72 33 3") |
+  >     tolvane-host explain --wrong
+  2026/11/23 04:36:51.000386886
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+     checksum 72: right
+  
+  <- 06 72 33
+              ^^
+     wrong: the frame ends too early (the last line is cut)
+     no checksum: the frame is too short
+  
+  2 frames, 1 wrong
+  [1]
   $ printf "something else\n$request\n" | tolvane-host explain -
   tolvane-host: standard input:1: "something else": expected what --trace or socat -x writes, or bytes as hex pairs
   [2]
