@@ -6,7 +6,7 @@ counts what came; SIGUSR2 ends the faults.
   $ tolvane-host write --port plc D_W:5=7 --timeout 60 --retries 1
   D_W:5 = 7  FAILED: no reply within 60 ms
   [1]
-  $ kill -USR2 $!
+  $ await counts disturbed; kill -USR2 $!
   $ tolvane-host write --port plc M_bit:1.2=1
   M_bit:1.2 = 1  acknowledged
   $ end TERM

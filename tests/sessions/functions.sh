@@ -32,3 +32,8 @@ folded() {
     sed 's/[-0-9T:.]*Z"/TIME"/' | tr -d ' \n' | fold -w 96
     echo
 }
+
+# uncounted: any number as N, and what is counted as many.
+uncounted() {
+    sed 's/[0-9][0-9.]*/N/g;s/N retry/N retries/;s/N \(exchange\|word\|error\)\b/N \1s/'
+}

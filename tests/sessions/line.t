@@ -4,9 +4,6 @@ Reading and writing on a pseudo-terminal, as at a controller.
   $ printf 'name,address,format,unit,decimals\nlevel,D_W:110,float,bar,2\nlamp,M_bit:20.5\n' > tags.csv
   $ . "$TESTDIR/functions.sh"
   $ controller --still --link plc --image memory.csv
-  $ controller --still --link mute --faults loss=100%
-  $ controller --still --link lossy --faults loss=50% --seed 3
-  $ controller --still --link lossier --faults loss=50% --seed 4
   $ controller --link moving
   $ quick="--timeout 60 --retries 2"
   $ tolvane-host read --port plc D_W:100x3
@@ -18,10 +15,6 @@ Reading and writing on a pseudo-terminal, as at a controller.
   $ tolvane-host read --port plc level=2/D_W:110:float --json | folded
   [{"address":"2/D_W:110","number":110,"quality":"good","station":2,"tag":"level","time":"TIME","v
   alues":[1.5]}]
-  $ tolvane-host read $quick --port mute D_W:100 D_W:900
-  tolvane-host: D_W:100: no reply to 2 requests of 60 ms each
-  tolvane-host: D_W:900: no reply to 2 requests of 60 ms each
-  [1]
   $ tolvane-host read --port plc D_W:100 D_W:300 --trace /dev/full
   tolvane-host: cannot write "/dev/full": No space left on device; the trace ends here
   D_W:100  1
@@ -70,21 +63,12 @@ What is written, and nothing beside it.
   [{"acknowledged":true,"address":"D_W:720","blocks":[{"acknowledged":true,"address":"D_W:720","co
   unt":2,"number":720,"station":1}],"number":720,"station":1,"tag":"D_W:720x2:hex","values":["0x00
   1F","0x0000"]}]
-  $ tolvane-host write --timeout 400 --retries 2 --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
-  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 400 ms each
-  [1]
-  $ tolvane-host write $quick --port mute D_W:700=1 --json | folded
-  tolvane-host: D_W:700: no reply to 2 requests of 60 ms each
-  [{"acknowledged":false,"address":"D_W:700","blocks":[{"acknowledged":false,"address":"D_W:700","
-  count":1,"number":700,"reason":"noreplyto2requestsof60mseach","station":1}],"number":700,"reason
-  ":"noreplyto2requestsof60mseach","station":1,"tag":"D_W:700","values":[1]}]
-
 Watching, on a line that a pipe or a log follows.
 
-  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 1 --timeout 5000 --stats 2>counts | sed 's/^[^ ]*Z/TIME/'
+  $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 2 --timeout 5000 --stats 2>counts | sed 's/^[^ ]*Z/TIME/'
   TIME  level  D_W:110  1.5
   TIME  D_W:300  30
-  $ sed 's/[0-9][0-9.]*/N/g;s/   */  /g' counts
+  $ uncounted < counts | sed 's/   */  /g'
   N exchanges in N s (N/s), N words, N retries, N errors
   N % of the line's capacity used
   
@@ -95,26 +79,16 @@ Watching, on a line that a pipe or a log follows.
   tag  good  retries  errors  last good  min  mean  max ms  failures
   D_W:N  N  N  N  N s ago  N  N  N
   level  N  N  N  N s ago  N  N  N
-  $ tolvane-host watch --port plc two=D_W:100x2 --for 1 --timeout 5000 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
+  $ tolvane-host watch --port plc two=D_W:100x2 --for 2 --timeout 5000 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
   time,name,address,value,quality,reason
   TIME,two[0],D_W:100,1,good,
   TIME,two[1],D_W:101,2,good,
-  $ TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --for 1.2 --csv log --every 400 --local 2>/dev/null
-  $ sed 's/^....-..-..T..:..:..\..../TIME/' log
+  $ TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --csv - --every 200 --local 2>/dev/null \
+  >     | head -4 | sed 's/^....-..-..T..:..:..\..../TIME/'
   time,a,a quality
   TIME+05:30,1,good
   TIME+05:30,1,good
   TIME+05:30,1,good
-  $ tolvane-host watch $quick --port mute a=D_W:100 b=D_W:100 --for 1.5 --json --stats 2>err | sed 's/[-0-9T:.]*Z/TIME/;s/[0-9][0-9.]*/N/g'; sed 's/[0-9][0-9.]*/N/g' err
-  {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"a","time":"TIME","value":null}
-  {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"b","time":"TIME","value":null}
-  {"statistics":{"blocks":[{"address":"D_W:N","count":N,"errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N}],"tags":[{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"a"},{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"b"}]}}
-  N exchanges in N s (N/s), N words, N retries, N errors
-  N % of the line's capacity used
-  failures: no-reply N
-  tolvane-host: no good value at the end; no reply to N requests of N ms each: a, b
-  $ tolvane-host watch $quick --port mute a=D_W:100 --for 1 2>/dev/null | sed 's/^[^ ]*Z/TIME/'
-  TIME  a  D_W:100  -  bad: no reply to 2 requests of 60 ms each
   $ tolvane-host watch --port plc D_W:100 --csv /dev/full --for 9
   tolvane-host: cannot write "/dev/full": No space left on device
   [1]
@@ -137,12 +111,6 @@ Recipes.
   $ tolvane-host recipe pull - D_W:100x2 --port plc --json | folded
   {"address":"D_W:100","number":100,"quality":"good","station":1,"tag":"D_W:100x2","time":"TIME","
   values":[1,2]}
-  $ tolvane-host recipe push recipe.csv $quick --port mute
-  tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
-  [1]
-  $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 400 --retries 1
-  tolvane-host: D_W:100: no reply within 400 ms; nothing was written
-  [1]
   $ printf "D_W:101,2000\nD_W:1000x300$(printf ',7%.0s' $(seq 300))\n" > moving.csv
   $ tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
   D_W:101: wrote 2000, the controller holds another

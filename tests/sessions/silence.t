@@ -1,0 +1,36 @@
+Lines that lose replies: some, or all.
+  $ . "$TESTDIR/functions.sh"
+  $ controller --still --link mute --faults loss=100%
+  $ controller --still --link lossy --faults loss=50% --seed 3
+  $ controller --still --link lossier --faults loss=50% --seed 4
+  $ quick="--timeout 60 --retries 2"
+  $ printf 'address,values\nD_W:1000:float,2.25\nM_bit:40.6x4,1,0,1,1\nD_W:1300x3:int16,-1,2,3\n' > recipe.csv
+  $ tolvane-host read $quick --port mute D_W:100 D_W:900
+  tolvane-host: D_W:100: no reply to 2 requests of 60 ms each
+  tolvane-host: D_W:900: no reply to 2 requests of 60 ms each
+  [1]
+  $ tolvane-host write --timeout 1000 --retries 2 --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
+  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 1000 ms each
+  [1]
+  $ tolvane-host write $quick --port mute D_W:700=1 --json | folded
+  tolvane-host: D_W:700: no reply to 2 requests of 60 ms each
+  [{"acknowledged":false,"address":"D_W:700","blocks":[{"acknowledged":false,"address":"D_W:700","
+  count":1,"number":700,"reason":"noreplyto2requestsof60mseach","station":1}],"number":700,"reason
+  ":"noreplyto2requestsof60mseach","station":1,"tag":"D_W:700","values":[1]}]
+  $ tolvane-host watch $quick --port mute a=D_W:100 b=D_W:100 --for 2 --json --stats 2> err \
+  >     | sed 's/[-0-9T:.]*Z/TIME/' | uncounted; uncounted < err
+  {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"a","time":"TIME","value":null}
+  {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"b","time":"TIME","value":null}
+  {"statistics":{"blocks":[{"address":"D_W:N","count":N,"errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N}],"tags":[{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"a"},{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"b"}]}}
+  N exchanges in N s (N/s), N words, N retries, N errors
+  N % of the line's capacity used
+  failures: no-reply N
+  tolvane-host: no good value at the end; no reply to N requests of N ms each: a, b
+  $ tolvane-host watch $quick --port mute a=D_W:100 --for 2 2>/dev/null | sed 's/^[^ ]*Z/TIME/'
+  TIME  a  D_W:100  -  bad: no reply to 2 requests of 60 ms each
+  $ tolvane-host recipe push recipe.csv $quick --port mute
+  tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
+  [1]
+  $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 1000 --retries 1
+  tolvane-host: D_W:100: no reply within 1000 ms; nothing was written
+  [1]
