@@ -5,7 +5,6 @@ Reading and writing on a pseudo-terminal, as at a controller.
   $ . "$TESTDIR/functions.sh"
   $ controller --still --link plc --image memory.csv
   $ controller --link moving
-  $ quick="--timeout 60 --retries 2"
   $ tolvane-host read --port plc D_W:100x3
   D_W:100x3  1, 2, 65535
   $ tolvane-host read --port plc --tags tags.csv D_W:102:int16
@@ -63,6 +62,7 @@ What is written, and nothing beside it.
   [{"acknowledged":true,"address":"D_W:720","blocks":[{"acknowledged":true,"address":"D_W:720","co
   unt":2,"number":720,"station":1}],"number":720,"station":1,"tag":"D_W:720x2:hex","values":["0x00
   1F","0x0000"]}]
+
 Watching, on a line that a pipe or a log follows.
 
   $ tolvane-host watch --port plc D_W:300 level=D_W:110:float --for 2 --timeout 5000 --stats 2>counts | sed 's/^[^ ]*Z/TIME/'
