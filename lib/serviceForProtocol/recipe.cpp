@@ -72,12 +72,8 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
         driver.rcpEntries.append(entry);
     }
     driver.rcpRefused = driver.rcpEntries.isEmpty();
-    if (driver.rcpRefused)
-        return 0;
-
     driver.rcpEntries = inWeightOrder(driver.rcpEntries, weightOf);
     QVector<AddressSpan> spans;
-    spans.reserve(driver.rcpEntries.size());
     for (int i = 0; i < driver.rcpEntries.size(); ++i) {
         const _RCP_VAR_PRO &entry = driver.rcpEntries.at(i);
         spans.append(spanOf(entry, getIndexFromRegName(entry.regName), i));

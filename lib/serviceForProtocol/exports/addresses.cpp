@@ -124,18 +124,11 @@ namespace {
 
 enum CopyResult { NothingToCopy = 0, WithinRange = 1, Capped = 2 };
 
-/** Address steps that one value of `bits` bits takes; at least 1. */
-int stepsOfValue(const RegisterType &type, int bits)
-{
-    return type.unitKind == WordUnit ? bits / BitsPerWord : 1;
-}
-
+/** -1 and -2 are one value of 16 and of 32 bits; of bits either takes one address. */
 int resolveStep(const RegisterType &type, int step)
 {
-    if (step == -1)
-        return stepsOfValue(type, 16);
-    if (step == -2)
-        return stepsOfValue(type, 32);
+    if (step == -2 && type.unitKind == WordUnit)
+        return 32 / BitsPerWord;
     return qMax(step, 1);
 }
 
