@@ -119,7 +119,10 @@ QVector<int> unitsOfString(const Form &form, const QString &text, bool *ok)
     for (int i = 0; i < int(text.size()) && *ok; ++i) {
         ushort sign = text[i].unicode();
         if (sign == '\\' && text.mid(i + 1, 1) == QLatin1String("x")) {
-            sign = text.mid(i + 2, 2).toUShort(ok, 16);
+            const QString digits = text.mid(i + 2, 2);
+            sign = digits.toUShort(ok, 16);
+            *ok =
+                *ok && digits.size() == 2 && digits[0].isLetterOrNumber();  // neither "4" nor "+4"
             i += 3;
         } else if (sign == '\\') {
             *ok = text.mid(++i, 1) == QLatin1String("\\");
@@ -181,7 +184,8 @@ QString Form::expectation() const
 {
     const FormatRow &row = rowOf(format);
     if (format == Format::String)
-        return QLatin1String("at most ") + countText(length, "character");
+        return QStringLiteral("at most %1; \\\\ for a backslash, \\x00 to \\xff for any byte")
+            .arg(countText(length, "character"));
     if (format == Format::Float)
         return QStringLiteral("a number");
     if (format == Format::Hex)

@@ -83,8 +83,11 @@ QString portTrouble(const QString &file, const QString &said)
         return locked;
     const int descriptor = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     const int error = descriptor < 0 ? errno : 0;
+    const bool isOther = descriptor >= 0 && ::isatty(descriptor) == 0;
     if (descriptor >= 0)
         ::close(descriptor);
+    if (isOther)
+        return QStringLiteral("it is no serial port");
     return error == EBUSY ? QStringLiteral(
                                 "in use: another program has opened it exclusively "
                                 "(TIOCEXCL)")

@@ -101,7 +101,7 @@ int explainCommand(const QStringList &arguments)
         QStringLiteral("HEX...|FILE|-"));
     const QCommandLineOption wrong(QStringLiteral("wrong"),
                                    QStringLiteral("Print only frames that are wrong, and the "
-                                                  "requests of wrong replies."));
+                                                  "requests of wrong or missing replies."));
     commandLine.addOptions({wrong});
     commandLine.addJsonOption("Print a JSON array, an object a frame.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
@@ -126,10 +126,11 @@ int explainCommand(const QStringList &arguments)
             print(frame, out);
     };
     int faulty = 0;
+    int missing = 0;
     int shownRequest = -1;
     for (const ExplainedFrame &frame : frames) {
         const bool isWrong = !frame.reading.fault.isEmpty();
-        faulty += isWrong;
+        (frame.bytes.isEmpty() ? missing : faulty) += isWrong;
         if (!isWrong && commandLine.isSet(wrong))
             continue;
         const bool alone = commandLine.isSet(wrong) && frame.request > shownRequest &&
@@ -142,9 +143,13 @@ int explainCommand(const QStringList &arguments)
     if (commandLine.asJson())
         printJson(QJsonDocument(array));
     else
-        out << countText(frames.size(), "frame") << ", "
-            << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong\n";
-    return faulty == 0 ? AllRight : SomethingFailed;
+        out << countText(frames.size() - missing, "frame") << ", "
+            << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong"
+            << (missing == 0
+                    ? QString()
+                    : QStringLiteral("; %1 without a reply").arg(countText(missing, "request")))
+            << '\n';
+    return faulty + missing == 0 ? AllRight : SomethingFailed;
 }
 
 }  // namespace host

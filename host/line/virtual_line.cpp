@@ -47,8 +47,10 @@ bool VirtualLine::send(const QByteArray &bytes)
     comeLate();
     if (!m_isOpen)
         return false;
-    if (int(m_random() % Million) < m_settings.lostRequests)
+    if (int(m_random() % Million) < m_settings.lostRequests) {
+        ++m_requestsLost;
         return true;
+    }
     if (m_suspended)
         m_waiting += bytes;
     else

@@ -40,6 +40,7 @@ public:
     plc::Memory &memory() { return m_memory; }
     plc::Controller &controller() { return m_controller; }
     plc::Faults &faults() { return m_faults; }
+    int requestsLost() const { return m_requestsLost; }
 
     /** No more faults, and no more requests get lost. */
     void heal();
@@ -64,6 +65,7 @@ private:
     std::mt19937 m_random;
     LineTime m_now{0};
     QByteArray m_waiting;  // for the suspended controller
+    int m_requestsLost = 0;
     bool m_suspended = false;
     bool m_pluggedIn = true;
     bool m_isOpen = false;

@@ -122,15 +122,17 @@ void TestHost::portTroubles()
     QVERIFY(QDir::setCurrent(folder.path()) && QFile::link("/dev/null", "plc"));
     QCOMPARE(portDevice("plc"), QString("/dev/null"));
     QCOMPARE(portDevice("ttyS1"), QString("/dev/ttyS1"));
-    QCOMPARE(portTrouble("/dev/null", "as said"), QString("as said"));
+    QCOMPARE(portTrouble("/dev/null", "as said"), QString("it is no serial port"));
+    QCOMPARE(portTrouble("/dev/ptmx", "as said"), QString("as said"));
     QVERIFY(portTrouble(portDevice("nonesuch"), "").contains("no device /dev/nonesuch"));
-    QFile lock("/tmp/LCK..null");
+    const QString device = folder.filePath("plc");
+    QFile lock("/tmp/LCK.." + QString(device).replace('/', '_'));
     QVERIFY(lock.open(QIODevice::WriteOnly));
     lock.write(QByteArray::number(::getppid()) + "\npanel\n");
     lock.close();
-    const QString said = portTrouble("/dev/null", "");
+    const QString said = portTrouble(device, "");
     lock.remove();
-    QVERIFY2(hasMatch(said, "process \\d+ \\(panel\\) holds the lock /tmp/LCK\\.\\.null"),
+    QVERIFY2(hasMatch(said, "process \\d+ \\(panel\\) holds the lock /tmp/LCK\\.\\._.*_plc"),
              qPrintable(said));
 }
 

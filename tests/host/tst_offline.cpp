@@ -112,6 +112,9 @@ void TestOffline::badValues()
         {"D_W:1:hex", "12G", "hexadecimal"},
         {"D_W:1:bcd", "10000", "from 0 to 9999"},
         {"D_W:1:string:3", "abcd", "at most 3 characters"},
+        {"D_W:1:string:4", "a\\q", "\\\\ for a backslash"},
+        {"D_W:1:string:4", "\\x4", "\\x00 to \\xff"},
+        {"D_W:1:string:4", "\\x+4", "\\x00 to \\xff"},
     };
     for (const auto &[address, text, expected] : rows) {
         const QString said =

@@ -94,7 +94,7 @@ A trace as the host writes one, whole, with replies that it refused, and cut at 
   10:00:00.126Z
   <- no reply
   
-  6 frames, 2 wrong
+  5 frames, 1 wrong; 1 request without a reply
   [1]
   $ printf "$asked\n10:00:00.126Z  <-  06 72 33 3" | tolvane-host explain --wrong -
   10:00:00.123Z
@@ -143,7 +143,7 @@ What socat heard: a request in two pieces, and one that came twice.
   
   <- no reply
   
-  4 frames, 1 wrong
+  3 frames, none wrong; 1 request without a reply
   [1]
   $ (asked; printf "< 2026/11/23 04:36:51.000387072  length=13 from=0 to=12\n 06 72 33 3") |
   >     tolvane-host explain --wrong
