@@ -31,6 +31,13 @@ counts what came; SIGUSR2 ends the faults.
   $ tolvane-plc --version
   tolvane-plc 2.0.0.0
 
+A host that is killed takes its own controller with it.
+
+  $ tolvane-host watch D_W:1 --simulate --json > log 2> said & host=$!
+  $ await log good; read its < /proc/$host/task/$host/children; kill -KILL $host
+  $ for try in $(seq 500); do grep -qs plc /proc/$its/cmdline || { echo gone; break; }; sleep 0.02; done
+  gone
+
 Bad input is named, with what was expected.
 
   $ echo hello > hello.csv

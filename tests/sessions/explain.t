@@ -159,6 +159,20 @@ What socat heard: a request in two pieces, and one that came twice.
   
   2 frames, 1 wrong
   [1]
+  $ (asked | head -2; printf "$answered") | tolvane-host explain
+  2026/11/23 04:36:51.000386886
+  -> 02 72 61
+              ^^
+     wrong: the frame ends too early
+     no checksum: the frame is too short
+  
+  2026/11/23 04:36:51.000387072
+  <- 06 72 33 34 31 32 43 44 41 42 34 36 04
+     2 words: 4660, 43981
+     checksum 46: right
+  
+  2 frames, 1 wrong
+  [1]
   $ printf "something else\n$request\n" | tolvane-host explain -
   tolvane-host: standard input:1: "something else": expected what --trace or socat -x writes, or bytes as hex pairs
   [2]
