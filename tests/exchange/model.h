@@ -1,0 +1,85 @@
+// The driver as plainly as it can be told: a map of units and two queues, no index, nothing kept
+// for speed. What it shows, reports and asks for is what the driver must show, report and ask for.
+#ifndef TOLVANE_TESTS_EXCHANGE_MODEL_H
+#define TOLVANE_TESTS_EXCHANGE_MODEL_H
+
+#include <deque>
+#include <map>
+#include <tuple>
+
+#include "bench.h"
+
+/** Words of M and D, bits of M, contacts; no recipes, and no calls from inside a report. */
+class Model
+{
+    struct Unit
+    {
+        int shown() const { return isWritten ? written : read; }
+
+        int read = 0;
+        int written = 0;
+        bool isWritten = false;
+        bool isMonitored = false;
+        unsigned monitoredBits = 0;
+        unsigned marks = 0;  // two a bit, of writes on their way
+    };
+    struct Item
+    {
+        Range range;
+        QByteArray values;
+    };
+    struct Frame
+    {
+        char command;
+        int word;
+        int words;
+    };
+    typedef std::deque<Item> Queue;
+    enum State { Write, Condition, Cyclic };
+
+public:
+    Model(int blockLimit, int tries, bool keepsWrites)
+        : limit_(blockLimit), tries_(tries), keepsWrites_(keepsWrites)
+    {
+    }
+
+    int monitor(const Ranges &keys);
+    void condition(const Range &range);
+    void write(const Range &range, const QByteArray &values);
+    QByteArray get(const Range &range);
+    /** As Bench::exchange() names it. */
+    QString request();
+    /** That the request was answered, or not; the result that the driver gives. */
+    int good();
+    int bad();
+
+    plc::Memory memory;   ///< of the controller
+    QStringList reports;  ///< as Bench::calls has them
+
+private:
+    Unit &unitAt(const Range &range, int address);
+    void enqueue(Queue &queue, const Item &item);
+    void report(int station, const QString &name, int address);
+    void reportWord(const Range &range, int word, const Unit &unit, int changed);
+    void storeRead(const QVector<int> &words);
+    void settle(bool ok);
+    void finish(bool failed);
+
+    int limit_;
+    int tries_;
+    bool keepsWrites_;
+    std::map<std::tuple<int, QString, int>, Unit> units_;
+    Queue writes_;
+    Queue conditions_;
+    Range latestCondition_;
+    Ranges blocks_;
+    size_t nextBlock_ = 0;
+    int inARow_ = 0;
+    State state_ = Cyclic;
+    Item item_;
+    std::deque<Frame> frames_;
+    QVector<int> merged_;
+    int failures_ = 0;
+};
+
+#endif
