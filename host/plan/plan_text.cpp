@@ -26,13 +26,13 @@ QStringList wrappedNames(const Block &block, const QVector<Tag> &tags)
 {
     QStringList lines(QString{});
     for (const int index : block.tags) {
-        const QString name = tags[index].name + QLatin1Char(index == block.tags.last() ? ' ' : ',');
+        const QString name =
+            tags[index].name + QLatin1String(index == block.tags.last() ? "" : ",");
         const int width = int(lines.last().size() + 1 + name.size());
         if (!lines.last().isEmpty() && width > Columns - TagColumn)
             lines.append(QString());
         lines.last() += (lines.last().isEmpty() ? QString() : QStringLiteral(" ")) + name;
     }
-    lines.last() = lines.last().trimmed();
     return lines;
 }
 

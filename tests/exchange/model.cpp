@@ -52,10 +52,11 @@ int valueAt(const Range &range, const QByteArray &values, int i)
     return isWords(range) ? byte(2 * i) | byte(2 * i + 1) << 8 : byte(i);
 }
 
+/** The order of blocks: by station, type and address. */
 std::tuple<int, int, int> placeOf(const Range &range)
 {
-    const QStringList order = QStringList() << "M_W" << "D_W" << "TX";
-    return std::make_tuple(range.station, int(order.indexOf(range.name)), range.start);
+    const int type = int(QString("M_W D_W TX").indexOf(range.name));
+    return std::make_tuple(range.station, type, range.start);
 }
 
 Ranges joined(const Ranges &ranges, int gapLimit, int limit)
@@ -92,6 +93,7 @@ void Model::report(int station, const QString &name, int address)
                    QString::number(address);
 }
 
+/** Bits are told when they change, the word whenever it is touched. */
 void Model::reportWord(const Range &range, int word, const Unit &unit, int changed)
 {
     for (int bit = 0; bit < 16; ++bit)
@@ -118,15 +120,15 @@ int Model::monitor(const Ranges &keys)
         }
         blocks_.push_back(inWords(key));
     }
-    std::stable_sort(blocks_.begin(), blocks_.end(), [](const Range &a, const Range &b) {
-        return placeOf(a) < placeOf(b);
-    });
+    std::stable_sort(blocks_.begin(), blocks_.end(),
+                     [](const Range &a, const Range &b) { return placeOf(a) < placeOf(b); });
     blocks_ = joined(joined(blocks_, 0, limit_), limit_, limit_);
     return int(blocks_.size());
 }
 
 void Model::enqueue(Queue &queue, const Item &item)
 {
+    // The head may be on its way.
     for (size_t i = queue.size(); i-- > 1;) {
         if (isSame(queue[i].range, item.range)) {
             queue[i] = item;
@@ -170,6 +172,7 @@ void Model::write(const Range &range, const QByteArray &values)
         int next = value;
         if (isBits(range)) {
             next = (shown & ~(1 << bit)) | (value == 1) << bit;
+            // A second mark for the one that is on its way while its like waits behind it.
             if (!(unit.marks >> 2 * bit & 1))
                 unit.marks |= 1U << 2 * bit;
             else if (alike == 2)
@@ -285,6 +288,7 @@ void Model::storeRead(const QVector<int> &words)
         const int value = isWords(range) ? words[i] : words[bit / 16] >> bit % 16 & 1;
         const int a = range.start + i;
         Unit &unit = unitAt(range, a);
+        // What was read is compared, not what shows.
         if (unit.read != value) {
             if (!unit.marks || writes_.empty())
                 unit.isWritten = false;

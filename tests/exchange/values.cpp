@@ -10,36 +10,10 @@ void valueRows()
         get Q 5 x2 : 0107; write X_W 5 = 0100 => *; get Q 6 : 07; write Q_bit 5 = 01
         write q 5 = 02 => q 5; get Q 5 : 01; monitor Q 5 x2, Q_bit 5 : 0; write Q 5 = 00 => Q 5
         send : -)");
-    row("the high byte counts in a reply, and in a write", R"(monitor D_W 9 : 1
-        data 0001 => D_W 9; write D_W 9 = 0002 => D_W 9; write D_W 9 = 0002)");
     row("changed bits in ascending order, then the word", R"(
         monitor M_bit 1600, M_bit 1602, M_bit 1615, M_W 100 : 1
         data 0100 => M_bit 1600, M_W 100; data 0400 => M_bit 1600, M_bit 1602, M_W 100
         data 0480 => M_bit 1615, M_W 100; data 0580 => *; data 0780 => M_W 100; data 0780)");
-    QString bits("monitor M_bit 1600 x32 : 1");
-    for (int k = 0; k < 32; ++k) {
-        const quint32 set = (quint32(2) << k) - 1;  // bits 0 to k
-        QString data;
-        for (int byte = 0; byte < 4; ++byte)
-            data += QString("%1").arg(set >> 8 * byte & 0xFF, 2, 16, QChar('0'));
-        bits += QString("; data %1 => M_bit %2").arg(data).arg(1600 + k);
-    }
-    row("each bit of two words in its place", bits);
-    row("a contact is compared with what was read, not with what shows", R"(init 7#1#0#3#64
-        monitor TX 5, TX 6 : 2; write TX 5 = 01 => TX 5; serve 2 : rTX0 rTX0; get TX 5 : 01
-        plc TX 0 = 6000; serve 2 : rTX0 rTX0 => TX 5, TX 6; get TX 5 x2 : 0101; serve 2 : *)");
-    row("a write is compared with what shows, not with what was read", R"(
-        monitor D_W 5, M_bit 3, TX 5 : 3; write D_W 5 = 0100 => D_W 5
-        write D_W 5 = 0000 => D_W 5; write D_W 5 = 0000; write M_bit 3 = 01 => M_bit 3
-        write M_bit 3 = 00 => M_bit 3; write M_bit 3 = 00; write TX 5 = 01 => TX 5
-        write TX 5 = 00 => TX 5; write TX 5 = 00; get TX 5 : 00)");
-    row("the first write of a bit shows the other bits as read, a second as written", R"(
-        monitor M_W 9 : 1; data F0F0 => M_W 9; write M_bit 153 = 01 => M_W 9; get M_W 9 : F0F2
-        write M_W 9 = AAAA => M_W 9; write M_bit 144 = 01 => M_W 9; get M_W 9 : ABAA
-        write M_bit 159 = 02 => M_W 9; get M_W 9 : AB2A)");
-    row("a contact keeps the byte written", R"(monitor TX 5 : 1; write TX 5 = 07 => TX 5
-        get TX 5 : 07; serve 2 : oTX0 rTX0 => TX 5; get TX 5 : 01)");
-
     QString write("init 7#1#0#3#64"), read;
     int value = 1000;
     for (const int station : {0, 1, -1, 65536, 65537, 0x7FFFFFFF}) {

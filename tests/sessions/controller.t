@@ -33,8 +33,10 @@ counts what came; SIGUSR2 ends the faults.
 
 A host that is killed takes its own controller with it.
 
-  $ tolvane-host watch D_W:1 --simulate --json > log 2> said & host=$!
-  $ await log good; read its < /proc/$host/task/$host/children; kill -KILL $host
+  $ tolvane-host watch D_W:1 --simulate --baud 9600 --json > log 2> said & host=$!
+  $ await log good; read its < /proc/$host/task/$host/children; xargs -0 < /proc/$its/cmdline | sed 's#.*/##'
+  tolvane-plc --baud 9600
+  $ kill -KILL $host
   $ for try in $(seq 500); do grep -qs plc /proc/$its/cmdline || { echo gone; break; }; sleep 0.02; done
   gone
 

@@ -1,6 +1,7 @@
 Lines that lose replies: some, or all.
+
   $ . "$TESTDIR/functions.sh"
-  $ controller --still --link mute --faults loss=100%
+  $ controller --still --baud 4000000 --link mute --faults loss=100%
   $ controller --still --link lossy --faults loss=50% --seed 3
   $ controller --still --link lossier --faults loss=50% --seed 4
   $ quick="--timeout 60 --retries 2"
@@ -31,6 +32,16 @@ Lines that lose replies: some, or all.
   $ tolvane-host recipe push recipe.csv $quick --port mute
   tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
   [1]
+  $ tolvane-host recipe push recipe.csv $quick --port mute --json | folded
+  tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
+  {"address":"D_W:1000","alike":false,"number":1000,"quality":"bad","reason":"0of9wordsandbitswere
+  written,thenthedrivergaveupD_W:1000x2:noreplyto2requestsof60mseach","station":1,"tag":"D_W:1000:
+  float","time":"TIME","values":[],"wanted":[2.25]}{"address":"M_bit:40.6","alike":false,"number":
+  646,"quality":"bad","reason":"0of9wordsandbitswerewritten,thenthedrivergaveupD_W:1000x2:noreplyt
+  o2requestsof60mseach","station":1,"tag":"M_bit:40.6x4","time":"TIME","values":[],"wanted":[1,0,1
+  ,1]}{"address":"D_W:1300","alike":false,"number":1300,"quality":"bad","reason":"0of9wordsandbits
+  werewritten,thenthedrivergaveupD_W:1000x2:noreplyto2requestsof60mseach","station":1,"tag":"D_W:1
+  300x3:int16","time":"TIME","values":[],"wanted":[-1,2,3]}
   $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 1000 --retries 1
   tolvane-host: D_W:100: no reply within 1000 ms; nothing was written
   [1]
