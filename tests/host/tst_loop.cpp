@@ -99,7 +99,9 @@ void TestLoop::healthyLine()
     const LineUse use(counters, LoopCounters(), 1e-9 * double(panel.line.now().count()),
                       panel.line);
     QCOMPARE(use.shareText(), QString("100.0 % of the line's capacity used"));
-    QCOMPARE(LineUse(counters, {}, 0.5, panel.line).exchangesPerSecond(), 40000.0);
+    const LineUse inHalfASecond(counters, {}, 0.5, panel.line);
+    QCOMPARE(inHalfASecond.exchangesPerSecond(), 40000.0);
+    QCOMPARE(inHalfASecond.shareText(), QString("line faster than its settings"));
 }
 
 void TestLoop::everyFailureHasAName_data()
