@@ -16,6 +16,20 @@ Frames in plain words: as hex pairs with or without blanks.
      checksum 6F: right
   
   3 frames, none wrong
+  $ tolvane-host explain $(echo $request $reply $request 06 6F 36 03 34 04 | tr -d ' ') | grep -A1 -e '[<-]' -e frames
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+  --
+  <- 06 72 33 34 31 32 43 44 41 42 34 36 04
+     2 words: 4660, 43981
+  --
+  -> 02 72 61 43 38 30 30 30 30 30 34 37 32 03
+     read 2 words of D from word 100
+  --
+  <- 06 6F 36 03 34 04
+           ^^
+  --
+  4 frames, 1 wrong
   $ tolvane-host explain 02 72 61 43 38 30 30 30 30 31 36 37 35 33
   -> 02 72 61 43 38 30 30 30 30 31 36 37 35 33
                                             ^^
