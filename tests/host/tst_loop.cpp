@@ -163,6 +163,9 @@ void TestLoop::everyFailureHasAName_data()
     QTest::newRow("noise before it")
         << Arrivals{{{27, "zz" + reply}}} << QStringList{"not a reply: first byte 7A instead of 06"}
         << none << 27 << "";
+    QTest::newRow("one stray byte")
+        << Arrivals{{{27, "z"}}} << QStringList{"not a reply: first byte 7A instead of 06"} << none
+        << 527 << "";
     QTest::newRow("no end") << Arrivals{{{27, reply.left(12) + 'z'}}}
                             << QStringList{"not a reply: last byte 7A instead of 04"} << none << 27
                             << "";

@@ -25,20 +25,33 @@ Reading and writing on a pseudo-terminal, as at a controller.
   TIME  <-  06 72 30 31 30 30 33 33 04  1 word: 1
   $ tolvane-host read --port plc P_W:1 M_W:1 L_W:1 K_W:1 F_W:1 D_W:1 S_W:1 T_W:1 C_W:1 N_W:1 Z_W:1 \
   >     TX:1 CX:1 --trace all > /dev/null
-  $ sed -n 's/.*->  //p' all
-  02 72 68 30 32 30 30 30 30 30 32 35 45 03  read 1 word of P from word 1
-  02 72 69 30 32 30 30 30 30 30 32 35 46 03  read 1 word of M from word 1
-  02 72 6A 30 32 30 30 30 30 30 32 36 30 03  read 1 word of L from word 1
-  02 72 6B 30 32 30 30 30 30 30 32 36 31 03  read 1 word of K from word 1
-  02 72 6E 30 32 30 30 30 30 30 32 36 34 03  read 1 word of F from word 1
-  02 72 61 30 32 30 30 30 30 30 32 35 37 03  read 1 word of D from word 1
-  02 72 6F 30 32 30 30 30 30 30 32 36 35 03  read 1 word of S from word 1
-  02 72 62 30 32 30 30 30 30 30 32 35 38 03  read 1 word of T from word 1
-  02 72 63 30 32 30 30 30 30 30 32 35 39 03  read 1 word of C from word 1
-  02 72 70 30 32 30 30 30 30 30 32 36 36 03  read 1 word of N from word 1
-  02 72 73 30 32 30 30 30 30 30 32 36 39 03  read 1 word of Z from word 1
-  02 72 6C 30 30 30 30 30 30 30 32 36 30 03  read 1 word of TX from word 0
-  02 72 6D 30 30 30 30 30 30 30 32 36 31 03  read 1 word of CX from word 0
+  $ sed 's/^[^ ]*  //' all
+  ->  02 72 68 30 32 30 30 30 30 30 32 35 45 03  read 1 word of P from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 69 30 32 30 30 30 30 30 32 35 46 03  read 1 word of M from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 6A 30 32 30 30 30 30 30 32 36 30 03  read 1 word of L from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 6B 30 32 30 30 30 30 30 32 36 31 03  read 1 word of K from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 6E 30 32 30 30 30 30 30 32 36 34 03  read 1 word of F from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 61 30 32 30 30 30 30 30 32 35 37 03  read 1 word of D from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0
+  ->  02 72 6F 30 32 30 30 30 30 30 32 36 35 03  read 1 word of S from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0
+  ->  02 72 62 30 32 30 30 30 30 30 32 35 38 03  read 1 word of T from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0
+  ->  02 72 63 30 32 30 30 30 30 30 32 35 39 03  read 1 word of C from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0
+  ->  02 72 70 30 32 30 30 30 30 30 32 36 36 03  read 1 word of N from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0
+  ->  02 72 73 30 32 30 30 30 30 30 32 36 39 03  read 1 word of Z from word 1
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0
+  ->  02 72 6C 30 30 30 30 30 30 30 32 36 30 03  read 1 word of TX from word 0
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 6D 30 30 30 30 30 30 30 32 36 31 03  read 1 word of CX from word 0
+  <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
   $ tolvane-host read M_bit:20.5 --simulate --baud 9600 2>/dev/null
   M_bit:20.5  0
   $ programs=$(dirname "$(command -v tolvane-host)")
