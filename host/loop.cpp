@@ -51,7 +51,6 @@ LoopCounters LoopCounters::operator-(const LoopCounters &earlier) const
     difference.refused = refused - earlier.refused;
     difference.bytesSent = bytesSent - earlier.bytesSent;
     difference.bytesReceived = bytesReceived - earlier.bytesReceived;
-    difference.bytesStale = bytesStale - earlier.bytesStale;
     difference.wordsRead = wordsRead - earlier.wordsRead;
     return difference;
 }
@@ -294,7 +293,6 @@ void Loop::count()
 {
     m_counters.bytesSent += m_exchange.frame.sendLen;
     m_counters.bytesReceived += m_exchange.reply.size();
-    m_counters.bytesStale += m_exchange.stale.size();
     m_counters.refused += int(m_exchange.refused.size());
     if (m_exchange.outcome == Outcome::Good) {
         ++m_counters.exchanges;

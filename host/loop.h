@@ -71,8 +71,7 @@ struct LoopCounters
     int refused = 0;    ///< whole replies that could not be the answer
     qint64 bytesSent = 0;
     qint64 bytesReceived = 0;  ///< stale bytes and refused replies not included
-    qint64 bytesStale = 0;
-    qint64 wordsRead = 0;  ///< in good replies
+    qint64 wordsRead = 0;      ///< in good replies
 
     LoopCounters operator-(const LoopCounters &earlier) const;
 };

@@ -26,12 +26,8 @@ void planningRows()
     plan("a whole word of bits, and one bit more", "1", "monitor M_bit 16 x16, P_bit 16 x17",
          "rP1x2 rM1");
     plan("keys that touch or overlap", "64", "monitor D_W 0 x2, D_W 2 x3, D_W 3 x4", "rD0x7");
-    plan("a key inside another", "64", "monitor D_W 0 x9, D_W 2 x3, D_W 9", "rD0x10");
     plan("up to the limit", "10", "monitor D_W 0 x2, D_W 8 x2", "rD0x10");
     plan("not beyond it", "10", "monitor D_W 0 x2, D_W 9 x2", "rD0x2 rD9x2");
-    plan("neighbours join before gaps are bridged", "10", "monitor D_W 0 x2, D_W 9, D_W 10 x3",
-         "rD0x2 rD9x4");
-    plan("overlap beyond the limit", "4", "monitor D_W 0 x3, D_W 2 x3", "rD0x3 rD2x3");
     plan("any order in, address order out", "2", "monitor D_W 5, M_bit 0, P_W 9, D_W 1",
          "rP9 rM0 rD1 rD5");
     plan("stations and types stay apart", "64", "monitor 2#D_W 1, D_W 0, 0#D_W 1, L_W 0",
@@ -39,8 +35,6 @@ void planningRows()
     plan("stations far apart", "64", "monitor 3000#D_W 0, D_W 0, 1500#D_W 0",
          "rD0 1500#rD0 3000#rD0");
     plan("a key of which no piece can be read", "64", "monitor D_W -127 x127, D_W 5", "rD5");
-    plan("contacts join at the same start", "3", "monitor TX 5, TX 5 x3", "rTX0x3");
-    plan("contacts within the limit only", "2", "monitor TX 5, TX 5 x3", "rTX0 rTX0x3");
     plan("contacts side by side stay apart", "64", "monitor CX 5, CX 6", "rCX0 rCX0");
     plan("a key beyond the limit is one block", "64", "monitor D_W 0 x100", "rD0x100");
     plan("a key beyond a frame is consecutive items", "64", "monitor D_W 0 x300",
@@ -61,11 +55,6 @@ void planningRows()
     plan("more bits than a frame has words", "64", "condition M_bit 0 x500", "rM0x32");
     plan("bits as words, in pieces of limit * 8", "1", "condition M_bit 1604 x21",
          "rM100 rM100x2 rM101");
-    plan("twice behind the head: once", "64", "condition D_W 9, D_W 0 x3, M_W 0 x3, D_W 0 x3",
-         "rD9 rD0x3 rM0x3");
-    plan("other station, start or count", "64",
-         "condition D_W 9, D_W 0 x3, 2#D_W 0 x3, D_W 0 x2, D_W 1 x3, M_W 0 x3",
-         "rD9 rD0x3 2#rD0x3 - rD0x2 rD1x3 rM0x3");
     plan("no such condition read", "64",
          "condition X_W 0, X_bit 0, D_bit 0, D_W 0 x0, TX 0 x-1, M_bit 3 x0", "");
     plan("writes in pieces of the limit", "64", "write D_W 0 x150", "wD0x64 wD64x64 wD128x22");

@@ -30,7 +30,7 @@ void Exchange::randomDays()
             if (!earlier.empty() && pick(3))
                 return earlier[pick(qMin(4, int(earlier.size())))];
             Range some(types[pick(5)]);
-            some.start = pick(some.name.endsWith("_W") ? 20 : some.name == "TX" ? 60 : 320);
+            some.start = pick(some.name.endsWith("_W") ? 20 : some.name == "TX" ? 40 : 320);
             some.count = 1 + (pick(3) ? pick(3) : pick(40));
             some.station = pick(8) ? 1 : 2;
             earlier.insert(earlier.begin(), some);

@@ -10,10 +10,6 @@ void valueRows()
         get Q 5 x2 : 0107; write X_W 5 = 0100 => *; get Q 6 : 07; write Q_bit 5 = 01
         write q 5 = 02 => q 5; get Q 5 : 01; monitor Q 5 x2, Q_bit 5 : 0; write Q 5 = 00 => Q 5
         send : -)");
-    row("changed bits in ascending order, then the word", R"(
-        monitor M_bit 1600, M_bit 1602, M_bit 1615, M_W 100 : 1
-        data 0100 => M_bit 1600, M_W 100; data 0400 => M_bit 1600, M_bit 1602, M_W 100
-        data 0480 => M_bit 1615, M_W 100; data 0580 => *; data 0780 => M_W 100; data 0780)");
     QString write("init 7#1#0#3#64"), read;
     int value = 1000;
     for (const int station : {0, 1, -1, 65536, 65537, 0x7FFFFFFF}) {

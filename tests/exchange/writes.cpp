@@ -14,10 +14,6 @@ void writeRows()
         monitor D_W 10, D_W 11 : 1; data 3412 0000 => D_W 10; write D_W 10 = 7856 0000 => D_W 10
         get D_W 10 : 7856; send : wa 1400 00 04 7856 0000; fail => D_W 10, D_W 11
         error : 1#D_W10(2)(0); get D_W 10 : 3412)");
-    row("a write is hidden by a new value from the controller until it is acknowledged", R"(
-        monitor D_W 10 : 1; send : ra 1400 00 02; write D_W 10 = 7856 => D_W 10
-        reply data 3412 => D_W 10; get D_W 10 : 3412; send : wa 1400 00 02 7856; reply ok
-        get D_W 10 : 7856)");
     row("two writes of one bit under way", R"(monitor M_bit 1609 : 1
         write M_bit 1609 = 01 => M_bit 1609; send : oi C800 00 0002
         write M_bit 1609 = 00 => M_bit 1609; reply ok; get M_bit 1609 : 00
@@ -26,9 +22,6 @@ void writeRows()
         R"(monitor M_bit 1609 : 1
         write M_bit 1609 = 01 => M_bit 1609; write 2#M_bit 1609 = 01; write P_bit 1609 = 01
         write M_bit 1609 = 01; serve 3 : oM100 2#oM100 oP100; serve 1 : oM100 => M_bit 1609)");
-    row("a changed word stays hidden while bits of it are being written", R"(monitor M_W 100 : 1
-        send : ri C800 00 02; write M_bit 1600 = 01 => M_W 100; reply data 0080 => M_W 100
-        get M_W 100 : 0100; send : oi C800 00 0100; reply ok => M_W 100; get M_W 100 : 0180)");
     row("a newer value takes the place of one that waits", R"(write D_W 1 = 0100
         write D_W 5 kind 1 = 0200; write D_W 6 = 0300; write D_W 5 kind 2 = 0400; serve 1 : wD1
         send : wa 0A00 00 02 0400; item : 2 1 D_W 5 x1; reply ok; serve 2 : wD6 -)");

@@ -91,6 +91,7 @@ Options may stand before the command; a wrong command line is refused with what 
   > series TX:5 --count 0
   > series TX:5 --step -3
   > series TX:5x2
+  > series TX:5 TX:6
   > END
   tolvane-host: no command given; tolvane-host --help lists them
   [2]
@@ -115,6 +116,8 @@ Options may stand before the command; a wrong command line is refused with what 
   tolvane-host: --step "-3": expected a number from -2 to 65535
   [2]
   tolvane-host: "TX:5x2": expected one address
+  [2]
+  tolvane-host: unexpected argument "TX:6"; see tolvane-host series --help
   [2]
   $ for command in "info --json more" "series --json x" "watch --json"; do
   >     tolvane-host $command 2> /dev/null | tr -d '\n'; echo
