@@ -5,6 +5,8 @@
 
 namespace {
 
+const int AllBits = 0xFFFF;
+
 QString areaOf(const Range &range)
 {
     return range.name.section('_', 0, 0);
@@ -55,8 +57,19 @@ int valueAt(const Range &range, const QByteArray &values, int i)
 /** The order of blocks: by station, type and address. */
 std::tuple<int, int, int> placeOf(const Range &range)
 {
-    const int type = int(QString("M_W D_W TX").indexOf(range.name));
-    return std::make_tuple(range.station, type, range.start);
+    const QStringList types = QString("M_W D_W TX").split(' ');
+    return std::make_tuple(range.station, int(types.indexOf(range.name)), range.start);
+}
+
+Ranges piecesOf(const Range &range, int most)
+{
+    Ranges pieces;
+    for (int at = 0; at < range.count; at += most) {
+        pieces.push_back(range);
+        pieces.back().start += at;
+        pieces.back().count = qMin(most, range.count - at);
+    }
+    return pieces;
 }
 
 Ranges joined(const Ranges &ranges, int gapLimit, int limit)
@@ -93,7 +106,7 @@ void Model::report(int station, const QString &name, int address)
                    QString::number(address);
 }
 
-/** Bits are told when they change, the word whenever it is touched. */
+/** Of the bits those that are monitored and changed; the word whether it changed or not. */
 void Model::reportWord(const Range &range, int word, const Unit &unit, int changed)
 {
     for (int bit = 0; bit < 16; ++bit)
@@ -128,7 +141,7 @@ int Model::monitor(const Ranges &keys)
 
 void Model::enqueue(Queue &queue, const Item &item)
 {
-    // The head may be on its way.
+    // Never the head, which may be on its way.
     for (size_t i = queue.size(); i-- > 1;) {
         if (isSame(queue[i].range, item.range)) {
             queue[i] = item;
@@ -140,12 +153,11 @@ void Model::enqueue(Queue &queue, const Item &item)
 
 void Model::condition(const Range &range)
 {
-    const bool isContacts = !isWords(range) && !isBits(range);
-    const int most = isContacts ? qMin(8 * limit_, 7) : isBits(range) ? 8 * limit_ : limit_;
-    for (int at = 0; at < range.count; at += most) {
-        Range piece = range;
-        piece.start += at;
-        piece.count = qMin(most, range.count - at) * (isContacts ? 16 : 1);
+    const bool areContacts = !isWords(range) && !isBits(range);
+    // 127 words a frame, and 16 of them asked for each contact.
+    const int most = areContacts ? 127 / 16 : isBits(range) ? 8 * limit_ : limit_;
+    for (Range piece : piecesOf(range, most)) {
+        piece.count *= areContacts ? 16 : 1;
         latestCondition_ = inWords(piece);
         enqueue(conditions_, {latestCondition_, QByteArray()});
     }
@@ -153,12 +165,11 @@ void Model::condition(const Range &range)
 
 void Model::write(const Range &range, const QByteArray &values)
 {
-    const int most = isWords(range) ? limit_ : 8 * limit_;
-    for (int at = 0; at < range.count && !keepsWrites_; at += most) {
-        Range piece = range;
-        piece.start += at;
-        piece.count = qMin(most, range.count - at);
-        enqueue(writes_, {piece, values.mid(at * widthOf(range), piece.count * widthOf(range))});
+    if (!keepsWrites_) {
+        const int width = widthOf(range);
+        for (const Range &piece : piecesOf(range, isWords(range) ? limit_ : 8 * limit_))
+            enqueue(writes_,
+                    {piece, values.mid((piece.start - range.start) * width, piece.count * width)});
     }
     const auto alike = std::count_if(writes_.begin(), writes_.end(), [&range](const Item &item) {
         return isSame(item.range, range);
@@ -172,13 +183,14 @@ void Model::write(const Range &range, const QByteArray &values)
         int next = value;
         if (isBits(range)) {
             next = (shown & ~(1 << bit)) | (value == 1) << bit;
-            // A second mark for the one that is on its way while its like waits behind it.
+            // A second mark when its like is at the head: two ends will come.
             if (!(unit.marks >> 2 * bit & 1))
                 unit.marks |= 1U << 2 * bit;
             else if (alike == 2)
                 unit.marks |= 2U << 2 * bit;
         }
-        if (shown != next && (isWords(range) || isBits(range)))
+        const bool isInWord = isWords(range) || isBits(range);
+        if (shown != next && isInWord)
             reportWord(range, isBits(range) ? a / 16 : a, unit, shown ^ next);
         else if (shown != next)
             report(range.station, range.name, a);
@@ -314,7 +326,7 @@ void Model::settle(bool ok)
             if (ok)
                 unit.read = (unit.read & ~(1 << bit)) | (unit.written & 1 << bit);
             if (!unit.isWritten)
-                reportWord(range, a / 16, unit, 0xFFFF);
+                reportWord(range, a / 16, unit, AllBits);
             continue;
         }
         unit.isWritten = false;

@@ -1,5 +1,6 @@
-// The driver as plainly as it can be told: a map of units and two queues, no index, nothing kept
-// for speed. What it shows, reports and asks for is what the driver must show, report and ask for.
+// The driver as plainly as it can be told: a map of units, two queues and the blocks that are read
+// in turn; no index, nothing kept for speed. What it shows, reports and asks for is what the driver
+// must show, report and ask for.
 #ifndef TOLVANE_TESTS_EXCHANGE_MODEL_H
 #define TOLVANE_TESTS_EXCHANGE_MODEL_H
 
@@ -9,7 +10,11 @@
 
 #include "bench.h"
 
-/** Words of M and D, bits of M, contacts; no recipes, and no calls from inside a report. */
+/**
+ * Words of M and D, bits of M and contacts TX, of small addresses and stations. No recipes, no full
+ * queues, no calls from inside a report; at most 127 words or 1024 bits a call, block limits
+ * from 1.
+ */
 class Model
 {
     struct Unit
@@ -47,7 +52,7 @@ public:
     void condition(const Range &range);
     void write(const Range &range, const QByteArray &values);
     QByteArray get(const Range &range);
-    /** As Bench::exchange() names it. */
+    /** The next request, or the same until it has ended; as Bench::exchange() names it. */
     QString request();
     /** That the request was answered, or not; the result that the driver gives. */
     int good();

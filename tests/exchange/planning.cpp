@@ -28,6 +28,8 @@ void planningRows()
     plan("keys that touch or overlap", "64", "monitor D_W 0 x2, D_W 2 x3, D_W 3 x4", "rD0x7");
     plan("up to the limit", "10", "monitor D_W 0 x2, D_W 8 x2", "rD0x10");
     plan("not beyond it", "10", "monitor D_W 0 x2, D_W 9 x2", "rD0x2 rD9x2");
+    plan("neighbours join before gaps are bridged", "10", "monitor D_W 0 x2, D_W 9, D_W 10 x3",
+         "rD0x2 rD9x4");
     plan("any order in, address order out", "2", "monitor D_W 5, M_bit 0, P_W 9, D_W 1",
          "rP9 rM0 rD1 rD5");
     plan("stations and types stay apart", "64", "monitor 2#D_W 1, D_W 0, 0#D_W 1, L_W 0",
