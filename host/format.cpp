@@ -121,8 +121,8 @@ QVector<int> unitsOfString(const Form &form, const QString &text, bool *ok)
         if (sign == '\\' && text.mid(i + 1, 1) == QLatin1String("x")) {
             const QString digits = text.mid(i + 2, 2);
             sign = digits.toUShort(ok, 16);
-            *ok =
-                *ok && digits.size() == 2 && digits[0].isLetterOrNumber();  // neither "4" nor "+4"
+            // Neither "4" nor "+4".
+            *ok = *ok && digits.size() == 2 && digits[0].isLetterOrNumber();
             i += 3;
         } else if (sign == '\\') {
             *ok = text.mid(++i, 1) == QLatin1String("\\");

@@ -35,5 +35,5 @@ folded() {
 
 # uncounted: any number as N, and what is counted as many.
 uncounted() {
-    sed 's/[0-9][0-9.]*/N/g;s/N retry/N retries/;s/N \(exchange\|word\|error\)\b/N \1s/'
+    sed 's/[0-9][0-9.]*/N/g;s/N retry/N retries/;s/N \(exchange\|word\|error\)\b/N \1s/g'
 }
