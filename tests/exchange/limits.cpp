@@ -70,8 +70,8 @@ void limitRows()
     row("a new start forgets queues, cache, frame in flight, tries and turns", R"(
         monitor D_W 5, D_W 500 : 2; data 0100 => D_W 5; flood condition 6; serve 3 : *
         flood write 1; send : wa 0000 00 02 0100; reply none : 8; reply none : 8
-        init 7#0#0#3#64; reply ok : 0; get D_W 5 : 0000; serve 2 : - -; request 1 0
-        serve 2 : - -; request 0 0; flood condition 1; fail => done -1; monitor D_W 5 : 1
+        init 7#0#0#3#64; reply ok : 0; request 1 0; serve 2 : - -; request 0 0
+        get D_W 5 : 0000; serve 2 : - -; flood condition 1; fail => done -1; monitor D_W 5 : 1
         flood condition 3; serve 4 : rD0 rD1 rD5 rD2 => done 0)");
 
     const QString all(

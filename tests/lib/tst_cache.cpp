@@ -156,7 +156,7 @@ private slots:
         FRAME_PRO frame;
         frame.dataStart = 2;
         driver.frameList << frame;
-        const int expected[][3] = {{0, 3, 2}, {1, 3, 6}, {5, 3, 14}, {1, 0, 2}};
+        const int expected[][3] = {{0, 3, 2}, {1, 3, 6}, {5, 3, 14}, {1, 1, 6}, {1, 0, 2}};
         for (const int(&each)[3] : expected) {
             driver.itemsInFrame = each[1];
             QCOMPARE(allMix_GetDataStartPosition("", items, each[0]), each[2]);
