@@ -72,6 +72,9 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
         driver.rcpEntries.append(entry);
     }
     driver.rcpRefused = driver.rcpEntries.isEmpty();
+    if (driver.rcpRefused)
+        return 0;  // the blocks stay: one of them may be in flight
+
     driver.rcpEntries = inWeightOrder(driver.rcpEntries, weightOf);
     QVector<AddressSpan> spans;
     for (int i = 0; i < driver.rcpEntries.size(); ++i) {

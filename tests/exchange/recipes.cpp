@@ -90,6 +90,9 @@ void recipeRows()
         recipe D_W 10 @0, D_W 20 @1 : 2; request 1 0; serve 1 : wD10; recipe X_W 0 : 0
         serve 1 : -; requested : 0 0; recipe D_W 30 @0, D_W 40 @1 : 2; request 1 0
         serve 3 : wD30 wD40 -)");
+    row("no entry kept while a block is in flight: it ends no transfer of the next recipe", R"(
+        recipe D_W 10 @0, D_W 20 @1 : 2; request 1 0; send : *; recipe X_W 0 : 0; reply ok
+        requested : 1 0; recipe D_W 30 @0, D_W 40 @1 : 2; serve 2 : wD40 -; requested : 0 0)");
     row("registered between two blocks: the position stays", R"(
         recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 0 1; serve 1 : rD10 => RWI 0
         recipe D_W 50 @5, D_W 60 @6, D_W 70 @7 : 3; serve 2 : rD60 rD70 => RWI 6, RWI 7
