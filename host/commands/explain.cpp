@@ -130,7 +130,10 @@ int explainCommand(const QStringList &arguments)
     int shownRequest = -1;
     for (const ExplainedFrame &frame : frames) {
         const bool isWrong = !frame.reading.fault.isEmpty();
-        (frame.bytes.isEmpty() ? missing : faulty) += isWrong;
+        if (frame.bytes.isEmpty())
+            ++missing;
+        else if (isWrong)
+            ++faulty;
         if (!isWrong && commandLine.isSet(wrong))
             continue;
         const bool alone = commandLine.isSet(wrong) && frame.request > shownRequest &&
@@ -140,15 +143,15 @@ int explainCommand(const QStringList &arguments)
         shownRequest = std::max(shownRequest, frame.request);
         show(frame);
     }
-    if (commandLine.asJson())
+    if (commandLine.asJson()) {
         printJson(QJsonDocument(array));
-    else
+    } else {
         out << countText(frames.size() - missing, "frame") << ", "
-            << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong"
-            << (missing == 0
-                    ? QString()
-                    : QStringLiteral("; %1 without a reply").arg(countText(missing, "request")))
-            << '\n';
+            << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong";
+        if (missing > 0)
+            out << "; " << countText(missing, "request") << " without a reply";
+        out << '\n';
+    }
     return faulty + missing == 0 ? AllRight : SomethingFailed;
 }
 

@@ -85,7 +85,7 @@ int soakSimulated(const SoakRun &run, const Driver &driver, const Identity &iden
     soak.judge(imageOf(line.memory()));
     return conclude(run, soak,
                     plc::countsText(line.controller().counts(), line.faults()) +
-                        QStringLiteral("\nlost requests: total=%1").arg(line.requestsLost()));
+                        QStringLiteral("\nunheard: total=%1").arg(line.requestsLost()));
 }
 
 int soakReal(const SoakRun &run, const Driver &driver, const Identity &identity, Line &line)

@@ -40,6 +40,7 @@ public:
     plc::Memory &memory() { return m_memory; }
     plc::Controller &controller() { return m_controller; }
     plc::Faults &faults() { return m_faults; }
+    /** Requests that were lost on their way to the controller. */
     int requestsLost() const { return m_requestsLost; }
 
     /** No more faults, and no more requests get lost. */

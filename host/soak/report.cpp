@@ -46,8 +46,7 @@ QJsonObject countsOf(const QString &controllerReport)
             pairs[found.captured(1)] = found.captured(2).toLongLong();
         }
         if (!pairs.isEmpty())
-            counts[line.section(QLatin1Char(':'), 0, 0)
-                       .replace(QLatin1Char(' '), QLatin1Char('-'))] = pairs;
+            counts[line.section(QLatin1Char(':'), 0, 0)] = pairs;
     }
     return counts;
 }

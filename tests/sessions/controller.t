@@ -34,27 +34,17 @@ counts what came; SIGUSR2 ends the faults.
 One host after the other: what one left half sent is nothing to the next. SIGUSR1 asks for the counts.
 
   $ for line in port tcp; do
-  >     [ $line = tcp ] && its="--tcp 0" || its=
-  >     controller --still $its
+  >     controller --still $(over $line)
   >     [ $line = tcp ] && end=/dev/tcp/$(echo $place | tr : /) || end=$place
   >     for host in 1 2 3; do
   >         tolvane-host read --$line $place D_W:0
   >         bash -c "printf '\002raC8' > $end"
   >     done
   >     kill -USR1 $!; await counts stray; end INT; echo "[$?]"; grep served counts
-  > done
-  D_W:0  0
-  D_W:0  0
-  D_W:0  0
-  [0]
-  served: total=3 read=3 write=0 set=0 clear=0
-  served: total=3 read=3 write=0 set=0 clear=0
-  D_W:0  0
-  D_W:0  0
-  D_W:0  0
-  [0]
-  served: total=3 read=3 write=0 set=0 clear=0
-  served: total=3 read=3 write=0 set=0 clear=0
+  > done > told; sort told | uniq -c
+        6 D_W:0  0
+        2 [0]
+        4 served: total=3 read=3 write=0 set=0 clear=0
 
 A link is given up as it was taken: one that leads nowhere is replaced, one that was replaced stays.
 

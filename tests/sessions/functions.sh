@@ -21,6 +21,11 @@ controller() {
     place=$(sed 's/.* //' listening)
 }
 
+# over LINE: the option that has a controller listen to such a line: port or tcp.
+over() {
+    [ "$1" = port ] || echo --tcp 0
+}
+
 # end SIGNAL: ends the controller that was started last.
 end() {
     kill "-$1" $!

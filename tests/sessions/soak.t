@@ -41,7 +41,7 @@ So does a soak, for the same seed.
      refused          total=0
      faults           total=218 loss=36 cut=26 flip=41 late=17 double=44 noise=34 mute=20
      stray bytes      0
-     lost requests    total=15
+     unheard          total=15
   
   What came of it
      compared         16372 words of replies, 2835 values that the driver showed, the whole memory
@@ -52,10 +52,10 @@ So does a soak, for the same seed.
   $ tolvane-host soak --exchanges 2000 --json | sed 's/^ *//' | tr '\n' ' ' | fold -s -w 96; echo
   { "conditionReads": { "failed": 0, "made": 102 }, "controller": { "faults": { "cut": 26, 
   "double": 44, "flip": 41, "late": 17, "loss": 36, "mute": 20, "noise": 34, "total": 218 }, 
-  "lost-requests": { "total": 15 }, "refused": { "beyond-device": 0, "byte-count": 0, "checksum": 
-  0, "command": 0, "device": 0, "digits": 0, "layout": 0, "mask": 0, "odd-address": 0, 
-  "too-long": 0, "total": 0, "unfinished": 0 }, "served": { "clear": 81, "read": 1410, "set": 94, 
-  "total": 2082, "write": 497 } }, "faults": 
+  "refused": { "beyond-device": 0, "byte-count": 0, "checksum": 0, "command": 0, "device": 0, 
+  "digits": 0, "layout": 0, "mask": 0, "odd-address": 0, "too-long": 0, "total": 0, "unfinished": 
+  0 }, "served": { "clear": 81, "read": 1410, "set": 94, "total": 2082, "write": 497 }, 
+  "unheard": { "total": 15 } }, "faults": 
   "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s", "findings": { 
   "accounted": [ ], "kept": [ ], "readRight": [ ], "untouched": [ ] }, "recipes": { "failed": 2, 
   "read": 28, "written": 28 }, "requests": { "givenUp": 9, "good": 1908, "refused": 41, 
