@@ -1,8 +1,8 @@
 // Has the driver offer the requests of one cycle.
 #include "host/plan/cycle.h"
 
-#include "host/failure.h"
-#include "host/frame_text.h"
+#include "host/frames/frame_text.h"
+#include "host/output/failure.h"
 
 #include <QtCore/QHash>
 
@@ -22,7 +22,7 @@ CycleCosts costsOf(CycleCosts costs, const LineCosts &line)
 
 QString laneOf(const Point &point)
 {
-    return QStringLiteral("%1/%2").arg(point.stationNo).arg(memoryArea(point.regName));
+    return "%1/%2"_s.arg(point.stationNo).arg(memoryArea(point.regName));
 }
 
 // The blocks of one memory area of one station by their addresses, with how far any block up to
@@ -55,13 +55,13 @@ Block nextBlock(const Driver &driver, const Identity &identity)
 {
     FRAME_PRO frame;
     if (driver.getSendFrame(&frame) != 1)
-        throw Failure(QStringLiteral("the driver has fewer requests than it planned"));
+        throw Failure("the driver has fewer requests than it planned"_s);
     const QByteArray request(reinterpret_cast<const char *>(frame.frame), frame.sendLen);
     const QByteArray reply = blankReply(request);
     QString errorText;
     if (reply.size() != frame.replyLen || driver.dealRcvFrame(reply, &errorText) != 1)
-        throw Failure(QStringLiteral("the driver expects another reply to \"%1\"")
-                          .arg(readRequest(request).text));
+        throw Failure(
+            "the driver expects another reply to \"%1\""_s.arg(readRequest(request).text));
 
     const RegisterType *type = identity.type(frame.var.regName);
     Block block;
@@ -122,8 +122,7 @@ CycleCosts costsOneByOne(const Driver &driver, Session &session, const Identity 
     QHash<QString, CycleCosts> known;
     CycleCosts all;
     for (const Point &point : points) {
-        const QString extent = QStringLiteral("%1 %2 %3")
-                                   .arg(point.regName)
+        const QString extent = "%1 %2 %3"_s.arg(point.regName)
                                    .arg(point.count)
                                    .arg(point.isBit ? point.address % BitsPerWord : 0);
         auto costs = known.constFind(extent);

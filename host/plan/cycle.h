@@ -1,10 +1,9 @@
 // One poll cycle as the driver will ask for it, and what it costs on the line.
-#ifndef TOLVANE_HOST_PLAN_CYCLE_H
-#define TOLVANE_HOST_PLAN_CYCLE_H
+#pragma once
 
+#include "host/driver/session.h"
 #include "host/line/serial_settings.h"
-#include "host/session.h"
-#include "host/tags.h"
+#include "host/tags/tags.h"
 
 namespace host {
 
@@ -83,5 +82,3 @@ BlockLimit bestBlockLimit(const Driver &driver, Session &session, const Identity
 void assignTags(QVector<Block> &blocks, const QVector<Tag> &tags);
 
 }  // namespace host
-
-#endif

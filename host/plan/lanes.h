@@ -1,7 +1,6 @@
 // Where everything lies in a plan's picture, from left to right: lanes, the rows that a lane takes,
 // the pieces of the axis in a row, tags and blocks.
-#ifndef TOLVANE_HOST_PLAN_LANES_H
-#define TOLVANE_HOST_PLAN_LANES_H
+#pragma once
 
 #include "host/plan/cycle.h"
 
@@ -54,5 +53,3 @@ constexpr double LabelStep = 13;  ///< pixels between neighbouring labels of tag
 QVector<Row> layOutLanes(const QVector<Block> &blocks, const QVector<Tag> &tags, double width);
 
 }  // namespace host
-
-#endif

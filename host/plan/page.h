@@ -1,6 +1,5 @@
 // How the rows of a plan's picture share the page: short ones stand side by side.
-#ifndef TOLVANE_HOST_PLAN_PAGE_H
-#define TOLVANE_HOST_PLAN_PAGE_H
+#pragma once
 
 #include "host/plan/lanes.h"
 
@@ -38,5 +37,3 @@ double textWidth(const QString &text);
 QVector<Shelf> layOutPage(const QVector<Block> &blocks, const QVector<Tag> &tags, double top);
 
 }  // namespace host
-
-#endif

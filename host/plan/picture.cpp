@@ -1,9 +1,9 @@
 // Draws the plan: a title, the rows of all lanes, the legend.
 #include "host/plan/picture.h"
 
+#include "host/output/table.h"
 #include "host/plan/page.h"
 #include "host/plan/svg.h"
-#include "host/table.h"
 
 #include <algorithm>
 
@@ -98,12 +98,11 @@ private:
         TextStyle style;
         style.size = 17;
         style.bold = true;
-        m_svg.text(
-            {16, 28},
-            QStringLiteral("One poll cycle: %1, %2, %3")
-                .arg(countText(m_plan.tags.size(), "tag"),
-                     countText(m_plan.costs.requests, "request"), timeText(m_plan.costs.time)),
-            style);
+        m_svg.text({16, 28},
+                   "One poll cycle: %1, %2, %3"_s.arg(countText(m_plan.tags.size(), "tag"),
+                                                      countText(m_plan.costs.requests, "request"),
+                                                      timeText(m_plan.costs.time)),
+                   style);
         m_svg.text({16, 48}, settingsText(m_plan));
     }
 
@@ -118,8 +117,7 @@ private:
         style = TextStyle();
         style.size = 10;
         m_svg.text({nameAt, shelf.blocks + 23},
-                   place.continued ? QStringLiteral("continued")
-                                   : QStringLiteral("station %1").arg(place.row.lane.stationNo),
+                   place.continued ? "continued"_s : "station %1"_s.arg(place.row.lane.stationNo),
                    style);
         drawTags(place.row, shelf);
         for (const Bar &bar : place.row.blocks)
@@ -148,8 +146,7 @@ private:
                        text("#aaa"), 0.7);
             const bool standsForRest = row.tagsUnnamed > 0 && i == named - 1;
             m_svg.text({m_left + bar.labelAt + 3, shelf.labels - 2},
-                       standsForRest ? QStringLiteral("and %1 more").arg(row.tagsUnnamed + 1)
-                                     : labelText(tag),
+                       standsForRest ? "and %1 more"_s.arg(row.tagsUnnamed + 1) : labelText(tag),
                        style);
         }
     }
@@ -163,7 +160,7 @@ private:
         const QRectF place(m_left + bar.place.left + 0.5, top + bar.level * BlockHeight, width - 1,
                            BlockHeight - 3);
         m_svg.rectangle(place, text(Colours[colour]), text("#333"),
-                        QStringLiteral("%1: %2, %3 + %4 bytes, %5")
+                        "%1: %2, %3 + %4 bytes, %5"_s
                             .arg(pointText(m_driver, block.point), countText(block.words, "word"))
                             .arg(block.requestBytes)
                             .arg(block.replyBytes)
@@ -193,7 +190,7 @@ private:
                 text("#fff"), text("none"));
         }
         if (isPatched || free.width() >= RoomForTime)
-            m_svg.text(at, QStringLiteral("%1: %2").arg(number, timeText(time)), style);
+            m_svg.text(at, "%1: %2"_s.arg(number, timeText(time)), style);
         else if (free.width() >= RoomForNumber)
             m_svg.text(at, number, style);
     }

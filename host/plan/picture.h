@@ -1,6 +1,5 @@
 // The planned cycle as a picture.
-#ifndef TOLVANE_HOST_PLAN_PICTURE_H
-#define TOLVANE_HOST_PLAN_PICTURE_H
+#pragma once
 
 #include "host/plan/plan_text.h"
 
@@ -13,5 +12,3 @@ namespace host {
 QByteArray drawPlan(const Driver &driver, const Plan &plan);
 
 }  // namespace host
-
-#endif

@@ -1,8 +1,8 @@
 // Lays the planned cycle out in 100 columns.
 #include "host/plan/plan_text.h"
 
-#include "host/table.h"
-#include "host/tag_text.h"
+#include "host/output/table.h"
+#include "host/tags/tag_text.h"
 
 #include <QtCore/QJsonArray>
 
@@ -31,7 +31,7 @@ QStringList wrappedNames(const Block &block, const QVector<Tag> &tags)
         const int width = int(lines.last().size() + 1 + name.size());
         if (!lines.last().isEmpty() && width > Columns - TagColumn)
             lines.append(QString());
-        lines.last() += (lines.last().isEmpty() ? QString() : QStringLiteral(" ")) + name;
+        lines.last() += (lines.last().isEmpty() ? QString() : " "_s) + name;
     }
     return lines;
 }
@@ -54,16 +54,14 @@ void printBlocks(const Driver &driver, const Plan &plan, QTextStream &out)
                  number,
                  {Table::Right, 8, 1},
                  {Table::Left, 0, 2}});
-    table.add(QString::fromLatin1("#,block,words,bridged,request,reply,wire,tags")
-                  .split(QLatin1Char(',')));
+    table.add("#,block,words,bridged,request,reply,wire,tags"_s.split(QLatin1Char(',')));
     const bool stations = stationsDiffer(plan.blocks);
     for (int i = 0; i < int(plan.blocks.size()); ++i) {
         const Block &block = plan.blocks[i];
         const QStringList names = wrappedNames(block, plan.tags);
         const int bridged = block.bridgedCount();
         table.add({QString::number(i + 1), pointText(driver, block.point, stations),
-                   QString::number(block.words),
-                   bridged == 0 ? QStringLiteral("-") : QString::number(bridged),
+                   QString::number(block.words), bridged == 0 ? "-"_s : QString::number(bridged),
                    QString::number(block.requestBytes), QString::number(block.replyBytes),
                    timeText(plan.line.wireTime(block.bytes())), names.first()});
         for (const QString &more : names.mid(1))
@@ -75,9 +73,8 @@ void printBlocks(const Driver &driver, const Plan &plan, QTextStream &out)
 
 QString costsText(const CycleCosts &costs)
 {
-    return QStringLiteral("%1, %2, %3")
-        .arg(countText(costs.requests, "request"), countText(costs.bytes, "byte"),
-             timeText(costs.time));
+    return "%1, %2, %3"_s.arg(countText(costs.requests, "request"), countText(costs.bytes, "byte"),
+                              timeText(costs.time));
 }
 
 QString ratioText(const CycleCosts &costs, const CycleCosts &plan)
@@ -100,30 +97,27 @@ void printTotals(const Plan &plan, QTextStream &out)
         table.add({QLatin1String(label), text});
     };
     const double seconds = static_cast<double>(plan.costs.time.count()) / 1e6;
-    row("one poll cycle", QStringLiteral("%1: %2 cycles a second")
-                              .arg(costsText(plan.costs), QString::number(1 / seconds, 'f', 1)));
-    row("a request per tag",
-        QStringLiteral("%1: %2 times as long")
-            .arg(costsText(plan.oneByOne), ratioText(plan.oneByOne, plan.costs)));
+    row("one poll cycle", "%1: %2 cycles a second"_s.arg(costsText(plan.costs),
+                                                         QString::number(1 / seconds, 'f', 1)));
+    row("a request per tag", "%1: %2 times as long"_s.arg(costsText(plan.oneByOne),
+                                                          ratioText(plan.oneByOne, plan.costs)));
     if (plan.best.words > 0) {
         const double percent = percentShorter(plan.best.costs, plan.costs);
-        row("shortest cycle", QStringLiteral("with a block limit of %1: %2")
-                                  .arg(plan.best.words)
-                                  .arg(costsText(plan.best.costs)));
-        row("", percent > 0 ? QStringLiteral("%1 % shorter than with %2")
-                                  .arg(QString::number(percent, 'f', 1))
+        row("shortest cycle",
+            "with a block limit of %1: %2"_s.arg(plan.best.words).arg(costsText(plan.best.costs)));
+        row("", percent > 0 ? "%1 % shorter than with %2"_s.arg(QString::number(percent, 'f', 1))
                                   .arg(plan.blockLimit)
-                            : QStringLiteral("no other makes it shorter"));
+                            : "no other makes it shorter"_s);
     }
     table.print(out);
 }
 
 QJsonObject toJson(const CycleCosts &costs)
 {
-    return {{QStringLiteral("requests"), costs.requests},
-            {QStringLiteral("bytes"), costs.bytes},
-            {QStringLiteral("wireMs"), milliseconds(costs.wireTime)},
-            {QStringLiteral("ms"), milliseconds(costs.time)}};
+    return {{"requests"_s, costs.requests},
+            {"bytes"_s, costs.bytes},
+            {"wireMs"_s, milliseconds(costs.wireTime)},
+            {"ms"_s, milliseconds(costs.time)}};
 }
 
 QJsonObject toJson(const Driver &driver, const Plan &plan, const Block &block)
@@ -132,11 +126,11 @@ QJsonObject toJson(const Driver &driver, const Plan &plan, const Block &block)
     for (const int index : block.tags)
         names.append(plan.tags[index].name);
     QJsonObject object = blockObject(driver, block.point, namesStations(plan.tags));
-    object.insert(QStringLiteral("bridged"), block.bridgedCount());
-    object.insert(QStringLiteral("requestBytes"), block.requestBytes);
-    object.insert(QStringLiteral("replyBytes"), block.replyBytes);
-    object.insert(QStringLiteral("wireMs"), milliseconds(plan.line.wireTime(block.bytes())));
-    object.insert(QStringLiteral("tags"), names);
+    object.insert("bridged"_s, block.bridgedCount());
+    object.insert("requestBytes"_s, block.requestBytes);
+    object.insert("replyBytes"_s, block.replyBytes);
+    object.insert("wireMs"_s, milliseconds(plan.line.wireTime(block.bytes())));
+    object.insert("tags"_s, names);
     return object;
 }
 
@@ -144,15 +138,15 @@ QJsonObject toJson(const Driver &driver, const Plan &plan, const Block &block)
 
 QString timeText(std::chrono::microseconds time)
 {
-    return QString::number(milliseconds(time), 'f', 2) + QStringLiteral(" ms");
+    return QString::number(milliseconds(time), 'f', 2) + " ms"_s;
 }
 
 QString settingsText(const Plan &plan)
 {
-    return QStringLiteral("tags joined up to %1 words; %2, %3 bits a byte; turnaround %4 ms")
-        .arg(QString::number(plan.blockLimit), plan.lineText,
-             QString::number(plan.line.serial.bitsPerByte()),
-             QString::number(plan.line.turnaround.count()));
+    return "tags joined up to %1 words; %2, %3 bits a byte; turnaround %4 ms"_s.arg(
+        QString::number(plan.blockLimit), plan.lineText,
+        QString::number(plan.line.serial.bitsPerByte()),
+        QString::number(plan.line.turnaround.count()));
 }
 
 void printPlan(const Driver &driver, const Plan &plan, QTextStream &out)
@@ -168,17 +162,16 @@ QJsonObject planToJson(const Driver &driver, const Plan &plan)
     QJsonArray blocks;
     for (const Block &block : plan.blocks)
         blocks.append(toJson(driver, plan, block));
-    QJsonObject object{
-        {QStringLiteral("blockLimit"), plan.blockLimit},
-        {QStringLiteral("serial"), plan.lineText},
-        {QStringLiteral("turnaroundMs"), static_cast<double>(plan.line.turnaround.count())},
-        {QStringLiteral("blocks"), blocks},
-        {QStringLiteral("cycle"), toJson(plan.costs)},
-        {QStringLiteral("requestPerTag"), toJson(plan.oneByOne)}};
+    QJsonObject object{{"blockLimit"_s, plan.blockLimit},
+                       {"serial"_s, plan.lineText},
+                       {"turnaroundMs"_s, static_cast<double>(plan.line.turnaround.count())},
+                       {"blocks"_s, blocks},
+                       {"cycle"_s, toJson(plan.costs)},
+                       {"requestPerTag"_s, toJson(plan.oneByOne)}};
     if (plan.best.words > 0) {
         QJsonObject best = toJson(plan.best.costs);
-        best.insert(QStringLiteral("blockLimit"), plan.best.words);
-        object.insert(QStringLiteral("suggestion"), best);
+        best.insert("blockLimit"_s, plan.best.words);
+        object.insert("suggestion"_s, best);
     }
     return object;
 }

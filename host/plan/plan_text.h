@@ -1,6 +1,5 @@
 // The planned cycle in text and in JSON.
-#ifndef TOLVANE_HOST_PLAN_TEXT_H
-#define TOLVANE_HOST_PLAN_TEXT_H
+#pragma once
 
 #include "host/plan/cycle.h"
 
@@ -33,5 +32,3 @@ void printPlan(const Driver &driver, const Plan &plan, QTextStream &out);
 QJsonObject planToJson(const Driver &driver, const Plan &plan);
 
 }  // namespace host
-
-#endif

@@ -19,31 +19,31 @@ Svg::Svg(double width, double height) : m_out(&m_document)
     m_out.setAutoFormatting(true);
     m_out.setAutoFormattingIndent(1);
     m_out.writeStartDocument();
-    m_out.writeStartElement(QStringLiteral("svg"));
-    attribute("xmlns", QStringLiteral("http://www.w3.org/2000/svg"));
+    m_out.writeStartElement("svg"_s);
+    attribute("xmlns", "http://www.w3.org/2000/svg"_s);
     attribute("width", width);
     attribute("height", height);
-    attribute("viewBox", QStringLiteral("0 0 %1 %2").arg(number(width), number(height)));
-    attribute("font-family", QStringLiteral("DejaVu Sans, Verdana, Arial, sans-serif"));
+    attribute("viewBox", "0 0 %1 %2"_s.arg(number(width), number(height)));
+    attribute("font-family", "DejaVu Sans, Verdana, Arial, sans-serif"_s);
 
-    m_out.writeStartElement(QStringLiteral("defs"));
-    m_out.writeStartElement(QStringLiteral("pattern"));
-    attribute("id", QStringLiteral("hatch"));
+    m_out.writeStartElement("defs"_s);
+    m_out.writeStartElement("pattern"_s);
+    attribute("id", "hatch"_s);
     attribute("width", 5);
     attribute("height", 5);
-    attribute("patternUnits", QStringLiteral("userSpaceOnUse"));
-    attribute("patternTransform", QStringLiteral("rotate(45)"));
-    rectangle(QRectF(0, 0, 5, 5), QStringLiteral("#fff"), QStringLiteral("none"));
-    path({QPointF(0, 0), QPointF(0, 5)}, QStringLiteral("#555"), 2.4);
+    attribute("patternUnits", "userSpaceOnUse"_s);
+    attribute("patternTransform", "rotate(45)"_s);
+    rectangle(QRectF(0, 0, 5, 5), "#fff"_s, "none"_s);
+    path({QPointF(0, 0), QPointF(0, 5)}, "#555"_s, 2.4);
     m_out.writeEndElement();
     m_out.writeEndElement();
-    rectangle(QRectF(0, 0, width, height), QStringLiteral("#fff"), QStringLiteral("none"));
+    rectangle(QRectF(0, 0, width, height), "#fff"_s, "none"_s);
 }
 
 void Svg::rectangle(const QRectF &place, const QString &fill, const QString &stroke,
                     const QString &title)
 {
-    m_out.writeStartElement(QStringLiteral("rect"));
+    m_out.writeStartElement("rect"_s);
     attribute("x", place.x());
     attribute("y", place.y());
     attribute("width", place.width());
@@ -51,7 +51,7 @@ void Svg::rectangle(const QRectF &place, const QString &fill, const QString &str
     attribute("fill", fill);
     attribute("stroke", stroke);
     if (!title.isEmpty())
-        m_out.writeTextElement(QStringLiteral("title"), title);
+        m_out.writeTextElement("title"_s, title);
     m_out.writeEndElement();
 }
 
@@ -60,9 +60,9 @@ void Svg::path(const QVector<QPointF> &points, const QString &stroke, double wid
     QStringList texts;
     for (const QPointF &point : points)
         texts.append(number(point.x()) + QLatin1Char(',') + number(point.y()));
-    m_out.writeStartElement(QStringLiteral("polyline"));
+    m_out.writeStartElement("polyline"_s);
     attribute("points", texts.join(QLatin1Char(' ')));
-    attribute("fill", QStringLiteral("none"));
+    attribute("fill", "none"_s);
     attribute("stroke", stroke);
     attribute("stroke-width", width);
     m_out.writeEndElement();
@@ -70,17 +70,17 @@ void Svg::path(const QVector<QPointF> &points, const QString &stroke, double wid
 
 void Svg::text(const QPointF &place, const QString &text, const TextStyle &style)
 {
-    m_out.writeStartElement(QStringLiteral("text"));
+    m_out.writeStartElement("text"_s);
     attribute("x", place.x());
     attribute("y", place.y());
     attribute("font-size", style.size);
     attribute("text-anchor", style.anchor);
     attribute("fill", style.colour);
     if (style.bold)
-        attribute("font-weight", QStringLiteral("bold"));
+        attribute("font-weight", "bold"_s);
     if (!qFuzzyIsNull(style.turn))
-        attribute("transform", QStringLiteral("rotate(%1 %2 %3)")
-                                   .arg(number(style.turn), number(place.x()), number(place.y())));
+        attribute("transform", "rotate(%1 %2 %3)"_s.arg(number(style.turn), number(place.x()),
+                                                        number(place.y())));
     m_out.writeCharacters(text);
     m_out.writeEndElement();
 }

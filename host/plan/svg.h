@@ -1,6 +1,7 @@
 // Writes the few SVG elements that a plan's picture is made of.
-#ifndef TOLVANE_HOST_PLAN_SVG_H
-#define TOLVANE_HOST_PLAN_SVG_H
+#pragma once
+
+#include "plc/literals.h"
 
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
@@ -12,8 +13,8 @@ namespace host {
 struct TextStyle
 {
     double size = 11;
-    QString anchor = QStringLiteral("start");  ///< or "middle" or "end"
-    QString colour = QStringLiteral("#222");
+    QString anchor = "start"_s;  ///< or "middle" or "end"
+    QString colour = "#222"_s;
     bool bold = false;
     double turn = 0;  ///< degrees about the text's place
 };
@@ -46,5 +47,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -1,12 +1,12 @@
 // What the bench host does with files and addresses, without a line: tags and their values, tag
 // files and recipes, a full disk, and what a plan and its picture must hold to.
-#include "host/controller_process.h"
-#include "host/failure.h"
+#include "host/exchange/controller_process.h"
+#include "host/output/failure.h"
+#include "host/output/whole_file.h"
 #include "host/plan/page.h"
-#include "host/recipe_file.h"
-#include "host/recipe_transfer.h"
-#include "host/tags.h"
-#include "host/whole_file.h"
+#include "host/tags/recipe_file.h"
+#include "host/tags/recipe_transfer.h"
+#include "host/tags/tags.h"
 
 #include "program.h"
 
