@@ -54,13 +54,14 @@ QString escaped(QString text)
 // As many of the block's names as there is room for.
 QString shortNames(const QStringList &names)
 {
-    QString text = names.first();
+    QString text = names.value(0);
     if (text.size() > LongestNames)
         text = text.left(LongestNames - 1) + QChar(0x2026);
     int named = 1;
     while (named < int(names.size()) && text.size() + 2 + names[named].size() <= LongestNames)
         text += ", "_s + names[named++];
-    return named == int(names.size()) ? text : "%1 +%2"_s.arg(text).arg(names.size() - named);
+    const int left = int(names.size()) - named;
+    return left > 0 ? text + " +%1"_s.arg(left) : text;
 }
 
 class Picture
@@ -163,7 +164,7 @@ private:
             const double x = PlotLeft + width(microseconds(at) - begin);
             rectangle("grid", x - 0.5, m_top + AxisHeight - 6, 1, bottom - m_top - AxisHeight + 6);
             text("soft middle", x, m_top + AxisHeight - 10,
-                 QString::number(static_cast<double>(at) / 1000) + " ms"_s);
+                 QString::number(static_cast<double>(at) / 1000, 'g', 12) + " ms"_s);
         }
     }
 
@@ -187,7 +188,7 @@ private:
               << "</title>\n";
         text("soft end", Margin + NumberWidth, m_top + 15, QString::number(row + 1));
         m_out << "<g clip-path=\"url(#names)\">\n<text class=\"block\" x=\""
-              << Margin + NumberWidth + 10 << "\" y=\"" << m_top + 15 << "\">" << address
+              << Margin + NumberWidth + 10 << "\" y=\"" << m_top + 15 << "\">" << escaped(address)
               << " <tspan class=\"soft\">" << size << "</tspan></text>\n";
         text("soft", Margin + NumberWidth + 10, m_top + 29, shortNames(names));
         m_out << "</g>\n";
