@@ -100,7 +100,6 @@ Plan planCycle(const Driver &driver, const QVector<Tag> &tags, const PlannedLine
     assignTags(plan.blocks, tags);
 
     for (const Point &point : std::as_const(points)) {
-        session.restart();
         const Costs costs = costsOf(walkCycle(driver, session, {point}));
         plan.oneByOne.requests += costs.requests;
         plan.oneByOne.bytes += costs.bytes;

@@ -18,6 +18,8 @@ line.
   unused words        8 of 10: no tag wants them, they are read along with their neighbours
   a request per tag   2 requests, 46 bytes, 3.99 ms: 22.0 % shorter
   shortest cycle      with a block limit of 1: 2 requests, 46 bytes, 3.99 ms: 22.0 % shorter
+  $ tolvane-host plan D_W:0x60 D_W:60x67 --block-limit 10 --suggest | tail -1
+  shortest cycle      with a block limit of 127: 1 request, 527 bytes, 45.75 ms: 3.5 % shorter
   $ tolvane-host plan D_W:0x40 D_W:45x30 --suggest | tail -3
   one poll cycle      2 requests, 318 bytes, 27.60 ms: 36.2 cycles a second
   a request per tag   2 requests, 318 bytes, 27.60 ms: as long
@@ -32,10 +34,10 @@ line.
     1  M_W:40x2                2        -       14       13  2.34 ms  M_bit:40.8x20
     2  D_W:10x127            127        -       14      513 45.75 ms  D_W:10x200
     3  D_W:137x73             73        -       14      297 27.00 ms  D_W:10x200
-  $ tolvane-host plan temperatures=D_W:0x64 cooling=D_W:20x3 fill_level=D_W:30 speed=D_W:40 | sed -n 3,5p
+  $ tolvane-host plan temperatures=D_W:0x64 cooling=D_W:20x3 the_level=D_W:30 speed=D_W:40 | sed -n 3,5p
     #  block               words   unused  request    reply     wire  tags
     1  D_W:0x64               64        -       14      261 23.87 ms  temperatures, cooling,
-                                                                      fill_level, speed
+                                                                      the_level, speed
   $ . "$TESTDIR/functions.sh"
   $ tolvane-host plan --json lamp=M_bit:20.5 D_W:100:float D_W:106x2:uint32 --suggest | folded
   {"blockLimit":64,"blocks":[{"address":"M_W:20","count":1,"number":20,"replyBytes":9,"requestByte
