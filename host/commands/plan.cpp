@@ -5,7 +5,7 @@
 #include "host/output/failure.h"
 #include "host/output/whole_file.h"
 #include "host/plan/picture.h"
-#include "host/plan/plan_text.h"
+#include "host/plan/text.h"
 
 #include <QtCore/QJsonDocument>
 
@@ -48,28 +48,15 @@ int planCommand(const QStringList &arguments)
 
     const Driver driver = loadDriver(commandLine.driverPath());
     const Identity identity = identify(driver);
-    Plan plan;
+    PlannedLine line;
     const QString serial = commandLine.value("serial"_s);
-    plan.lineText = serial.isEmpty() ? identity.serialLine : serial;
-    plan.line.serial = serialOption(commandLine, identity);
-    plan.line.turnaround = std::chrono::milliseconds(
+    line.text = serial.isEmpty() ? identity.serialLine : serial;
+    line.serial = serialOption(commandLine, identity);
+    line.turnaround = std::chrono::milliseconds(
         numberOption(commandLine, "turnaround"_s, 0, LongestTurnaroundMs));
-    plan.blockLimit = blockLimitOption(commandLine);
-    plan.tags = parseTags(driver, identity, given, stationOption(commandLine));
-    QVector<Point> points;
-    for (const Tag &tag : std::as_const(plan.tags))
-        points.append(tag.point);
-
-    SessionSettings settings;
-    settings.blockLimit = plan.blockLimit;
-    Session session(driver, settings);
-    plan.blocks = walkCycle(driver, session, identity, points);
-    assignTags(plan.blocks, plan.tags);
-    plan.costs = costsOf(plan.blocks, plan.line);
-    plan.oneByOne = costsOneByOne(driver, session, identity, points, plan.line);
-    if (commandLine.isSet(suggest))
-        plan.best = bestBlockLimit(driver, session, identity, points, plan.line,
-                                   {plan.blockLimit, plan.costs});
+    const QVector<Tag> tags = parseTags(driver, identity, given, stationOption(commandLine));
+    const Plan plan =
+        planCycle(driver, tags, line, blockLimitOption(commandLine), commandLine.isSet(suggest));
 
     if (commandLine.isSet(svg))
         replaceFile(commandLine.value(svg), drawPlan(driver, plan));
