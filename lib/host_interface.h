@@ -113,11 +113,12 @@ struct _RCP_VAR_PRO
  * loop's two functions are better left to the loop, for the call under way then goes on with what
  * they have already brought to its end.
  *
- * - (first property value, station, register type name, address number): a point changed. It is
- *   stored after the report: intf_getData() from inside gives the value from before.
- *   Monitored points are reported, and contacts ("TX", "CX") that a write changes or that are given
- *   up in any case. Words whose write is given up, and a word when the last outstanding write of
- *   its bits ends, are reported whether they change or not, with the value that is then shown.
+ * - (first property value, station, register type name, address number): a monitored point
+ *   changed, or a write changed a contact ("TX", "CX"), monitored or not. The value is stored after
+ *   the report: intf_getData() from inside gives the one from before.
+ * - The same at the end of a write, the value settled and perhaps unchanged: of monitored words
+ *   and any contacts that were given up, and of the monitored points of a word when no write of
+ *   bits of it is outstanding any more.
  * - (0, -1, "RWI", n): unit n of the recipe buffer was read from the controller, and is filled.
  * - (-1, -1, "-1", 0 or -1): the latest condition read is done, its values stored (0), or was
  *   given up (-1); see intf_addConditionRead().
