@@ -266,9 +266,10 @@ Q_DECL_EXPORT int intf_addConditionRead(const KEY_ADDRESS &key, int kind);
  *
  * A transfer goes before everything else, writing before reading, one block an item. When
  * intf_getSendFrame() looks at the two request bytes (no frame pending) and finds neither at 1, the
- * next transfer begins at its first block. Nothing else resets it; with one byte taken back and the
- * other set, or taken back and set again, between two looks the position stays. So after taking a
- * request back let intf_getSendFrame() be called once with no frame pending.
+ * next transfer begins at its first block. Nothing else resets the position of an unfinished one:
+ * with one byte taken back and the other set, or taken back and set again, between two looks it
+ * stays. So after taking a request back let intf_getSendFrame() be called once with no frame
+ * pending.
  *
  * Register before asking, never during a transfer: it goes on with the new blocks at the number it
  * had reached. When there are no more blocks than that, nothing of the new recipe moves: the last
