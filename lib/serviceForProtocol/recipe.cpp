@@ -98,8 +98,10 @@ SendState takeTransferRequest()
     QMutexLocker locker(driver.hostMutex);
     unsigned char &write = driver.hostShared[RecipeWriteRequest];
     unsigned char &read = driver.hostShared[RecipeReadRequest];
-    if (write != 1 && read != 1)
+    if (write != 1 && read != 1) {
+        driver.rcpIndex = 0;  // a request taken back leaves nothing behind for the next one
         return Idle;
+    }
     if (driver.rcpBuffer && !driver.rcpRefused)
         return write == 1 ? RecipeWrite : RecipeRead;
     driver.rcpIndex = 0;

@@ -7,7 +7,9 @@
 
 /**
  * The transfer that the host asks for: RecipeWrite, RecipeRead or Idle. Requests that cannot be
- * served, without a recipe buffer or after a registration that kept no entry, are taken back.
+ * served, without a recipe buffer or after a registration that kept no entry, are taken back. When
+ * the host asks for none, or has taken its request back, the next transfer begins at its first
+ * block.
  */
 SendState takeTransferRequest();
 
