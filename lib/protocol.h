@@ -145,6 +145,12 @@ AddressSpan wordSpan(const AddressSpan &bits);
 /** Makes `item` ask for the span; its kind and values stay. */
 void setRange(VARIABLE &item, const AddressSpan &span);
 
+/** A word from its bytes: 0 to 65535. */
+inline int uchar2int16(unsigned char low, unsigned char high)
+{
+    return low | high << 8;
+}
+
 /** One data area: the cache of one storage unit of one station. */
 struct _DATA_
 {
@@ -161,6 +167,8 @@ struct _DATA_
 
     /** The value the host sees. */
     const unsigned char *currentValue() const { return hasWriteValue ? writeValue : readValue; }
+
+    int readWord() const { return uchar2int16(readValue[0], readValue[1]); }
 };
 
 /**

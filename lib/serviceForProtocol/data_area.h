@@ -33,6 +33,7 @@ void clearDataAreas();
 class AreaLookup
 {
 public:
+    /** The text stays the caller's. */
     AreaLookup(int stationNo, const QString &areaName);
 
     /** Position of the unit's data area, which is appended when missing. */
@@ -44,6 +45,21 @@ public:
         return findOrAppend(unitAddr);
     }
 
+    /**
+     * How many of the units next to `unitAddr`, the one asked for last, were last read as `values`:
+     * all of them, at most `most`, or those before the first that was not or whose page is another.
+     */
+    int alikeBehind(int unitAddr, const quint16 *values, int most) const
+    {
+        const int *const cells = m_cells + cellInPage(unitAddr) + 1;
+        const int end = qMin(most, PageUnits - 1 - cellInPage(unitAddr));
+        int n = 0;
+        while (n < end && cells[n] > 0 &&
+               driver.dataAreaList.at(cells[n] - 1).readWord() == values[n])
+            ++n;
+        return n;
+    }
+
 private:
     /** Unit addresses a page: few, for scattered addresses cost a page each. */
     enum { PageUnits = 64 };
@@ -53,7 +69,7 @@ private:
     int findOrAppend(int unitAddr);
 
     int m_stationNo;
-    QString m_areaName;
+    const QString &m_areaName;
     int m_page;
     int *m_cells;  ///< of the page, null before the first; pages stay where they are
 };
@@ -88,6 +104,20 @@ public:
             return false;
         index = m_lookup.indexOf(type.unitKind == WordBitUnit ? wordOfBit(address()) : address());
         return true;
+    }
+
+    /**
+     * The same, of word or bit units, to the next one that was not last read as values[i]. Its own
+     * is looked at alone, those that follow in its page at one go: nearly always none has changed.
+     */
+    bool nextUnlike(const quint16 *values)
+    {
+        while (next()) {
+            if (constArea().readWord() != values[i])
+                return true;
+            i += m_lookup.alikeBehind(address(), values + i + 1, m_count - i - 1);
+        }
+        return false;
     }
 
     const RegisterType &type;

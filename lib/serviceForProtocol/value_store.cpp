@@ -187,16 +187,11 @@ void storeReadValues(int stationNo, const RegisterType &type, int startAddr, int
     // A host that finishes this frame itself, from inside a report, has newer values.
     const quint32 exchange = driver.exchangeNo;
     for (Unit unit(stationNo, type, startAddr, count);
-         unit.next() && exchange == driver.exchangeNo;) {
-        // Unchanged nearly always: nothing more is done then.
-        const unsigned char *lastRead = unit.constArea().readValue;
-        const int value = values[unit.i];
-        if (wordOf(lastRead) == value)
-            continue;
+         exchange == driver.exchangeNo && unit.nextUnlike(values);) {
         if (type.unitKind == BitUnit)
-            storeChangedBit(unit, value);
+            storeChangedBit(unit, values[unit.i]);
         else
-            storeChangedWord(unit, value);
+            storeChangedWord(unit, values[unit.i]);
     }
 }
 

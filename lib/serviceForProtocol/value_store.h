@@ -4,12 +4,6 @@
 
 #include "data_area.h"
 
-/** A word from its bytes: 0 to 65535. */
-inline int uchar2int16(unsigned char low, unsigned char high)
-{
-    return low + 256 * high;
-}
-
 /**
  * Reports a 16-bit data area: each monitored bit in which the two word values differ, in ascending
  * order, then the word if it is monitored. A null value means all monitored bits. The word is
