@@ -169,6 +169,8 @@ struct _DATA_
     const unsigned char *currentValue() const { return hasWriteValue ? writeValue : readValue; }
 
     int readWord() const { return uchar2int16(readValue[0], readValue[1]); }
+    int writtenWord() const { return uchar2int16(writeValue[0], writeValue[1]); }
+    int currentWord() const { return hasWriteValue ? writtenWord() : readWord(); }
 };
 
 /**

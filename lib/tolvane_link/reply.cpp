@@ -47,6 +47,6 @@ void readReplyValues(const QByteArray &reply, const FRAME_PRO &request, const Re
         if (type.unitKind == BitUnit)
             values[i] = bytes[(firstBit + i) / 8] >> (firstBit + i) % 8 & 1;
         else
-            values[i] = quint16(bytes[2 * i] | bytes[2 * i + 1] << 8);
+            values[i] = quint16(uchar2int16(bytes[2 * i], bytes[2 * i + 1]));
     }
 }

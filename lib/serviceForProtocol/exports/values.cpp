@@ -35,7 +35,7 @@ int intf_getData(int stationNo, QString regName, int startAddr, int count, unsig
             out[2 * unit.i] = value[0];
             out[2 * unit.i + 1] = value[1];
         } else if (type.unitKind == WordBitUnit) {
-            out[unit.i] = uchar2int16(value[0], value[1]) >> unit.bit() & 1;
+            out[unit.i] = unit.constArea().currentWord() >> unit.bit() & 1;
         } else {
             out[unit.i] = value[0];
         }
