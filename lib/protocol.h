@@ -249,6 +249,14 @@ public:
     bool rcpRefused = false;      ///< the latest registration kept no entry
 };
 
+/** The exchange under way where this is made; the host may end it from inside a callback. */
+struct ExchangeUnderWay
+{
+    const quint32 number = driver.exchangeNo;
+
+    bool stands() const { return number == driver.exchangeNo; }
+};
+
 /**
  * Calls the host back, if a callback is registered. The host's code may call any export before
  * this returns. The text is the host's own copy: what it does to it leaves the tables alone.

@@ -56,6 +56,22 @@ void forEachRecipeValue(const AddressSpan &block, Step step)
     }
 }
 
+/** Looks at the host's request bytes; writing goes before reading. */
+SendState requestedTransfer()
+{
+    QMutexLocker locker(driver.hostMutex);
+    if (driver.hostShared[RecipeWriteRequest] == 1)
+        return RecipeWrite;
+    return driver.hostShared[RecipeReadRequest] == 1 ? RecipeRead : Idle;
+}
+
+void refuseTransfers()
+{
+    QMutexLocker locker(driver.hostMutex);
+    driver.hostShared[RecipeWriteRequest] = 0;
+    driver.hostShared[RecipeReadRequest] = 0;
+}
+
 }  // namespace
 
 int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
@@ -91,22 +107,18 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
     return int(driver.rcpEntries.size());
 }
 
-SendState takeTransferRequest()
+SendState nextTransfer()
 {
     if (!driver.hostShared)
         return Idle;
-    QMutexLocker locker(driver.hostMutex);
-    unsigned char &write = driver.hostShared[RecipeWriteRequest];
-    unsigned char &read = driver.hostShared[RecipeReadRequest];
-    if (write != 1 && read != 1) {
-        driver.rcpIndex = 0;  // a request taken back leaves nothing behind for the next one
-        return Idle;
-    }
-    if (driver.rcpBuffer && !driver.rcpRefused)
-        return write == 1 ? RecipeWrite : RecipeRead;
+    const SendState requested = requestedTransfer();
+    const bool isRefused = requested != Idle && (!driver.rcpBuffer || driver.rcpRefused);
+    if (requested != Idle && !isRefused)
+        return requested;
+    // A request that is refused, or that the host has taken back, leaves nothing to the next one.
     driver.rcpIndex = 0;
-    write = 0;
-    read = 0;
+    if (isRefused)
+        refuseTransfers();
     return Idle;
 }
 
@@ -141,7 +153,7 @@ void copyRecipeReply(const quint16 *values)
 {
     if (driver.rcpAskedFor != driver.rcpRegistration)
         return;
-    const quint32 exchange = driver.exchangeNo;
+    const ExchangeUnderWay exchange;
     const AddressSpan block = driver.rcpBlocks.at(driver.rcpIndex);
     const bool bitsOfWords = readAs(block, RecipeRead).regNumber != block.regNumber;
     forEachRecipeValue(block, [&](int position, int n) -> bool {
@@ -152,7 +164,7 @@ void copyRecipeReply(const quint16 *values)
         unit[0] = static_cast<unsigned char>(value);
         unit[1] = static_cast<unsigned char>(value >> 8);
         notifyHost(0, -1, QLatin1String("RWI"), n);
-        return exchange == driver.exchangeNo && driver.rcpAskedFor == driver.rcpRegistration;
+        return exchange.stands() && driver.rcpAskedFor == driver.rcpRegistration;
     });
 }
 

@@ -6,12 +6,11 @@
 #include "../protocol.h"
 
 /**
- * The transfer that the host asks for: RecipeWrite, RecipeRead or Idle. Requests that cannot be
- * served, without a recipe buffer or after a registration that kept no entry, are taken back. When
- * the host asks for none, or has taken its request back, the next transfer begins at its first
- * block.
+ * The transfer that is to go on: RecipeWrite, RecipeRead or Idle. Requests that cannot be served,
+ * without a recipe buffer or after a registration that kept no entry, are set back. When the host
+ * asks for none, or has taken its request back, the next transfer begins at its first block.
  */
-SendState takeTransferRequest();
+SendState nextTransfer();
 
 /**
  * Fills `item` with the next block of the transfer, a RecipeWrite or RecipeRead. Returns false,

@@ -151,9 +151,9 @@ void storeReadValues(int stationNo, const RegisterType &type, int startAddr, int
                      const quint16 *values)
 {
     // A host that finishes this frame itself, from inside a report, has newer values.
-    const quint32 exchange = driver.exchangeNo;
+    const ExchangeUnderWay exchange;
     for (Unit unit(stationNo, type, startAddr, count);
-         exchange == driver.exchangeNo && unit.nextUnlike(values);) {
+         exchange.stands() && unit.nextUnlike(values);) {
         _DATA_ &area = unit.area();
         if (area.writeBitMask == 0 || driver.writeList.isEmpty())
             area.hasWriteValue = 0;

@@ -32,8 +32,8 @@ int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
 int dealReadFrameReturnSaveData(const QByteArray &reply, const RegisterType &type);
 void analyzeFrameOfVal(const QByteArray &reply, const FRAME_PRO &request, const RegisterType &type);
 void settleWrite(const RegisterType &type, int result);
-int finishFrame(quint32 exchange);
-int giveUp(quint32 exchange, const RegisterType &type);
+void finishFrame();
+int giveUp(const RegisterType &type);
 void dealListWhenFinish();
 void finishWrite();
 void finishConditionRead();
@@ -61,7 +61,7 @@ namespace {
 
 void takeNextItem()
 {
-    const SendState transfer = takeTransferRequest();
+    const SendState transfer = nextTransfer();
     if (driver.handShakeRequest) {
         driver.sendState = HandShake;
     } else if (transfer != Idle) {
@@ -78,10 +78,13 @@ void takeNextItem()
     }
 }
 
-/** The next block of the transfer; when there is none, the current item is repeated. */
+/**
+ * The next block of the transfer. When there is none, curVar and sendState stay those of the item
+ * before, so that it is sent once more; nothing is sent when there was none (Idle).
+ */
 void takeRecipe(SendState transfer)
 {
-    driver.itemIsQueueHead = false;
+    driver.itemIsQueueHead = false;  // also of a repeated one: its queue has gone on
     if (takeRecipeBlock(transfer, driver.curVar))
         driver.sendState = transfer;
 }
@@ -143,23 +146,26 @@ namespace {
 int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
 {
     // From any report the host may start over or even finish this frame itself.
-    const quint32 exchange = driver.exchangeNo;
+    const ExchangeUnderWay exchange;
     switch (check_rcv_data(reinterpret_cast<const unsigned char *>(reply.constData()),
                            int(reply.size()))) {
         case GoodReadReply:
             driver.lastFrameFailed = 0;
             dealReadFrameReturnSaveData(reply, type);
-            return finishFrame(exchange);
+            break;
         case GoodAcknowledgement:
             driver.lastFrameFailed = 0;
             settleWrite(type, 1);
-            return finishFrame(exchange);
+            break;
         case Refused:
             text += refusalText(reply);
-            return giveUp(exchange, type);
+            return giveUp(type);
         default:
-            return ++driver.retryCount < driver.propItem3 ? int(SendAgain) : giveUp(exchange, type);
+            return ++driver.retryCount < driver.propItem3 ? int(SendAgain) : giveUp(type);
     }
+    if (exchange.stands())
+        finishFrame();
+    return Good;
 }
 
 /** Takes the data of a good read reply; that to the read step of a write is merged into it. */
@@ -177,9 +183,9 @@ void analyzeFrameOfVal(const QByteArray &reply, const FRAME_PRO &request, const 
 {
     quint16 values[MaxUnitsPerRead];
     readReplyValues(reply, request, type, values);
-    const quint32 exchange = driver.exchangeNo;
+    const ExchangeUnderWay exchange;
     storeReadValues(request.var.stationNo, type, request.var.startAddr, request.readCount, values);
-    if (exchange == driver.exchangeNo && driver.sendState == RecipeRead)
+    if (exchange.stands() && driver.sendState == RecipeRead)
         copyRecipeReply(values);
 }
 
@@ -195,24 +201,22 @@ void settleWrite(const RegisterType &type, int result)
 
 // ---- The end of a frame and of its item -----------------------------------------------------
 
-int finishFrame(quint32 exchange)
+void finishFrame()
 {
-    if (exchange != driver.exchangeNo)
-        return Good;
     driver.frameList.removeFirst();
     ++driver.exchangeNo;
     driver.retryCount = 0;
     if (driver.frameList.isEmpty())
         dealListWhenFinish();
-    return Good;
 }
 
 /** Ends the item with all its frames. */
-int giveUp(quint32 exchange, const RegisterType &type)
+int giveUp(const RegisterType &type)
 {
+    const ExchangeUnderWay exchange;
     driver.lastFrameFailed = 1;
     settleWrite(type, 0);
-    if (exchange != driver.exchangeNo)
+    if (!exchange.stands())
         return GivenUp;
     driver.frameList.clear();
     ++driver.exchangeNo;
