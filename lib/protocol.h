@@ -151,6 +151,13 @@ inline int uchar2int16(unsigned char low, unsigned char high)
     return low | high << 8;
 }
 
+/** And back: the low byte first. */
+inline void setWord(unsigned char *value, int word)
+{
+    value[0] = static_cast<unsigned char>(word);
+    value[1] = static_cast<unsigned char>(word >> 8);
+}
+
 /** One data area: the cache of one storage unit of one station. */
 struct _DATA_
 {
@@ -165,11 +172,9 @@ struct _DATA_
     unsigned char readValue[4];   ///< as last read or confirmed; a word's low byte first
     unsigned char writeValue[4];  ///< as last written by the host
 
-    /** The value the host sees. */
-    const unsigned char *currentValue() const { return hasWriteValue ? writeValue : readValue; }
-
     int readWord() const { return uchar2int16(readValue[0], readValue[1]); }
     int writtenWord() const { return uchar2int16(writeValue[0], writeValue[1]); }
+    /** What the host sees. */
     int currentWord() const { return hasWriteValue ? writtenWord() : readWord(); }
 };
 

@@ -1,11 +1,6 @@
 // The cache of the controller's memory and the index behind it.
 #include "data_area.h"
 
-AreaLookup::AreaLookup(int stationNo, const QString &areaName)
-    : m_stationNo(stationNo), m_areaName(areaName), m_page(0), m_cells(0)
-{
-}
-
 int AreaLookup::findOrAppend(int unitAddr)
 {
     m_page = pageOf(unitAddr);

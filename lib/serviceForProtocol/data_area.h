@@ -34,7 +34,10 @@ class AreaLookup
 {
 public:
     /** The text stays the caller's. */
-    AreaLookup(int stationNo, const QString &areaName);
+    AreaLookup(int stationNo, const QString &areaName)
+        : m_stationNo(stationNo), m_areaName(areaName)
+    {
+    }
 
     /** Position of the unit's data area, which is appended when missing. */
     int indexOf(int unitAddr)
@@ -70,8 +73,8 @@ private:
 
     int m_stationNo;
     const QString &m_areaName;
-    int m_page;
-    int *m_cells;  ///< of the page, null before the first; pages stay where they are
+    int m_page = 0;
+    int *m_cells = 0;  ///< of the page, null before the first; pages stay where they are
 };
 
 /**

@@ -160,9 +160,7 @@ void copyRecipeReply(const quint16 *values)
         const int bit = bitInWord(block.startAddr) + position;
         const int value =
             bitsOfWords ? values[bit / BitsPerWord] >> bit % BitsPerWord & 1 : values[position];
-        unsigned char *unit = bufferUnit(n);
-        unit[0] = static_cast<unsigned char>(value);
-        unit[1] = static_cast<unsigned char>(value >> 8);
+        setWord(bufferUnit(n), value);
         notifyHost(0, -1, QLatin1String("RWI"), n);
         return exchange.stands() && driver.rcpAskedFor == driver.rcpRegistration;
     });

@@ -9,12 +9,6 @@
 
 namespace {
 
-void setWord(unsigned char *value, int word)
-{
-    value[0] = static_cast<unsigned char>(word);
-    value[1] = static_cast<unsigned char>(word >> 8);
-}
-
 void reportPoint(const Unit &unit, const QString &regName, int address)
 {
     notifyHost(driver.propItem0, unit.stationNo, regName, address);

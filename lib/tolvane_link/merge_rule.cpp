@@ -32,18 +32,10 @@ int unitsPerWrite(const RegisterType &type)
 
 AddressSpan readAs(const AddressSpan &span, SendState purpose)
 {
-    AddressSpan read = span;
-    switch (driver.registerTypes.at(span.regNumber).unitKind) {
-        case WordBitUnit:
-            return wordSpan(span);
-        case BitUnit:
-            if (purpose == ConditionRead)
-                read.count = span.count * BitsPerWord;
-            return read;
-        case WordUnit:
-        case NoUnit:
-            break;
-    }
+    const UnitKind kind = driver.registerTypes.at(span.regNumber).unitKind;
+    AddressSpan read = kind == WordBitUnit ? wordSpan(span) : span;
+    if (kind == BitUnit && purpose == ConditionRead)
+        read.count *= BitsPerWord;
     return read;
 }
 

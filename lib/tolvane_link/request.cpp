@@ -86,20 +86,12 @@ void getReadFrame(const VARIABLE &item)
 void getWriteFrame(const VARIABLE &item)
 {
     const RegisterType type = registerType(item.regName);
-    switch (type.unitKind) {
-        case WordUnit:
-            appendWriteWords(type, item.count, item.valueBuf, item);
-            break;
-        case WordBitUnit:
-        case BitUnit:
-            if (item.count == 1)
-                appendBit(type, item);
-            else
-                appendReadWords(type, wordsOfBits(item.startAddr, item.count), item);
-            break;
-        case NoUnit:
-            break;
-    }
+    if (type.unitKind == WordUnit)
+        appendWriteWords(type, item.count, item.valueBuf, item);
+    else if (item.count == 1)
+        appendBit(type, item);
+    else
+        appendReadWords(type, wordsOfBits(item.startAddr, item.count), item);
 }
 
 void appendMergedWrite(const QByteArray &reply, const RegisterType &type)

@@ -28,7 +28,6 @@ void takeRecipe(SendState transfer);
 void takeQueueHead(const QList<VARIABLE> &queue, SendState state);
 void takeCyclicRead();
 void buildFrames();
-int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text);
 int dealReadFrameReturnSaveData(const QByteArray &reply, const RegisterType &type);
 void analyzeFrameOfVal(const QByteArray &reply, const FRAME_PRO &request, const RegisterType &type);
 void settleWrite(const RegisterType &type, int result);
@@ -119,8 +118,6 @@ void buildFrames()
         case CyclicRead:
         case RecipeRead:
             return getReadFrame(driver.curVar);
-        default:
-            return;
     }
 }
 
@@ -138,13 +135,6 @@ int intf_dealRcvFrame(QByteArray reply, QString *errorText)
     const VARIABLE &item = driver.frameList.at(0).var;
     const RegisterType type = registerType(item.regName);
     text = getErrorInfo(type, item, int(reply.size()));
-    return judgeReply(reply, type, text);
-}
-
-namespace {
-
-int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
-{
     // From any report the host may start over or even finish this frame itself.
     const ExchangeUnderWay exchange;
     switch (check_rcv_data(reinterpret_cast<const unsigned char *>(reply.constData()),
@@ -167,6 +157,8 @@ int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
         finishFrame();
     return Good;
 }
+
+namespace {
 
 /** Takes the data of a good read reply; that to the read step of a write is merged into it. */
 int dealReadFrameReturnSaveData(const QByteArray &reply, const RegisterType &type)
@@ -218,10 +210,9 @@ int giveUp(const RegisterType &type)
     settleWrite(type, 0);
     if (!exchange.stands())
         return GivenUp;
-    driver.frameList.clear();
-    ++driver.exchangeNo;
-    driver.retryCount = 0;
-    dealListWhenFinish();
+    while (driver.frameList.size() > 1)
+        driver.frameList.removeLast();
+    finishFrame();
     return GivenUp;
 }
 
@@ -238,8 +229,6 @@ void dealListWhenFinish()
             return finishRecipeBlock(RecipeWrite, driver.lastFrameFailed == 1);
         case RecipeRead:
             return finishRecipeBlock(RecipeRead, driver.lastFrameFailed == 1);
-        default:
-            return;
     }
 }
 

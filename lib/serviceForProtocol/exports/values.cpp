@@ -30,15 +30,13 @@ int intf_getData(int stationNo, QString regName, int startAddr, int count, unsig
         return 1;
     const RegisterType type = registerType(regName);
     for (Unit unit(stationNo, type, startAddr, coveredCount(count)); unit.next();) {
-        const unsigned char *value = unit.constArea().currentValue();
-        if (type.unitKind == WordUnit) {
-            out[2 * unit.i] = value[0];
-            out[2 * unit.i + 1] = value[1];
-        } else if (type.unitKind == WordBitUnit) {
-            out[unit.i] = unit.constArea().currentWord() >> unit.bit() & 1;
-        } else {
-            out[unit.i] = value[0];
-        }
+        const int shown = unit.constArea().currentWord();
+        if (type.unitKind == WordUnit)
+            setWord(out + 2 * unit.i, shown);
+        else if (type.unitKind == WordBitUnit)
+            out[unit.i] = shown >> unit.bit() & 1;
+        else
+            out[unit.i] = static_cast<unsigned char>(shown);
     }
     return 1;
 }
