@@ -1,13 +1,14 @@
 // The cache of the controller's memory: finding data areas, walking the storage units of a
-// request, and marking the monitored ones. Nobody else adds to or empties driver.dataAreaList.
+// request, and marking the monitored ones. Nobody else adds to or empties
+// driver.cache.dataAreaList.
 #ifndef TOLVANE_DATA_AREA_H
 #define TOLVANE_DATA_AREA_H
 
 #include "../protocol.h"
 
 /**
- * Position in driver.dataAreaList of the data area with these keys. A missing area is appended
- * with values 0 and no marks.
+ * Position in driver.cache.dataAreaList of the data area with these keys. A missing area is
+ * appended with values 0 and no marks.
  */
 int getIndexOfDataArea(int stationNo, const QString &areaName, int unitAddr);
 
@@ -27,8 +28,8 @@ void clearMarks();
 void clearDataAreas();
 
 /**
- * Finds the data areas of one station and area name in driver.dataAreaList, page by page. Lives no
- * longer than the cache that it was made for.
+ * Finds the data areas of one station and area name in driver.cache.dataAreaList, page by page.
+ * Lives no longer than the cache that it was made for.
  */
 class AreaLookup
 {
@@ -58,7 +59,7 @@ public:
         const int end = qMin(most, PageUnits - 1 - cellInPage(unitAddr));
         int n = 0;
         while (n < end && cells[n] > 0 &&
-               driver.dataAreaList.at(cells[n] - 1).readWord() == values[n])
+               driver.cache.dataAreaList.at(cells[n] - 1).readWord() == values[n])
             ++n;
         return n;
     }
@@ -96,7 +97,7 @@ public:
           index(-1),
           m_startAddr(startAddr),
           m_count(type.unitKind == NoUnit ? 0 : count),
-          m_cacheNo(driver.cacheNo),
+          m_cacheNo(driver.cache.number),
           m_lookup(stationNo, type.areaName)
     {
     }
@@ -126,7 +127,7 @@ public:
     const RegisterType &type;
     const int stationNo;
     int i;      ///< position of the address in the request, from 0
-    int index;  ///< of the unit in driver.dataAreaList
+    int index;  ///< of the unit in driver.cache.dataAreaList
 
     /** The address number. */
     int address() const { return addrPlus(m_startAddr, i); }
@@ -135,11 +136,11 @@ public:
     int bit() const { return bitInWord(address()); }
 
     /** The data area. Ask again after every report: the list may have grown meanwhile. */
-    _DATA_ &area() const { return driver.dataAreaList[index]; }
-    const _DATA_ &constArea() const { return driver.dataAreaList.at(index); }
+    _DATA_ &area() const { return driver.cache.dataAreaList[index]; }
+    const _DATA_ &constArea() const { return driver.cache.dataAreaList.at(index); }
 
     /** False when the host has emptied the cache from inside a report: area() is gone then. */
-    bool stands() const { return m_cacheNo == driver.cacheNo; }
+    bool stands() const { return m_cacheNo == driver.cache.number; }
 
 private:
     const int m_startAddr;

@@ -14,7 +14,8 @@ QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, int widestGap)
         if (!blocks.isEmpty()) {
             AddressSpan &block = blocks.last();
             const int extent = next.startAddr + next.count - block.startAddr;
-            if (judgeAddrMerge(block, next, widestGap) == Joined && extent <= driver.mergeWords) {
+            if (judgeAddrMerge(block, next, widestGap) == Joined &&
+                extent <= driver.settings.mergeWords) {
                 block.count = qMax(block.count, extent);
                 block.entries += next.entries;
                 continue;
@@ -59,7 +60,7 @@ QVector<AddressSpan> addrMerge(const QVector<AddressSpan> &spans, int mode)
         return mergePass(spans, 0);
     const QVector<AddressSpan> ordered = inWeightOrder(readableSpans(spans), weightOf);
     // Neighbours first, so that no gap is bridged where a neighbour still fits.
-    return mergePass(mergePass(ordered, 0), driver.mergeWords);
+    return mergePass(mergePass(ordered, 0), driver.settings.mergeWords);
 }
 
 int recipeUnitsPerFrame(const RegisterType &type)

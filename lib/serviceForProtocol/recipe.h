@@ -1,5 +1,5 @@
 // The recipe: its registration (intf_setRcpAddress), its blocks, the steps of a transfer and the
-// copy into the host's recipe buffer. Of the driver's rcp... members others touch rcpBuffer alone.
+// copy into the host's recipe buffer. Nobody else touches driver.recipe.
 #ifndef TOLVANE_RECIPE_H
 #define TOLVANE_RECIPE_H
 

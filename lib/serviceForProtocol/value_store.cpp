@@ -11,16 +11,16 @@ namespace {
 
 void reportPoint(const Unit &unit, const QString &regName, int address)
 {
-    notifyHost(driver.propItem0, unit.stationNo, regName, address);
+    notifyHost(driver.settings.propItem0, unit.stationNo, regName, address);
 }
 
 /** Counts the queued writes of exactly this range, the one in service included. */
 int queuedWritesOf(int stationNo, const RegisterType &type, int startAddr, int count)
 {
-    QMutexLocker locker(&driver.mutex);
+    QMutexLocker locker(&driver.loop.mutex);
     int found = 0;
-    for (int i = 0; i < driver.writeList.size(); ++i) {
-        const VARIABLE &item = driver.writeList.at(i);
+    for (int i = 0; i < driver.loop.writeList.size(); ++i) {
+        const VARIABLE &item = driver.loop.writeList.at(i);
         if (item.startAddr == startAddr && item.count == count && item.stationNo == stationNo &&
             sameText(item.regName, REG_LIST[type.number]))
             ++found;
@@ -149,7 +149,7 @@ void storeReadValues(int stationNo, const RegisterType &type, int startAddr, int
     for (Unit unit(stationNo, type, startAddr, count);
          exchange.stands() && unit.nextUnlike(values);) {
         _DATA_ &area = unit.area();
-        if (area.writeBitMask == 0 || driver.writeList.isEmpty())
+        if (area.writeBitMask == 0 || driver.loop.writeList.isEmpty())
             area.hasWriteValue = 0;
         if (type.unitKind == BitUnit)
             _bitDataChange(unit);

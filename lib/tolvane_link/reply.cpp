@@ -13,7 +13,7 @@ enum { ShortestReply = 4 };
 
 int check_rcv_data(const unsigned char *reply, int length)
 {
-    const FRAME_PRO &request = driver.frameList.at(0);
+    const FRAME_PRO &request = driver.loop.frameList.at(0);
     if (request.replyLen <= ShortestReply || length < ShortestReply)
         return FailedExchange;
     if (reply[0] != ACK || reply[length - 1] != EOT)

@@ -10,9 +10,9 @@ enum { ReplyFrameChars = 5, ReplyDataStart = 2 };
 FRAME_PRO &appendFrame(const VARIABLE &item)
 {
     static const FRAME_PRO blank;
-    driver.frameList.append(blank);
-    driver.frameList.last().var = item;
-    return driver.frameList.last();
+    driver.loop.frameList.append(blank);
+    driver.loop.frameList.last().var = item;
+    return driver.loop.frameList.last();
 }
 
 /** Opening of every request: STX command device <byte address> "00". */
@@ -96,10 +96,10 @@ void getWriteFrame(const VARIABLE &item)
 
 void appendMergedWrite(const QByteArray &reply, const RegisterType &type)
 {
-    const VARIABLE item = driver.frameList.at(0).var;
-    const int words = driver.frameList.at(0).readCount;
+    const VARIABLE item = driver.loop.frameList.at(0).var;
+    const int words = driver.loop.frameList.at(0).readCount;
     unsigned char values[2 * MaxWordsPerFrame];
-    readReplyBytes(reply, driver.frameList.at(0), values);
+    readReplyBytes(reply, driver.loop.frameList.at(0), values);
     for (int i = 0; i < item.count; ++i) {
         const int position = bitInWord(item.startAddr) + i;
         const int bitMask = 1 << position % 8;

@@ -49,8 +49,8 @@ enum MergeVerdict { Joined = 0, Separate = 1 };
 int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int widestGap);
 
 // ---- Request frames (request.cpp) -----------------------------------------------------------
-// They are appended to driver.frameList, whose head is in flight: a reply is judged as that to the
-// head while frames of the same item may follow it. Appending ends references into the list.
+// They are appended to driver.loop.frameList, whose head is in flight: a reply is judged as that to
+// the head while frames of the same item may follow it. Appending ends references into the list.
 
 /** Appends the read frame of the item, of a known type and no longer than a read carries. */
 void getReadFrame(const VARIABLE &item);
@@ -75,7 +75,7 @@ enum ReplyVerdict {
     Refused = 3               ///< the controller says no: given up at once; never on this link
 };
 
-/** Judges the reply to the head of driver.frameList; returns a ReplyVerdict. */
+/** Judges the reply to the head of driver.loop.frameList; returns a ReplyVerdict. */
 int check_rcv_data(const unsigned char *reply, int length);
 
 /**

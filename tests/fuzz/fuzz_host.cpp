@@ -148,7 +148,7 @@ void step()
                                startOver, exchange,      exchange,       exchange,
                                exchange,  exchange,      exchange,       exchange};
     steps[input->ConsumeIntegralInRange(0, 15)]();
-    writesSettle &= driver.propItem1 == 0 && driver.writeList.size() < QueueLimit;
+    writesSettle &= driver.settings.propItem1 == 0 && driver.loop.writeList.size() < QueueLimit;
     checkQueues();
     if (writesSettle && depth == 0)
         checkWritesSettled();

@@ -26,7 +26,7 @@ void setUp()
                         entryOf("TX", 30, 5, 200), entryOf("D_W", 30, 2, 300)});
     // Monitored, so that changes are reported, but not polled.
     intf_addrMerge({keyOf("D_W", 100, 60), keyOf("M_bit", 325, 40), keyOf("CX", 35, 7)});
-    driver.readList.clear();
+    driver.loop.readList.clear();
 }
 
 /** Puts one request of a kind in flight. */
@@ -58,12 +58,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     ask(data[0] & 0x7F);
     static FRAME_PRO frame;
     QString text;
-    for (driver.runCount = 0; intf_getSendFrame(&frame) == 1; driver.runCount = 0) {
+    for (driver.loop.runCount = 0; intf_getSendFrame(&frame) == 1; driver.loop.runCount = 0) {
         checkFrame(frame);
         const int result = intf_dealRcvFrame(reply, &text);
         require(result == 1 || result == 2, "neither good nor given up");
     }
-    require(driver.writeList.isEmpty() && driver.condReadList.isEmpty(), "an item is left over");
+    require(driver.loop.writeList.isEmpty() && driver.loop.condReadList.isEmpty(),
+            "an item is left over");
     require(!shared[RecipeWriteRequest] && !shared[RecipeReadRequest], "a request is left over");
     if (frame.readCount == 0)
         checkWritesSettled();  // a write was the last

@@ -10,7 +10,7 @@ void enqueueWrite(const AddressSpan &span, const unsigned char *values, int kind
     const RegisterType &type = driver.registerTypes.at(span.regNumber);
     const bool words = type.unitKind == WordUnit;
     const size_t bytesPerElement = words ? 2 : 1;
-    const int blockLimit = words ? driver.mergeWords : driver.mergeBits;
+    const int blockLimit = words ? driver.settings.mergeWords : driver.settings.mergeBits;
     VARIABLE item;
     item.kind = kind;
     groupingKey(span, qMin(blockLimit, unitsPerWrite(type)),
@@ -18,7 +18,7 @@ void enqueueWrite(const AddressSpan &span, const unsigned char *values, int kind
                     setRange(item, piece);
                     std::memcpy(item.valueBuf, values + size_t(offset) * bytesPerElement,
                                 size_t(piece.count) * bytesPerElement);
-                    enqueueRequest(driver.writeList, item);
+                    enqueueRequest(driver.loop.writeList, item);
                 });
 }
 
@@ -48,7 +48,7 @@ int intf_setData(int stationNo, QString regName, int startAddr, int count,
         return 1;
     const RegisterType type = registerType(regName);
     const AddressSpan span = {stationNo, type.number, startAddr, coveredCount(count), 0, 0};
-    if (driver.propItem1 == 0 && type.isKnown())
+    if (driver.settings.propItem1 == 0 && type.isKnown())
         enqueueWrite(span, values, kind);
     // Behind the queueing: the store counts the queued copies of this write.
     write_saveDataToArea(stationNo, type, startAddr, span.count, values);
