@@ -34,8 +34,8 @@ void require(bool condition, const char *what)
 /** The queues' lengths. */
 void checkQueues()
 {
-    require(driver.writeList.size() <= 513, "write queue beyond 513");
-    require(driver.condReadList.size() <= 513, "condition-read queue beyond 513");
+    require(driver.loop.writeList.size() <= 513, "write queue beyond 513");
+    require(driver.loop.condReadList.size() <= 513, "condition-read queue beyond 513");
 }
 
 /** A frame on offer: length, control bytes, checksum. */
@@ -53,20 +53,21 @@ void checkFrame(const FRAME_PRO &frame)
 /** At most one data area a key: the look-up finds each at its place and appends nothing. */
 void checkDataAreas()
 {
-    const int size = int(driver.dataAreaList.size());
+    const int size = int(driver.cache.dataAreaList.size());
     for (int i = 0; i < size; ++i) {
-        const _DATA_ area = driver.dataAreaList.at(i);
+        const _DATA_ area = driver.cache.dataAreaList.at(i);
         require(getIndexOfDataArea(area.stationNo, area.areaName, area.unitAddr) == i,
                 "a data area is not found, or another of its key");
     }
-    require(driver.dataAreaList.size() == size, "looking up what is there appended something");
+    require(driver.cache.dataAreaList.size() == size,
+            "looking up what is there appended something");
 }
 
 /** With nothing left to write, no data area shows a written value unless a mark is outstanding. */
 void checkWritesSettled()
 {
-    for (int i = 0; i < driver.dataAreaList.size() && driver.writeList.isEmpty(); ++i) {
-        const _DATA_ &area = driver.dataAreaList.at(i);
+    for (int i = 0; i < driver.cache.dataAreaList.size() && driver.loop.writeList.isEmpty(); ++i) {
+        const _DATA_ &area = driver.cache.dataAreaList.at(i);
         require(!area.hasWriteValue || area.writeBitMask != 0,
                 "a written value is shown although its write has left the queue");
     }
@@ -248,7 +249,7 @@ void step()
                                startOver, exchange,      exchange,       exchange,
                                exchange,  exchange,      exchange,       exchange};
     steps[input->ConsumeIntegralInRange(0, 15)]();
-    writesSettle &= driver.propItem1 == 0 && driver.writeList.size() < QueueLimit;
+    writesSettle &= driver.settings.propItem1 == 0 && driver.loop.writeList.size() < QueueLimit;
     checkQueues();
     if (writesSettle && depth == 0)
         checkWritesSettled();
