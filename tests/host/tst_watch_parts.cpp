@@ -137,7 +137,7 @@ void TestWatchParts::logsGoOn()
     log.flush();
     bool refused = false;
     try {
-        openLog(log.fileName(), "time,name");
+        OutputFile(log.fileName(), {"log", "^time,"}, "time,name");
     } catch (const Failure &failure) {
         refused = failure.status() == BadInput;
     }
