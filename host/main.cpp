@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <new>
 
 namespace {
 
@@ -68,8 +69,7 @@ int runCommand(const Command &command, const QStringList &arguments)
     try {
         return command.run(arguments);
     } catch (const host::Failure &failure) {
-        const QJsonObject object{{"quality"_s, "bad"_s},
-                                 {"reason"_s, QString::fromUtf8(failure.what())}};
+        const QJsonObject object{{"quality"_s, "bad"_s}, {"reason"_s, failure.text()}};
         if (command.json == Json::None || !arguments.contains("--json"_s))
             throw;
         if (command.json == Json::Lines)
@@ -106,8 +106,8 @@ int run(QStringList arguments)
             break;
     }
     throw host::Failure((first.isEmpty() ? "no command given"_s
-                         : optionsFirst  ? "no command given behind \"%1\""_s.arg(first)
-                                         : "there is no command \"%1\""_s.arg(first)) +
+                         : optionsFirst  ? "no command given behind %1"_s.arg(host::quoted(first))
+                                         : "there is no command %1"_s.arg(host::quoted(first))) +
                             "; tolvane-host --help lists them"_s,
                         host::BadInput);
 }
@@ -120,7 +120,7 @@ int closeOutput(int status)
     std::fputc('\n', stdout);  // only another try tells why
     const QString reason =
         std::fflush(stdout) == 0 ? "not all of it was taken"_s : qt_error_string(errno);
-    QTextStream(stderr) << "tolvane-host: cannot write to standard output: " << reason << '\n';
+    host::tell("cannot write to standard output: %1"_s.arg(reason));
     return host::SomethingFailed;
 }
 
@@ -134,7 +134,10 @@ int main(int argc, char *argv[])
     try {
         return closeOutput(run(QCoreApplication::arguments()));
     } catch (const host::Failure &failure) {
-        QTextStream(stderr) << "tolvane-host: " << QString::fromUtf8(failure.what()) << '\n';
+        host::tell(failure.text());
         return failure.status();
+    } catch (const std::bad_alloc &) {
+        std::fputs("tolvane-host: there is not enough memory for that\n", stderr);
+        return host::SomethingFailed;
     }
 }

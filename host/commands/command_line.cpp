@@ -32,8 +32,9 @@ void CommandLine::read(const QStringList &arguments, int positionalArgumentCount
         showHelp();
     const QStringList given = positionalArguments().mid(1);
     if (given.size() > positionalArgumentCount)
-        throw Failure("unexpected argument \"%1\""_s.arg(given[positionalArgumentCount]) + advice,
-                      BadInput);
+        throw Failure(
+            "unexpected argument %1"_s.arg(quoted(given[positionalArgumentCount])) + advice,
+            BadInput);
 }
 
 void CommandLine::addTagFileOption()

@@ -113,7 +113,7 @@ int explainCommand(const QStringList &arguments)
             BadInput);
 
     const bool isFile =
-        given.size() == 1 && (given.first() == "-"_s || QFileInfo(given.first()).isFile());
+        given.size() == 1 && (given.first() == "-"_s || QFileInfo::exists(given.first()));
     const QVector<ExplainedFrame> frames =
         isFile ? framesFromFile(given.first()) : framesFromText(given);
     QTextStream out(stdout);

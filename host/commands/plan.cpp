@@ -3,6 +3,7 @@
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
+#include "host/output/output_file.h"
 #include "host/output/whole_file.h"
 #include "host/plan/picture.h"
 #include "host/plan/text.h"
@@ -16,6 +17,7 @@ namespace host {
 namespace {
 
 constexpr int LongestTurnaroundMs = 10000;
+constexpr FileKind Picture{"picture of a plan", "<svg .*poll cycle"};
 
 }  // namespace
 
@@ -45,6 +47,8 @@ int planCommand(const QStringList &arguments)
     const QStringList given = commandLine.positionalArguments().mid(1);
     if (given.isEmpty())
         throw Failure("nothing to plan; expected a tag file or addresses"_s, BadInput);
+    if (commandLine.isSet(svg))
+        refuseOtherFile(commandLine.value(svg), Picture);
 
     const Driver driver = loadDriver(commandLine.driverPath());
     const Identity identity = identify(driver);

@@ -24,7 +24,7 @@ QString verdictOn(const Tour &tour, const char *address)
     try {
         return "address number %1"_s.arg(tour.point(address).address);
     } catch (const Failure &refusal) {
-        return QString::fromUtf8(refusal.what());
+        return refusal.text();
     }
 }
 

@@ -1,6 +1,7 @@
 // What the bench host does with files and addresses, without a line: tags and their values, tag
 // files and recipes, a full disk, and what a plan and its picture must hold to.
 #include "host/exchange/controller_process.h"
+#include "host/output/csv.h"
 #include "host/output/failure.h"
 #include "host/output/whole_file.h"
 #include "host/plan/picture.h"
@@ -95,12 +96,20 @@ void TestOffline::values()
         {"D_W:1x2:string:3", {0x6261, 0x63, 0, 0}, "abc,"},
         {"D_W:1:string-be:4", {0x612C, 0x5C00}, "\"a,\\\\\""},
         {"D_W:1:string:4", {0x0041, 0xFC42}, "A\\x00B\xC3\xBC"},
+        {"D_W:1:string:4", {0x6122, 0x2262}, "\"\"\"ab\"\"\""},         // a text in quotes
+        {"D_W:1x3:string:2", {0x313D, 0x2D27, 0x612D}, "'=1,''-,'-a"},  // no formulas
+        {"D_W:1x2:string:2", {0x312D, 0x6127}, "-1,'a"},
     };
     for (const auto &row : rows) {
         const Tag read = tag(row.address);
         QCOMPARE(read.point.count, int(row.units.size()));
-        QCOMPARE(joinedValues(read, row.units), QString(row.text));
-        QCOMPARE(parseValues(read, row.text), row.units);
+        QStringList fields = formatValues(read, row.units);
+        QCOMPARE(parseValues(read, fields), row.units);
+        std::transform(fields.begin(), fields.end(), fields.begin(), csvField);
+        QCOMPARE(fields.join(','), QString(row.text));
+        bool ok = false;
+        QCOMPARE(parseValues(read, csvFields(row.text, ',', &ok)), row.units);
+        QVERIFY(ok);
     }
 }
 
@@ -110,6 +119,7 @@ void TestOffline::badValues()
         {"D_W:1x2", "1,2,3", "expected 2 value"},
         {"D_W:1:int16", "32768", "from -32768 to 32767"},
         {"D_W:1:float", "warm", "a number"},
+        {"D_W:1:bin", "2", "binary"},
         {"TX:1", "2", "0 or 1"},
         {"D_W:1:hex", "12G", "hexadecimal"},
         {"D_W:1:bcd", "10000", "from 0 to 9999"},
@@ -119,8 +129,9 @@ void TestOffline::badValues()
         {"D_W:1:string:4", "\\x+4", "\\x00 to \\xff"},
     };
     for (const auto &[address, text, expected] : rows) {
-        const QString said =
-            refusal([&, where = address, what = text] { parseValues(tag(where), what); });
+        const QString said = refusal([&, where = address, what = text] {
+            parseValues(tag(where), QString(what).split(','));
+        });
         QVERIFY2(said.contains(expected), qPrintable(said));
     }
 }
@@ -132,8 +143,8 @@ void TestOffline::tagFiles()
         {"a, D_W:1 ,int16\r\nb,D_W:2,\n", "^1/1 a 1000 ; 1/2 b 1000 ; $"},
         {"\xEF\xBB\xBF"
          "Station,Unit,Address,NAME,Scale,decimals,offset,comment,,\n"
-         "2,bar,D_W:1,\"low, in,\",0.01,1,-3,\"the \"\"old\"\" one\",,\n,,D_W:2\n,,,,,,,,,\n",
-         "^2/1 low, in, 7.0 bar; 1/2 D_W:2 1000 ; $"},
+         "2,bar,D_W:1,\"'=low, in,\",0.01,1,-3,\"the \"\"old\"\" one\",,\n,,D_W:2\n,,,,,,,,,\n",
+         "^2/1 =low, in, 7.0 bar; 1/2 D_W:2 1000 ; $"},
         {"name;address;scale\na;3/D_W:1;0,5\n", "^3/1 a 500 ; $"},
         {"name,address\n\"a,D_W:1\n", "t.csv:2: .*quote to be closed"},
         {"name,address,colour\n", "t.csv:1: \"colour\": expected columns out of"},
@@ -143,6 +154,10 @@ void TestOffline::tagFiles()
         {"address,station\n1/D_W:1,2\n", "t.csv:2: .*one station"},
         {"address,station\nD_W:1,256\n", "t.csv:2: .*station from 0 to 255"},
         {"f\xFCll,D_W:1\n", "t.csv:1: .*expected text in UTF-8"},
+        {QByteArray("a,D_W:1\nb,D\0_W:2\nc,D_W:3\n", 26),
+         "t.csv:2: \"b,D.x00_W:2\": expected text"},
+        {"a,D_W:1\n\nb,D_W:2\na,D_W:3\n",
+         "^t.csv:4: tag \"a\": .*, t.csv:1$"},
         {",,,\n", "there is no tag in .*t.csv"},
     };
     for (const auto &[text, tags] : rows) {
@@ -153,7 +168,7 @@ void TestOffline::tagFiles()
                 found += QString("%1/%2 %3 %4 %5; ")
                              .arg(tag.point.stationNo)
                              .arg(tag.point.address)
-                             .arg(tag.name, joinedValues(tag, {1000}), tag.unit);
+                             .arg(tag.name, formatValues(tag, {1000}).first(), tag.unit);
         });
         QVERIFY2(hasMatch(found, tags), qPrintable(found));
     }
@@ -162,15 +177,21 @@ void TestOffline::tagFiles()
 void TestOffline::recipesKeepTheirComments()
 {
     save("r.csv",
-         "# mixer 2\n\naddress;values\nD_W:1x2;;\n# name\n2/D_W:5:string:4;\"a;,b\";;\n\n# end\n");
-    QVector<RecipeLine> lines = readRecipeFile(m_driver, m_identity, file("r.csv"), 1);
-    QCOMPARE(lines[1].values, QString("\"a;,b\""));
-    lines[0].values = "7,8";
-    writeRecipeFile(file("r.csv"), lines);
+         "# mixer 2\n\naddress;values\nD_W:1x2;;\n# name\n2/D_W:5:string:4;\"a;,b\";;\n"
+         "D_W:7:float;1,5;\n\n# end\n");
+    Recipe recipe = readRecipeFile(m_driver, m_identity, file("r.csv"), 1);
+    QCOMPARE(recipe.rows[1].values, QStringList("a;,b"));
+    QCOMPARE(recipe.rows[2].values, QStringList("1.5"));
+    recipe.setValues(0, {7, 8});
+    recipe.setValues(2, {0, 0x4010});
+    QCOMPARE(recipe.rowOf(tag("D_W:9"), "D_W:9"), 3);
+    recipe.setValues(3, {9});
+    writeRecipeFile(file("r.csv"), recipe);
     QFile written(file("r.csv"));
     QVERIFY(written.open(QIODevice::ReadOnly));
-    QCOMPARE(written.readAll(), QByteArray("# mixer 2\n\naddress,values\nD_W:1x2,7,8\n# name\n"
-                                           "2/D_W:5:string:4,\"a;,b\"\n\n# end\n"));
+    QCOMPARE(written.readAll(),
+             QByteArray("# mixer 2\n\naddress;values\nD_W:1x2;7;8\n# name\n"
+                        "2/D_W:5:string:4;\"a;,b\";;\nD_W:7:float;2,25\n\n# end\nD_W:9;9\n"));
 }
 
 void TestOffline::incompleteRecipeReadIsNone()
@@ -184,8 +205,8 @@ void TestOffline::incompleteRecipeReadIsNone()
     RecipeTransfer transfer(
         connection, parseTags(connection.driver(), connection.identity(), {"D_W:0x300"}, 1));
     connection.open(Purpose::Reading);
-    // As if the driver told of the first block's words only.
-    transfer.progress = [&](int, int, int) { connection.session().recipeUnitRead = nullptr; };
+    // As if the driver told of the first words only.
+    connection.session().setRecipe({tag("D_W:0x100").point});
     QVERIFY_EXCEPTION_THROWN(transfer.read(), Failure);
 }
 
@@ -194,7 +215,7 @@ void TestOffline::fullDiskKeepsTheOldFile()
     const char *const full = "No space left on device";
     QVERIFY(refusal([] { replaceFile("/dev/full", "text"); }, SomethingFailed).contains(full));
     const QString script =
-        "mount -t tmpfs -o size=16k none %1 && cd %1 || exit 99; echo old | tee r.csv > i.csv; "
+        "mount -t tmpfs -o size=16k none %1 && cd %1 || exit 99; echo '#old' | tee r.csv > i.csv; "
         "head -c 99999 /dev/zero > filler; %2 recipe pull r.csv D_W:1 --simulate; echo host $?; "
         "echo D,1,5 > i.csv; %3 --still --save --image i.csv > %1.out & "
         "until [ -s %1.out ]; do sleep 0.01; done; kill $!; wait $!; echo plc $?; cat r.csv i.csv";
@@ -203,7 +224,7 @@ void TestOffline::fullDiskKeepsTheOldFile()
         "unshare", {"-rm", "sh", "-c", script.arg(file("disk"), HOST_PROGRAM, PLC_PROGRAM)});
     if (result.status != 0)
         QSKIP("a full file system cannot be mounted here");
-    QCOMPARE(result.out, QString("host 1\nplc 1\nold\nD,1,5\n"));
+    QCOMPARE(result.out, QString("host 1\nplc 1\n#old\nD,1,5\n"));
     QCOMPARE(result.err.count(full), 3);  // head says it, too
 }
 

@@ -75,4 +75,4 @@ The README's examples, and what is refused.
   tolvane-host: --turnaround "x": expected a number from 0 to 10000
   [2]
   tolvane-host: cannot write /nowhere/plan.svg: No such file or directory
-  [2]
+  [1]
