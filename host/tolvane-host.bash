@@ -63,8 +63,7 @@ _tolvane_host()
         fi
         ;;
     soak)
-        candidates="--exchanges --faults --seed --overwrite --port --tcp --serial --pace --timeout
-            --quiet --listen --json"
+        candidates="--exchanges --faults --seed --serial --pace --timeout --quiet --listen --json"
         ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates --driver --help" -- "$word")
