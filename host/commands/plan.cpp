@@ -1,5 +1,4 @@
 // tolvane-host plan: what one poll cycle will be, before any cable is plugged in.
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
@@ -9,8 +8,6 @@
 
 #include <QtCore/QJsonDocument>
 
-#include <limits>
-
 namespace host {
 
 namespace {
@@ -19,33 +16,8 @@ constexpr int LongestTurnaroundMs = 10000;
 
 }  // namespace
 
-int planCommand(const QStringList &arguments)
+int planCommand(const CommandLine &commandLine)
 {
-    CommandLine commandLine(
-        "plan"_s,
-        "What one poll cycle of these tags will be: the driver's requests, what "
-        "they cost on the\nline, and what is saved by reading tags together. "
-        "No line is opened."_s);
-    commandLine.addPositionalArgument(
-        "tags"_s, "A tag file (CSV: name,address,format), or addresses such as D_W:100x10."_s,
-        "TAGS..."_s);
-    addConnectionOptions(commandLine, {"serial"_s, "station"_s, "block-limit"_s});
-    const QCommandLineOption turnaround(
-        "turnaround"_s, "What the controller takes from a request to its reply (default: 0)."_s,
-        "ms"_s, "0"_s);
-    const QCommandLineOption suggest("suggest"_s,
-                                     "Also find the block limit with the shortest cycle."_s);
-    const QCommandLineOption svg("svg"_s,
-                                 "Draw the cycle into this file; - draws it to standard output, "
-                                 "instead of the text."_s,
-                                 "file"_s);
-    commandLine.addOptions({turnaround, suggest, svg});
-    commandLine.addJsonOption("Print a JSON object.");
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    const QStringList given = commandLine.positionalArguments().mid(1);
-    if (given.isEmpty())
-        throw Failure("nothing to plan; expected a tag file or addresses"_s, BadInput);
-
     const Driver driver = loadDriver(commandLine.driverPath());
     const Identity identity = identify(driver);
     Plan plan;
@@ -55,7 +27,7 @@ int planCommand(const QStringList &arguments)
     plan.line.turnaround = std::chrono::milliseconds(
         numberOption(commandLine, "turnaround"_s, 0, LongestTurnaroundMs));
     plan.blockLimit = blockLimitOption(commandLine);
-    plan.tags = parseTags(driver, identity, given, stationOption(commandLine));
+    plan.tags = parseTags(driver, identity, commandLine.given(), stationOption(commandLine));
     QVector<Point> points;
     for (const Tag &tag : std::as_const(plan.tags))
         points.append(tag.point);
@@ -67,13 +39,14 @@ int planCommand(const QStringList &arguments)
     assignTags(plan.blocks, plan.tags);
     plan.costs = costsOf(plan.blocks, plan.line);
     plan.oneByOne = costsOneByOne(driver, session, identity, points, plan.line);
-    if (commandLine.isSet(suggest))
+    if (commandLine.isSet("suggest"_s))
         plan.best = bestBlockLimit(driver, session, identity, points, plan.line,
                                    {plan.blockLimit, plan.costs});
 
-    if (commandLine.isSet(svg))
-        replaceFile(commandLine.value(svg), drawPlan(driver, plan));
-    if (commandLine.value(svg) == "-"_s)
+    const QString svg = commandLine.value("svg"_s);
+    if (!svg.isEmpty())
+        replaceFile(svg, drawPlan(driver, plan));
+    if (svg == "-"_s)
         return AllRight;
     QTextStream out(stdout);
     if (commandLine.asJson())
