@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <new>
 
 namespace {
 
@@ -103,14 +104,16 @@ const host::Command Commands[] = {
      {host::TagsOption}},
     {"recipe",
      "many values at once, to a file or from it",
-     "pull: reads the file's addresses, or those given, and writes the file with their values.\n"
+     "pull: reads the file's addresses, or those given, and puts their values into the file.\n"
      "push: writes the file's values, reads them back and compares.\n"
      "The file is CSV: address,value,value,...",
      host::recipeCommand,
      Json::Lines,
      {{"pull|push", "pull or push."},
       {"FILE", "The recipe; - for pull to standard output."},
-      {"[ADDRESS...]", "For pull, to begin a recipe: such as D_W:100x10:float or M_bit:20.5x8."}},
+      {"[ADDRESS...]",
+       "For pull, beside what the file holds or in its place: such as D_W:100x10:float or "
+       "M_bit:20.5x8."}},
      nullptr,
      "",
      {host::TagsOption}},
@@ -177,8 +180,7 @@ int runCommand(const host::Command &command, const QStringList &arguments)
     try {
         return command.run(host::CommandLine(command, arguments));
     } catch (const host::Failure &failure) {
-        const QJsonObject object{{"quality"_s, "bad"_s},
-                                 {"reason"_s, QString::fromUtf8(failure.what())}};
+        const QJsonObject object{{"quality"_s, "bad"_s}, {"reason"_s, failure.text()}};
         if (command.json == Json::None || !arguments.contains("--json"_s))
             throw;
         if (command.json == Json::Lines)
@@ -215,8 +217,8 @@ int run(QStringList arguments)
             break;
     }
     throw host::Failure((first.isEmpty() ? "no command given"_s
-                         : optionsFirst  ? "no command given behind \"%1\""_s.arg(first)
-                                         : "there is no command \"%1\""_s.arg(first)) +
+                         : optionsFirst  ? "no command given behind %1"_s.arg(host::quoted(first))
+                                         : "there is no command %1"_s.arg(host::quoted(first))) +
                             "; tolvane-host --help lists them"_s,
                         host::BadInput);
 }
@@ -229,7 +231,7 @@ int closeOutput(int status)
     std::fputc('\n', stdout);  // only another try tells why
     const QString reason =
         std::fflush(stdout) == 0 ? "not all of it was taken"_s : qt_error_string(errno);
-    QTextStream(stderr) << "tolvane-host: cannot write to standard output: " << reason << '\n';
+    host::tell("cannot write to standard output: %1"_s.arg(reason));
     return host::SomethingFailed;
 }
 
@@ -243,7 +245,10 @@ int main(int argc, char *argv[])
     try {
         return closeOutput(run(QCoreApplication::arguments()));
     } catch (const host::Failure &failure) {
-        QTextStream(stderr) << "tolvane-host: " << QString::fromUtf8(failure.what()) << '\n';
+        host::tell(failure.text());
         return failure.status();
+    } catch (const std::bad_alloc &) {
+        std::fputs("tolvane-host: there is not enough memory for that\n", stderr);
+        return host::SomethingFailed;
     }
 }

@@ -85,6 +85,6 @@ void setRange(VARIABLE &item, const AddressSpan &span)
 
 void notifyHost(int first, int stationNo, QString text, int address)
 {
-    if (driver.valueChangeCallBack)
-        driver.valueChangeCallBack(first, stationNo, text, address);
+    if (driver.settings.valueChangeCallBack)
+        driver.settings.valueChangeCallBack(first, stationNo, text, address);
 }

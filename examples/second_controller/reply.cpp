@@ -48,7 +48,7 @@ quint16 crc16(const unsigned char *bytes, int length)
 
 int check_rcv_data(const unsigned char *reply, int length)
 {
-    const FRAME_PRO &request = driver.frameList.at(0);
+    const FRAME_PRO &request = driver.loop.frameList.at(0);
     if (length < RefusalBytes || crc16(reply, length) != 0 || reply[0] != request.frame[0])
         return FailedExchange;
     if (reply[1] == (request.frame[1] | RefusedFlag))

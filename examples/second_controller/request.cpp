@@ -89,10 +89,10 @@ void getWriteFrame(const VARIABLE &item)
 
 void appendMergedWrite(const QByteArray &reply, const RegisterType &type)
 {
-    const VARIABLE item = driver.frameList.at(0).var;
-    const int words = driver.frameList.at(0).readCount;
+    const VARIABLE item = driver.loop.frameList.at(0).var;
+    const int words = driver.loop.frameList.at(0).readCount;
     quint16 values[MaxRegistersPerRead];
-    readReplyValues(reply, driver.frameList.at(0), type, values);
+    readReplyValues(reply, driver.loop.frameList.at(0), type, values);
     for (int i = 0; i < item.count; ++i) {
         const int position = bitInWord(item.startAddr) + i;
         const int bitMask = 1 << position % BitsPerWord;
@@ -104,5 +104,5 @@ void appendMergedWrite(const QByteArray &reply, const RegisterType &type)
 
 void handShakeFrame()
 {
-    driver.frameList.append(FRAME_PRO());
+    driver.loop.frameList.append(FRAME_PRO());
 }

@@ -71,9 +71,9 @@ public:
 private:
     static FRAME_PRO &append(const VARIABLE &item)
     {
-        driver.frameList.append(FRAME_PRO());
-        driver.frameList.last().var = item;
-        return driver.frameList.last();
+        driver.loop.frameList.append(FRAME_PRO());
+        driver.loop.frameList.last().var = item;
+        return driver.loop.frameList.last();
     }
 };
 

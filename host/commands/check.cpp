@@ -41,7 +41,7 @@ int checkCommand(const CommandLine &commandLine)
             object.insert("count"_s, point.count);
         } catch (const Failure &failure) {
             ++refused;
-            verdict = QString::fromUtf8(failure.what());
+            verdict = failure.text();
             object.insert("reason"_s, verdict);
         }
         object.insert("source"_s, text.source);

@@ -47,7 +47,7 @@ CommandLine::CommandLine(const Command &command, const QStringList &arguments)
     if (isSet("help"_s))
         showHelp();
     if (given().size() > most)
-        throw Failure("unexpected argument \"%1\""_s.arg(given()[most]) + advice, BadInput);
+        throw Failure("unexpected argument %1"_s.arg(quoted(given()[most])) + advice, BadInput);
     if (command.missing && given().isEmpty() && tagFiles().isEmpty())
         throw Failure(QLatin1String(command.missing), BadInput);
 }

@@ -95,7 +95,7 @@ int explainCommand(const CommandLine &commandLine)
             BadInput);
 
     const bool isFile =
-        given.size() == 1 && (given.first() == "-"_s || QFileInfo(given.first()).isFile());
+        given.size() == 1 && (given.first() == "-"_s || QFileInfo::exists(given.first()));
     const QVector<ExplainedFrame> frames =
         isFile ? framesFromFile(given.first()) : framesFromText(given);
     const bool onlyWrong = commandLine.isSet("wrong"_s);

@@ -2,9 +2,10 @@
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
+#include "host/output/output_file.h"
 #include "host/output/whole_file.h"
 #include "host/plan/picture.h"
-#include "host/plan/plan_text.h"
+#include "host/plan/text.h"
 
 #include <QtCore/QJsonDocument>
 
@@ -13,37 +14,28 @@ namespace host {
 namespace {
 
 constexpr int LongestTurnaroundMs = 10000;
+constexpr FileKind Picture{"picture of a plan", "<svg .*poll cycle"};
 
 }  // namespace
 
 int planCommand(const CommandLine &commandLine)
 {
+    const QString svg = commandLine.value("svg"_s);
+    if (!svg.isEmpty())
+        refuseOtherFile(svg, Picture);
     const Driver driver = loadDriver(commandLine.driverPath());
     const Identity identity = identify(driver);
-    Plan plan;
+    PlannedLine line;
     const QString serial = commandLine.value("serial"_s);
-    plan.lineText = serial.isEmpty() ? identity.serialLine : serial;
-    plan.line.serial = serialOption(commandLine, identity);
-    plan.line.turnaround = std::chrono::milliseconds(
+    line.text = serial.isEmpty() ? identity.serialLine : serial;
+    line.serial = serialOption(commandLine, identity);
+    line.turnaround = std::chrono::milliseconds(
         numberOption(commandLine, "turnaround"_s, 0, LongestTurnaroundMs));
-    plan.blockLimit = blockLimitOption(commandLine);
-    plan.tags = parseTags(driver, identity, commandLine.given(), stationOption(commandLine));
-    QVector<Point> points;
-    for (const Tag &tag : std::as_const(plan.tags))
-        points.append(tag.point);
+    const QVector<Tag> tags =
+        parseTags(driver, identity, commandLine.given(), stationOption(commandLine));
+    const Plan plan = planCycle(driver, tags, line, blockLimitOption(commandLine),
+                                commandLine.isSet("suggest"_s));
 
-    SessionSettings settings;
-    settings.blockLimit = plan.blockLimit;
-    Session session(driver, settings);
-    plan.blocks = walkCycle(driver, session, identity, points);
-    assignTags(plan.blocks, plan.tags);
-    plan.costs = costsOf(plan.blocks, plan.line);
-    plan.oneByOne = costsOneByOne(driver, session, identity, points, plan.line);
-    if (commandLine.isSet("suggest"_s))
-        plan.best = bestBlockLimit(driver, session, identity, points, plan.line,
-                                   {plan.blockLimit, plan.costs});
-
-    const QString svg = commandLine.value("svg"_s);
     if (!svg.isEmpty())
         replaceFile(svg, drawPlan(driver, plan));
     if (svg == "-"_s)

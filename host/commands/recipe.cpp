@@ -2,81 +2,36 @@
 #include "host/commands/commands.h"
 #include "host/output/failure.h"
 #include "host/output/output_file.h"
-#include "host/output/table.h"
 #include "host/tags/recipe_file.h"
 #include "host/tags/recipe_transfer.h"
 #include "host/tags/tag_reader.h"
 #include "host/tags/tag_text.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
-
-#include <unistd.h>
 
 namespace host {
 
 namespace {
 
-constexpr int BarWidth = 40;
-
-/** A bar over the blocks while they travel; only where somebody can see it. */
-class ProgressBar
+// What is to be read: the file's rows, or what is asked for, beside those or in their places.
+QVector<int> rowsToPull(const Connection &connection, const QString &path,
+                        const QVector<TagText> &asked, Recipe &recipe)
 {
-public:
-    explicit ProgressBar(const QString &title)
-        : m_title(title), m_shown(::isatty(STDERR_FILENO) == 1)
-    {
-    }
-    ~ProgressBar()
-    {
-        if (m_shown)
-            QTextStream(stderr) << '\n';
-    }
-    ProgressBar(const ProgressBar &) = delete;
-    ProgressBar &operator=(const ProgressBar &) = delete;
-
-    /** To be called after each block; empty where nobody sees the bar. */
-    std::function<void(int blocks, int units, int allUnits)> progress() const
-    {
-        if (!m_shown)
-            return nullptr;
-        return [title = m_title](int blocks, int units, int allUnits) {
-            const int done = int(qint64(BarWidth) * qMin(units, allUnits) / allUnits);
-            QTextStream(stderr) << '\r' << title << " [" << QString(done, QLatin1Char('#'))
-                                << QString(BarWidth - done, QLatin1Char(' ')) << "] " << units
-                                << " of " << allUnits << " in " << countText(blocks, "block");
-        };
-    }
-
-private:
-    QString m_title;
-    bool m_shown;
-};
-
-QVector<Tag> tagsOf(const QVector<RecipeLine> &lines)
-{
-    QVector<Tag> tags;
-    for (const RecipeLine &line : lines)
-        tags.append(line.tag);
-    return tags;
-}
-
-// The lines that a recipe begins with: those of its file, or what is asked for.
-QVector<RecipeLine> linesToPull(Connection &connection, const QString &path,
-                                const QStringList &addresses, const QStringList &tagFiles)
-{
-    if (addresses.isEmpty() && tagFiles.isEmpty() && path == "-"_s)
-        throw Failure("nothing to pull; expected ADDRESS... or --tags FILE"_s, BadInput);
-    if (addresses.isEmpty() && tagFiles.isEmpty())
-        return readRecipeFile(connection.driver(), connection.identity(), path,
-                              connection.stationNo());
-    QVector<RecipeLine> lines;
-    for (TagText text : collectTags(addresses, tagFiles)) {
+    const QFileInfo file(path);
+    if (asked.isEmpty() || (path != "-"_s && file.isFile() && file.size() > 0))
+        recipe = readRecipeFile(connection.driver(), connection.identity(), path,
+                                connection.stationNo());
+    QVector<int> rows;
+    for (TagText text : asked) {
         text.scaling = Form();  // a recipe holds what the controller holds
-        lines.append(
-            {parseTag(connection.driver(), connection.identity(), text, connection.stationNo()),
-             text.address, QString()});
+        const Tag tag =
+            parseTag(connection.driver(), connection.identity(), text, connection.stationNo());
+        rows.append(recipe.rowOf(tag, text.address));
     }
-    return lines;
+    for (int row = 0; asked.isEmpty() && row < int(recipe.rows.size()); ++row)
+        rows.append(row);
+    return rows;
 }
 
 /** Objects as lines of JSON, each on its way when it is written. */
@@ -86,69 +41,64 @@ public:
     void write(const QJsonObject &object) { m_file.write(jsonLine(object)); }
 
 private:
-    OutputFile m_file{"-"_s, OutputFile::Anew};
+    OutputFile m_file{"-"_s, FileKind()};
 };
 
-int pull(Connection &connection, const QString &path, const QStringList &addresses,
-         const QStringList &tagFiles, bool asJson)
+int pull(Connection &connection, const QString &path, const QVector<TagText> &asked, bool asJson)
 {
-    QVector<RecipeLine> lines = linesToPull(connection, path, addresses, tagFiles);
-    const RecipeTransfer pushable(connection, tagsOf(lines));  // throws where a push would
-    const ProgressBar bar("pull"_s);
-    const QVector<TagReading> readings = readTags(connection, tagsOf(lines), bar.progress());
+    Recipe recipe;
+    const QVector<int> rows = rowsToPull(connection, path, asked, recipe);
+    if (rows.isEmpty())
+        throw Failure("there is no address in %1"_s.arg(path), BadInput);
+    const RecipeTransfer pushable(connection, recipe.tags());  // throws where a push would
+    QVector<Tag> tags;
+    for (const int row : rows)
+        tags.append(recipe.rows[row].tag);
+    const QVector<TagReading> readings = readTags(connection, tags);
     JsonLines json;
-    for (int i = 0; asJson && i < int(lines.size()); ++i)
-        json.write(readingObject(connection, lines[i].tag, readings[i]));
-    for (int i = 0; i < int(lines.size()); ++i) {
+    for (int i = 0; asJson && i < int(tags.size()); ++i)
+        json.write(readingObject(connection, tags[i], readings[i]));
+    for (int i = 0; i < int(tags.size()); ++i) {
         if (!readings[i].error.isEmpty()) {
-            QTextStream(stderr) << "tolvane-host: " << lines[i].address << ": " << readings[i].error
-                                << "; nothing was written\n";
+            tell("%1: %2; nothing was written"_s.arg(tags[i].name, readings[i].error));
             return SomethingFailed;
         }
-        lines[i].values = joinedValues(lines[i].tag, readings[i].units);
+        recipe.setValues(rows[i], readings[i].units);
     }
     if (!asJson || path != "-"_s)
-        writeRecipeFile(path, lines);
+        writeRecipeFile(path, recipe);
     return connection.traceFailed() ? SomethingFailed : AllRight;
-}
-
-QVector<QVector<int>> pushAndRead(RecipeTransfer &transfer, const QVector<QVector<int>> &values)
-{
-    {
-        const ProgressBar bar("push"_s);
-        transfer.progress = bar.progress();
-        transfer.write(values);
-    }
-    const ProgressBar bar("check"_s);
-    transfer.progress = bar.progress();
-    return transfer.read();
 }
 
 int push(Connection &connection, const QString &path, bool asJson)
 {
-    const QVector<RecipeLine> lines =
+    const Recipe recipe =
         readRecipeFile(connection.driver(), connection.identity(), path, connection.stationNo());
+    if (recipe.rows.isEmpty())
+        throw Failure("there is no address in %1"_s.arg(path), BadInput);
     QVector<QVector<int>> wanted;
-    for (const RecipeLine &line : lines)
-        wanted.append(parseValues(line.tag, line.values));
-    RecipeTransfer transfer(connection, tagsOf(lines));
-    QVector<QVector<int>> found(lines.size());
+    for (const RecipeRow &row : recipe.rows)
+        wanted.append(parseValues(row.tag, row.values));
+    RecipeTransfer transfer(connection, recipe.tags());
+    QVector<QVector<int>> found(wanted.size());
     QString failure;
     try {
         connection.open(Purpose::Writing);
-        found = pushAndRead(transfer, wanted);
+        transfer.write(wanted);
+        found = transfer.read();
     } catch (const Failure &thrown) {
         if (!asJson || thrown.status() == BadInput)
             throw;
-        failure = QString::fromUtf8(thrown.what());
-        QTextStream(stderr) << "tolvane-host: " << failure << '\n';
+        failure = thrown.text();
+        tell(failure);
     }
 
     QTextStream out(stdout);
     JsonLines json;
     int differing = 0;
-    for (int i = 0; i < int(lines.size()); ++i) {
-        const Tag &tag = lines[i].tag;
+    for (int i = 0; i < int(wanted.size()); ++i) {
+        const RecipeRow &row = recipe.rows[i];
+        const Tag &tag = row.tag;
         const bool alike = found[i] == wanted[i];
         differing += alike ? 0 : 1;
         if (asJson) {
@@ -159,11 +109,12 @@ int push(Connection &connection, const QString &path, bool asJson)
         }
         if (asJson || alike)
             continue;
-        out << lines[i].address << ": wrote " << lines[i].values << ", the controller holds "
-            << joinedValues(lines[i].tag, found[i]) << '\n';
+        out << row.address << ": wrote " << row.values.join(QLatin1Char(','))
+            << ", the controller holds " << formatValues(tag, found[i]).join(QLatin1Char(','))
+            << '\n';
     }
     if (!asJson)
-        out << lines.size() - differing << " of " << lines.size()
+        out << wanted.size() - differing << " of " << wanted.size()
             << " addresses written and read back alike\n";
     return differing == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
@@ -178,17 +129,20 @@ int recipeCommand(const CommandLine &commandLine)
     const QStringList addresses = given.mid(2);
     const bool isPush = direction == "push"_s;
     if (!isPush && direction != "pull"_s)
-        throw Failure("recipe \"%1\": expected pull or push"_s.arg(direction), BadInput);
+        throw Failure("recipe %1: expected pull or push"_s.arg(quoted(direction)), BadInput);
     if (path.isEmpty())
         throw Failure("no recipe file given; expected %1 FILE"_s.arg(direction), BadInput);
     const QStringList unasked = addresses + commandLine.tagFiles();
     if (isPush && !unasked.isEmpty())
         throw Failure(
-            "unexpected \"%1\": push takes its addresses from the file"_s.arg(unasked.first()),
+            "unexpected %1: push takes its addresses from the file"_s.arg(quoted(unasked.first())),
             BadInput);
+    if (!isPush && path == "-"_s && unasked.isEmpty())
+        throw Failure("nothing to pull; expected ADDRESS... or --tags FILE"_s, BadInput);
     Connection connection(commandLine);
     return isPush ? push(connection, path, commandLine.asJson())
-                  : pull(connection, path, addresses, commandLine.tagFiles(), commandLine.asJson());
+                  : pull(connection, path, collectTags(addresses, commandLine.tagFiles()),
+                         commandLine.asJson());
 }
 
 }  // namespace host

@@ -68,8 +68,9 @@ LineTime durationOption(const QString &text)
     bool isNumber = false;
     const double seconds = text.toDouble(&isNumber);
     if (!isNumber || !(seconds > 0) || seconds > 1e9)
-        throw Failure("--for \"%1\": expected seconds, above 0 and up to 1000000000"_s.arg(text),
-                      BadInput);
+        throw Failure(
+            "--for %1: expected seconds, above 0 and up to 1000000000"_s.arg(quoted(text)),
+            BadInput);
     return std::chrono::duration_cast<LineTime>(std::chrono::duration<double>(seconds));
 }
 
@@ -115,14 +116,17 @@ std::vector<ValueLog> openLogs(const Wishes &wishes, Zone zone, const QVector<Wa
 
 /** Polls until the time is up or the user ends it; returns how long that took. */
 LineTime poll(Connection &connection, Watch &watch, LineTime duration,
-              std::optional<Screen> &screen)
+              std::optional<Screen> &screen, std::vector<ValueLog> &logs)
 {
     Line &line = connection.line();
     const LineTime start = line.now();
     LatelyUsed lately(start);
     LineTime nextDrawing = start;
-    const auto draw = [&] {
+    const auto goOn = [&] {
         const LineTime now = line.now();
+        if (hungUp())
+            for (ValueLog &log : logs)
+                log.reopen();
         if (screen && now >= nextDrawing) {
             nextDrawing = now + DrawEvery;
             watch.values().sample();
@@ -136,7 +140,7 @@ LineTime poll(Connection &connection, Watch &watch, LineTime duration,
             watch.take(exchange, line.now());
     };
     watch.run(
-        line, [&] { return connection.step(); }, duration, draw);
+        line, [&] { return connection.step(); }, duration, goOn);
     connection.observer = nullptr;
     return line.now() - start;
 }
@@ -156,9 +160,10 @@ int close(Connection &connection, const Watch &watch, const Wishes &wishes, Line
         json->write({{"statistics"_s, watch.statistics().object(now)}});
     else if (wishes.tables)
         watch.statistics().print(err << '\n', now);
+    err.flush();
     const QStringList notGood = watch.notGood();
     for (const QString &line : notGood)
-        err << "tolvane-host: no good value at the end; " << line << '\n';
+        tell("no good value at the end; %1"_s.arg(line));
     return notGood.isEmpty() && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
@@ -177,6 +182,9 @@ int watchCommand(const CommandLine &commandLine)
     std::vector<ValueLog> logs = openLogs(wishes, connection.zone(), watch.values().all());
 
     catchInterrupts();
+    // Where a terminal is shown, the signal says that it has gone.
+    if (!wishes.table && !(wishes.csv + commandLine.value("trace"_s)).isEmpty())
+        catchHangUps();
     connection.open(Purpose::Reading);
     std::optional<Screen> screen;
     watch.report = [&](const QVector<int> &which, LineTime at) {
@@ -188,11 +196,11 @@ int watchCommand(const CommandLine &commandLine)
     connection.say = watch.say = [&](const QString &text) {
         if (screen)
             screen->makeRoom();
-        QTextStream(stderr) << "tolvane-host: " << text << '\n';
+        tell(text);
     };
     if (wishes.table)
         screen.emplace();
-    const LineTime duration = poll(connection, watch, wishes.duration, screen);
+    const LineTime duration = poll(connection, watch, wishes.duration, screen, logs);
     screen.reset();
     return close(connection, watch, wishes, duration, wishes.json ? &logs.back() : nullptr);
 }

@@ -1,6 +1,7 @@
 // tolvane-host write: values to addresses, each with what came of it.
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
+#include "host/output/csv.h"
 #include "host/output/failure.h"
 #include "host/tags/tag_text.h"
 
@@ -39,14 +40,21 @@ QVector<Assignment> parseAssignments(const Connection &connection, const QString
         const QString target = argument.left(equals);
         if (equals < 1 || !target.contains(QLatin1Char(':')))
             throw Failure(
-                "argument %1: \"%2\": expected ADDRESS=VALUE, such as D_W:100=5"_s.arg(i + 1).arg(
-                    argument),
+                "argument %1: %2: expected ADDRESS=VALUE, such as D_W:100=5"_s.arg(i + 1).arg(
+                    quoted(argument)),
                 BadInput);
         const int nameEnd = int(target.indexOf(QLatin1Char('=')));
         const Tag tag =
             parseTag(connection.driver(), connection.identity(), target.left(qMax(0, nameEnd)),
                      target.mid(nameEnd + 1), connection.stationNo(), "argument %1"_s.arg(i + 1));
-        assignments.append({tag, parseValues(tag, argument.mid(equals + 1))});
+        bool ok = false;
+        const QString values = argument.mid(equals + 1);
+        const QStringList fields = csvFields(values, QLatin1Char(','), &ok);
+        if (!ok)
+            throw Failure("%1: %2: expected each quote to be closed at its value's end"_s.arg(
+                              tag.name, quoted(values)),
+                          BadInput);
+        assignments.append({tag, parseValues(tag, fields)});
     }
     return assignments;
 }
@@ -81,7 +89,7 @@ Result carry(Connection &connection, const Assignment &assignment)
     try {
         connection.finish();
     } catch (const Failure &failure) {
-        lost = QString::fromUtf8(failure.what());
+        lost = failure.text();
     }
     connection.observer = nullptr;
     result.failure = failureOf(connection.driver(), result.pieces, assignment.tag.stationNamed);

@@ -17,7 +17,7 @@ enum Validity { Valid, WrongKind, OutOfRange, UnknownType, NoAddress };
 
 Failure refuse(const QString &text, const QString &why)
 {
-    return Failure("address \"%1\": %2"_s.arg(text, why), BadInput);
+    return Failure("address %1: %2"_s.arg(quoted(text), why), BadInput);
 }
 
 QString typeNames(const Identity &identity)
@@ -47,8 +47,8 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
     point.count = values * unitsPerValue;
     const RegisterType *type = identity.type(point.regName);
     if (!type)
-        throw refuse(text, "no register type \"%1\"; there are\n  %2"_s.arg(point.regName,
-                                                                            typeNames(identity)));
+        throw refuse(text, "no register type %1; there are\n  %2"_s.arg(quoted(point.regName),
+                                                                        typeNames(identity)));
     point.isBit = type->isBit;
 
     const int verdict = driver.checkAddrValidity(point.regName, match.captured(2), &point.address,
@@ -56,7 +56,7 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
     if (verdict == NoAddress)
         throw refuse(
             text,
-            "\"%1\" is no address of the form %2"_s.arg(match.captured(2), type->pattern) +
+            "%1 is no address of the form %2"_s.arg(quoted(match.captured(2)), type->pattern) +
                 QLatin1String(type->pattern.contains(QLatin1Char('.')) ? ", with a bit from 0 to 15"
                                                                        : ""));
     if (verdict == OutOfRange)

@@ -6,8 +6,6 @@
 #include "host/line/tcp_line.h"
 #include "host/output/failure.h"
 
-#include <QtCore/QTextStream>
-
 #include <unistd.h>
 
 namespace host {
@@ -29,7 +27,7 @@ Driver driverOf(const QCommandLineParser &parser)
 }  // namespace
 
 Connection::Connection(const QCommandLineParser &parser)
-    : say([](const QString &text) { QTextStream(stderr) << "tolvane-host: " << text << '\n'; }),
+    : say(tell),
       m_driver(driverOf(parser)),
       m_identity(identify(m_driver)),
       m_options(parser, m_identity)
@@ -70,7 +68,7 @@ QString Connection::tryToOpen(Purpose purpose)
     } catch (const Failure &failure) {
         if (failure.status() == BadInput)
             throw;
-        return QString::fromUtf8(failure.what());
+        return failure.text();
     }
     return QString();
 }
@@ -84,7 +82,7 @@ void Connection::trace(const Exchange &exchange)
     } catch (const Failure &failure) {
         m_trace.reset();
         m_traceFailed = true;
-        say("%1; the trace ends here"_s.arg(QString::fromUtf8(failure.what())));
+        say("%1; the trace ends here"_s.arg(failure.text()));
     }
 }
 

@@ -31,10 +31,11 @@ int numberOption(const QCommandLineParser &parser, const QString &name, int lowe
     bool isNumber = false;
     const int number = parser.value(name).toInt(&isNumber);
     if (!isNumber || number < lowest || number > highest)
-        throw Failure("--%1 \"%2\": expected a number from %3 to %4"_s.arg(name, parser.value(name))
-                          .arg(lowest)
-                          .arg(highest),
-                      BadInput);
+        throw Failure(
+            "--%1 %2: expected a number from %3 to %4"_s.arg(name, quoted(parser.value(name)))
+                .arg(lowest)
+                .arg(highest),
+            BadInput);
     return number;
 }
 
@@ -87,7 +88,7 @@ LinePace paceOptions(const QCommandLineParser &parser, const Identity &identity)
 {
     const QString text = parser.value(optionName("pace"));
     if (text != "line"_s && text != "none"_s)
-        throw Failure("--pace \"%1\": expected line or none"_s.arg(text), BadInput);
+        throw Failure("--pace %1: expected line or none"_s.arg(quoted(text)), BadInput);
     return {serialOption(parser, identity), text == "none"_s};
 }
 

@@ -7,6 +7,8 @@ namespace host {
 
 namespace {
 
+constexpr FileKind TraceFile{"trace", "^[-0-9T:.]+(Z|[-+:0-9]+)  (->|<-)  "};
+
 QString meaningOf(const FrameReading &reading)
 {
     if (reading.fault.isEmpty() || reading.text.isEmpty())
@@ -15,6 +17,10 @@ QString meaningOf(const FrameReading &reading)
 }
 
 }  // namespace
+
+Trace::Trace(const QString &path, Zone zone) : m_file(path, TraceFile), m_zone(zone)
+{
+}
 
 void Trace::write(const Exchange &exchange)
 {

@@ -16,11 +16,8 @@ namespace host {
 class Trace
 {
 public:
-    /** Starts the file anew. Throws Failure (bad input) when it cannot be written. */
-    explicit Trace(const QString &path, Zone zone = Zone::Utc)
-        : m_file(path, OutputFile::Anew), m_zone(zone)
-    {
-    }
+    /** Begins the file anew. Throws Failure when it cannot be written, or is no trace. */
+    explicit Trace(const QString &path, Zone zone = Zone::Utc);
 
     /**
      * Writes what was thrown away, the request, the replies that were refused and the reply, with

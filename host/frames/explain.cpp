@@ -2,10 +2,11 @@
 #include "host/frames/explain.h"
 
 #include "host/output/failure.h"
+#include "host/output/text_file.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 
+#include <cctype>
 #include <climits>
 #include <utility>
 
@@ -17,6 +18,9 @@ constexpr char Stx = 0x02;
 constexpr char Etx = 0x03;
 constexpr char Eot = 0x04;
 constexpr char Ack = 0x06;
+
+const QString Gap = "  "_s;  // between the parts of a line
+const QString Refused = "refused: "_s;
 
 bool opens(char byte)
 {
@@ -71,11 +75,31 @@ private:
     bool m_answered = false;  // it was
 };
 
+bool isDigit(QChar sign)
+{
+    return sign.unicode() < 0x80 && std::isxdigit(sign.unicode()) != 0;
+}
+
+// The hex pairs that a text begins with, one blank or none between them; `end` is behind the last.
+QByteArray leadingPairs(const QString &text, int *end)
+{
+    QByteArray bytes;
+    *end = 0;
+    for (int at = 0; at + 1 < int(text.size()) && isDigit(text[at]) && isDigit(text[at + 1]);) {
+        bytes += char(text.mid(at, 2).toInt(nullptr, 16));
+        *end = at + 2;
+        at = *end + int(text.mid(*end, 1) == " "_s);
+    }
+    return bytes;
+}
+
 // Empty when the text is no hex pairs.
 QByteArray bytesOf(const QString &text)
 {
-    static const QRegularExpression pairs("^\\s*(?:[0-9A-Fa-f]{2}\\s*)+$"_s);
-    return pairs.match(text).hasMatch() ? QByteArray::fromHex(text.toLatin1()) : QByteArray();
+    int end = 0;
+    const QString pairs = text.simplified();
+    const QByteArray bytes = leadingPairs(pairs, &end);
+    return end == int(pairs.size()) ? bytes : QByteArray();
 }
 
 // A closing byte ends a frame only where another frame opens behind it: a frame that is wrong
@@ -101,21 +125,19 @@ public:
     /** Returns false when the line is none that is known. */
     bool take(const QString &line)
     {
-        static const QRegularExpression traced(
-            "^(\\S+)\\s+(->|<-)\\s+(-|[0-9A-F]{2}(?: [0-9A-F]{2})*)"
-            "(?:  (?:refused: (.*)|.*))?$"_s);
         static const QRegularExpression socatHead(
             "^([<>]) (\\S+ \\S+)  length=[0-9]+ from=[0-9]+ to=[0-9]+$"_s);
         static const QRegularExpression socatNews("^\\S+ \\S+ socat\\["_s);
-        static const QRegularExpression hexLine(
-            "^ ?([0-9A-Fa-f]{2}(?: ?[0-9A-Fa-f]{2})*) ?(?:  .*)?$"_s);
-        if (line.trimmed().isEmpty() || line == "--"_s || socatNews.match(line).hasMatch())
+        if (line.isEmpty() || line == "--"_s || socatNews.match(line).hasMatch())
             return true;
-        QRegularExpressionMatch match = traced.match(line);
-        if (match.hasMatch()) {
+        QRegularExpressionMatch match = tracedHead().match(line);
+        const QString rest = line.mid(match.capturedLength());
+        const QByteArray bytes = bytesOf(rest.section(Gap, 0, 0));
+        if (match.hasMatch() && (!bytes.isEmpty() || rest.startsWith(QLatin1Char('-')))) {
+            const QString meaning = rest.section(Gap, 1);
             flush();
-            m_reader.add(match.captured(1), match.captured(2) == "->"_s, bytesOf(match.captured(3)),
-                         match.captured(4));
+            m_reader.add(match.captured(1), match.captured(2) == "->"_s, bytes,
+                         meaning.startsWith(Refused) ? meaning.mid(Refused.size()) : QString());
             return true;
         }
         match = socatHead.match(line);
@@ -128,26 +150,23 @@ public:
             m_chunkBegins = true;
             return true;
         }
-        match = hexLine.match(line);
-        if (match.hasMatch())
-            takeBytes(bytesOf(match.captured(1)));
-        return match.hasMatch();
+        if (!bytes.isEmpty())
+            takeBytes(bytes);
+        return !bytes.isEmpty();
     }
 
     /** A last line that breaks off: the bytes that it still holds, if any. */
     void takeCut(const QString &line)
     {
-        static const QRegularExpression traced("^(\\S+)\\s+(->|<-)((?:\\s+[0-9A-F]{2}\\b)*)"_s);
-        static const QRegularExpression pairs("^((?: ?[0-9A-Fa-f]{2})+) ?[0-9A-Fa-f]?$"_s);
         flush();
-        const QRegularExpressionMatch match = traced.match(line);
-        const QString hex = match.hasMatch() ? match.captured(3) : pairs.match(line).captured(1);
-        const QByteArray bytes = bytesOf(hex);
+        const QRegularExpressionMatch match = tracedHead().match(line);
+        int end = 0;
+        const QString rest = line.mid(match.capturedLength());
+        const QByteArray bytes = leadingPairs(rest, &end);
         const bool isRequest =
             match.hasMatch() ? match.captured(2) == "->"_s : !bytes.startsWith(Ack);
-        if (bytes.isEmpty())
-            return;
-        m_reader.add(match.captured(1), isRequest, bytes);
+        if (!bytes.isEmpty() && (match.hasMatch() || rest.size() - end <= 2))
+            m_reader.add(match.captured(1), isRequest, bytes);
     }
 
     /** All frames; isCut: the last line had no end. */
@@ -161,6 +180,12 @@ public:
     }
 
 private:
+    static const QRegularExpression &tracedHead()
+    {
+        static const QRegularExpression head("^(\\S+)\\s+(->|<-)\\s+"_s);
+        return head;
+    }
+
     // Frames travel in pieces: a piece goes on with the frame before it unless that has ended or
     // this opens one.
     void takeBytes(const QByteArray &bytes)
@@ -205,20 +230,19 @@ private:
 QVector<ExplainedFrame> framesFromText(const QStringList &arguments)
 {
     QList<QByteArray> runs;
-    bool joins = false;  // the argument before was a single byte
     for (const QString &argument : arguments) {
         const QByteArray bytes = bytesOf(argument);
         if (bytes.isEmpty())
             throw Failure(
-                "\"%1\" is no frame; expected bytes as hex pairs, such as "
-                "\"02 72 61\", or a trace file"_s.arg(argument),
+                "%1 is no frame; expected bytes as hex pairs, such as "
+                "\"02 72 61\", or a trace file"_s.arg(quoted(argument)),
                 BadInput);
-        const bool single = bytes.size() == 1;
-        if (single && joins)
-            runs.last() += bytes;
-        else
-            runs.append(bytes);
-        joins = single;
+        const bool begins =
+            runs.isEmpty() ||
+            (bytes.size() > 1 && (opens(bytes.front()) || closes(runs.last().back())));
+        if (begins)
+            runs.append(QByteArray());
+        runs.last() += bytes;
     }
     Reader reader;
     for (const QByteArray &run : std::as_const(runs))
@@ -229,33 +253,22 @@ QVector<ExplainedFrame> framesFromText(const QStringList &arguments)
 
 QVector<ExplainedFrame> framesFromFile(const QString &path)
 {
-    const bool isInput = path == "-"_s;
-    QFile file(path);
-    if (!(isInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly)))
-        throw Failure("cannot read %1: %2"_s.arg(path, file.errorString()), BadInput);
+    const QString place = path == "-"_s ? "standard input"_s : path;
+    const QStringList lines = readLines(path, "trace"_s);
     Listing listing;
-    const QByteArray all = file.readAll();
-    const QByteArrayList lines = all.split('\n');
     for (int i = 0; i < int(lines.size()); ++i) {
-        QString line = QString::fromUtf8(lines[i]);
-        while (line.endsWith(QLatin1Char('\r')) || line.endsWith(QLatin1Char(' ')))
-            line.chop(1);
-        const bool isCut = i + 1 == int(lines.size());  // no line's end behind it
-        if (listing.take(line))
+        if (listing.take(lines[i]))
             continue;
-        if (!isCut || i == 0)
+        if (i + 1 < int(lines.size()) || i == 0)
             throw Failure(
-                "%1:%2: \"%3\": expected what --trace or socat -x writes, "
-                "or bytes as hex pairs"_s.arg(isInput ? "standard input"_s : path)
-                    .arg(i + 1)
-                    .arg(line.left(60)),
+                "%1:%2: %3: expected what --trace or socat -x writes, "
+                "or bytes as hex pairs"_s.arg(place, QString::number(i + 1), quoted(lines[i])),
                 BadInput);
-        listing.takeCut(line);
+        listing.takeCut(lines[i]);  // no line's end is behind it
     }
-    const QVector<ExplainedFrame> frames = listing.frames(!all.isEmpty() && !all.endsWith('\n'));
+    const QVector<ExplainedFrame> frames = listing.frames(!lines.last().isEmpty());
     if (frames.isEmpty())
-        throw Failure("there is no frame in %1"_s.arg(isInput ? "standard input"_s : path),
-                      BadInput);
+        throw Failure("there is no frame in %1"_s.arg(place), BadInput);
     return frames;
 }
 

@@ -18,9 +18,9 @@ struct ExplainedFrame
 };
 
 /**
- * Reads bytes as hex pairs, with blanks or without. Arguments of one byte each are taken together,
- * any other is a frame or several; a frame that begins with ACK is a reply to the one before.
- * Throws Failure (bad input) that names what is no byte.
+ * Reads bytes as hex pairs, with blanks or without: a frame, several, or with the arguments behind
+ * it one; a frame that begins with ACK is a reply to the one before. Throws Failure (bad input)
+ * that names what is no byte.
  */
 QVector<ExplainedFrame> framesFromText(const QStringList &arguments);
 

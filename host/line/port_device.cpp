@@ -1,5 +1,6 @@
 // Finds out what the system tells Qt, but Qt does not tell on.
 #include "host/line/port_device.h"
+#include "host/output/message.h"
 #include "plc/literals.h"
 
 #include <QtCore/QDir>
@@ -25,20 +26,32 @@ constexpr const char *LockFolders[] = {"/var/lock",         "/etc/locks", "/var/
                                        "/var/spool/uucp",   "/tmp",       "/var/tmp",
                                        "/var/lock/lockdev", "/run/lock"};
 
-// Who holds a lock on the device, and which; empty when nobody that lives does.
-QString lockText(const QString &device)
+QStringList locksOf(const QString &device)
 {
     QString name = device.startsWith(DeviceFolder) ? device.mid(DeviceFolder.size()) : device;
     name.replace(QLatin1Char('/'), QLatin1Char('_'));
-    for (const char *folder : LockFolders) {
-        QFile lock("%1/LCK..%2"_s.arg(QLatin1String(folder), name));
+    QStringList locks;
+    for (const char *folder : LockFolders)
+        locks += "%1/LCK..%2"_s.arg(QLatin1String(folder), name);
+    return locks;
+}
+
+// Who holds a lock on the device, and which; empty when nobody that lives does.
+QString lockText(const QString &device)
+{
+    const QString strange = strangeLock(device);
+    if (!strange.isEmpty())
+        return "the lock %1 is no file"_s.arg(strange);
+    for (const QString &path : locksOf(device)) {
+        QFile lock(path);
         if (!lock.open(QIODevice::ReadOnly))
             continue;
-        const QByteArrayList lines = lock.readAll().split('\n');
+        const QByteArrayList lines = lock.read(1024).split('\n');
         const int process = lines[0].trimmed().toInt();
         if (process > 0 && (::kill(process, 0) == 0 || errno == EPERM))
             return "in use: process %1 (%2) holds the lock %3"_s.arg(
-                QString::number(process), QString::fromLocal8Bit(lines.value(1)), lock.fileName());
+                QString::number(process),
+                printable(QString::fromLocal8Bit(lines.value(1).left(40))), path);
     }
     return QString();
 }
@@ -63,6 +76,14 @@ QString portDevice(const QString &name)
     const QFileInfo &file = isHere ? here : inDev;
     const QString device = file.canonicalFilePath();
     return device.isEmpty() ? QDir::cleanPath(file.absoluteFilePath()) : device;
+}
+
+QString strangeLock(const QString &device)
+{
+    for (const QString &lock : locksOf(device))
+        if (QFileInfo::exists(lock) && !QFileInfo(lock).isFile())
+            return lock;
+    return QString();
 }
 
 QString portTrouble(const QString &file, const QString &said)

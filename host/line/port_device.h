@@ -12,6 +12,10 @@ namespace host {
  */
 QString portDevice(const QString &name);
 
+/** A lock on the device that is no file, so that reading it might never end; empty: there is none.
+ */
+QString strangeLock(const QString &device);
+
 /**
  * Why the device of that path could not be opened, or was lost: it is not there, another program
  * holds it (which lock says so), or its group's members alone may open it. Otherwise the text that

@@ -19,7 +19,7 @@ bool SerialLine::openDevice()
 {
     m_device = portDevice(m_name);
     m_port.setPortName(m_device);
-    return m_port.open(QIODevice::ReadWrite);
+    return strangeLock(m_device).isEmpty() && m_port.open(QIODevice::ReadWrite);
 }
 
 // Every failure but a time-out means that the device has gone; an unplugged one may report end of

@@ -1,9 +1,8 @@
 // Takes lines of CSV files apart.
 #include "host/output/csv.h"
 
-#include "host/output/failure.h"
+#include "plc/literals.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 
 namespace host {
@@ -11,6 +10,16 @@ namespace host {
 namespace {
 
 constexpr QChar Quote = QLatin1Char('"');
+constexpr QChar Apostrophe = QLatin1Char('\'');
+
+// What spreadsheets take for a formula, or would without the apostrophes before it.
+bool isFormula(const QString &text)
+{
+    static const QRegularExpression form("^'*[=+@-]"_s);
+    bool isNumber = false;
+    text.toDouble(&isNumber);
+    return !isNumber && text.contains(form);
+}
 
 }  // namespace
 
@@ -39,6 +48,8 @@ QStringList csvFields(const QString &line, QChar separator, bool *ok)
             field = line.mid(at, next < 0 ? -1 : next - at).trimmed();
             at = next;
         }
+        if (field.startsWith(Apostrophe) && isFormula(field))
+            field.remove(0, 1);
         fields.append(field);
         if (at < 0)
             break;
@@ -50,6 +61,8 @@ QStringList csvFields(const QString &line, QChar separator, bool *ok)
 QString csvField(QString text)
 {
     static const QRegularExpression special("[,;\"]|^\\s|\\s$"_s);
+    if (isFormula(text))
+        text.prepend(Apostrophe);
     if (!text.contains(special))
         return text;
     return Quote + text.replace(Quote, "\"\""_s) + Quote;
@@ -64,20 +77,6 @@ QChar csvSeparator(const QString &line)
             return sign;
     }
     return QLatin1Char(',');
-}
-
-QStringList readLines(const QString &path, const QString &kind)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure("cannot read the %1 %2: %3"_s.arg(kind, path, file.errorString()), BadInput);
-    QByteArray text = file.readAll();
-    if (text.startsWith("\xEF\xBB\xBF"))
-        text.remove(0, 3);
-    QStringList lines = QString::fromUtf8(text).split(QLatin1Char('\n'));
-    for (QString &line : lines)
-        line = line.trimmed();
-    return lines;
 }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 // What ends a command early: a message for the user and the exit status.
 #pragma once
 
+#include "host/output/message.h"
 #include "plc/literals.h"
 
 #include <exception>
@@ -15,11 +16,13 @@ class Failure : public std::exception
 {
 public:
     explicit Failure(const QString &message, ExitStatus status = SomethingFailed)
-        : m_message(message.toUtf8()), m_status(status)
+        : m_message(printable(message).toUtf8()), m_status(status)
     {
     }
 
-    const char *what() const noexcept override { return m_message.constData(); }  ///< UTF-8
+    /** UTF-8, without control characters. */
+    const char *what() const noexcept override { return m_message.constData(); }
+    QString text() const { return QString::fromUtf8(m_message); }
     ExitStatus status() const { return m_status; }
 
 private:

@@ -1,31 +1,61 @@
-// The signal handler and its flag.
+// The signal handlers and their flags.
 #include "host/output/interrupt.h"
 
 #include <csignal>
+
+#include <sys/time.h>
 
 namespace host {
 
 namespace {
 
-volatile std::sig_atomic_t signalCame = 0;
+constexpr itimerval Patience{{0, 0}, {0, 800 * 1000}};
+
+volatile std::sig_atomic_t endAsked = 0;  // the signal's number
+volatile std::sig_atomic_t hangUpCame = 0;
 
 void noteSignal(int number)
 {
-    signalCame = 1;
     std::signal(number, SIG_DFL);
+    endAsked = number;
+    ::setitimer(ITIMER_REAL, &Patience, nullptr);
+}
+
+void endNow(int)
+{
+    ::raise(endAsked);
+}
+
+void noteHangUp(int)
+{
+    hangUpCame = 1;
 }
 
 }  // namespace
 
 void catchInterrupts()
 {
+    std::signal(SIGALRM, endNow);
     std::signal(SIGINT, noteSignal);
     std::signal(SIGTERM, noteSignal);
 }
 
 bool interrupted()
 {
-    return signalCame != 0;
+    return endAsked != 0;
+}
+
+void catchHangUps()
+{
+    if (std::signal(SIGHUP, noteHangUp) == SIG_IGN)
+        std::signal(SIGHUP, SIG_IGN);
+}
+
+bool hungUp()
+{
+    const bool came = hangUpCame != 0;
+    hangUpCame = 0;
+    return came;
 }
 
 }  // namespace host

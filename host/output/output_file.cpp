@@ -1,9 +1,10 @@
-// Writes without a buffer of its own: what was written is either in the file or refused.
+// Recognises files, follows their names, and writes.
 #include "host/output/output_file.h"
 
 #include "host/output/failure.h"
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
 
 #include <cstdio>
 
@@ -11,7 +12,7 @@ namespace host {
 
 namespace {
 
-constexpr char HeadingStart[] = "time,";
+constexpr int LookedAt = 64 * 1024;
 
 struct LastHeading
 {
@@ -20,43 +21,91 @@ struct LastHeading
 };
 
 // Headings may stand anywhere: a log is gone on with when its columns have changed.
-LastHeading findHeading(const QString &path)
+LastHeading findHeading(const QString &path, const QByteArray &start)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure("cannot read \"%1\": %2"_s.arg(path, file.errorString()), BadInput);
     LastHeading last;
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure("cannot read %1: %2"_s.arg(quoted(path), file.errorString()));
     while (!file.atEnd()) {
         const QByteArray line = file.readLine();
         last.isCut = !line.endsWith('\n');
-        if (line.startsWith(HeadingStart))
+        if (line.startsWith(start))
             last.text = line.trimmed();
-        else if (last.text.isEmpty())
-            throw Failure(
-                "\"%1\" is no log: its first line is \"%2\", expected one that "
-                "begins with \"%3\"; it was not touched"_s.arg(
-                    path, QString::fromUtf8(line.left(60)).trimmed(), QLatin1String(HeadingStart)),
-                BadInput);
     }
     return last;
 }
 
 }  // namespace
 
-OutputFile::OutputFile(const QString &path, Mode mode) : m_file(path)
+void refuseOtherFile(const QString &path, const FileKind &kind)
 {
+    if (path == "-"_s || !QFileInfo(path).isFile())
+        return;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure("cannot read %1: %2"_s.arg(quoted(path), file.errorString()));
+    const QByteArray begin = file.read(LookedAt);
+    const QRegularExpression form(QLatin1String(kind.content),
+                                  QRegularExpression::DotMatchesEverythingOption);
+    if (!begin.isEmpty() &&
+        !form.match(QString::fromLatin1(begin.constData(), int(begin.size()))).hasMatch())
+        throw Failure("%1 is no %2: it begins with %3; it was not touched"_s.arg(
+                          quoted(path), QLatin1String(kind.name),
+                          quoted(QString::fromUtf8(begin.left(begin.indexOf('\n'))).trimmed())),
+                      BadInput);
+}
+
+OutputFile::OutputFile(const QString &path, const FileKind &kind, const QString &heading)
+    : m_file(path), m_kind(kind), m_heading(heading)
+{
+    open();
+    if (m_isRegular && heading.isEmpty())
+        m_file.resize(0);
+}
+
+void OutputFile::open()
+{
+    const QString path = m_file.fileName();
     const QIODevice::OpenMode how = QIODevice::WriteOnly | QIODevice::Unbuffered;
+    m_file.close();
+    refuseOtherFile(path, m_kind);
     const QFileInfo info(path);
     // Pipes and devices have no end to go to.
-    const bool append = mode == Append && (info.isFile() || !info.exists());
-    const bool open = path == "-"_s
-                          ? m_file.open(stdout, how)
-                          : m_file.open(how | (append ? QIODevice::Append : QIODevice::Truncate));
-    if (!open)
-        throw Failure("cannot write \"%1\": %2"_s.arg(path, m_file.errorString()), BadInput);
+    m_isRegular = path != "-"_s && (info.isFile() || !info.exists());
+    LastHeading last;
+    if (m_isRegular && info.size() > 0 && !m_heading.isEmpty())
+        last = findHeading(path, m_heading.section(QLatin1Char(','), 0, 0).toUtf8() + ',');
+    if (!(path == "-"_s ? m_file.open(stdout, how)
+                        : m_file.open(m_isRegular ? how | QIODevice::Append : how)))
+        throw Failure("cannot write %1: %2"_s.arg(quoted(path), m_file.errorString()));
+    if (last.isCut)
+        put("\n"_s);
+    if (!m_heading.isEmpty() && QString::fromUtf8(last.text) != m_heading)
+        put(m_heading + QLatin1Char('\n'));
+}
+
+void OutputFile::reopen()
+{
+    if (m_isRegular)
+        open();
 }
 
 void OutputFile::write(const QString &text)
+{
+    struct stat named = {};
+    struct stat written = {};
+    if (m_isRegular && ::fstat(m_file.handle(), &written) == 0) {
+        const bool isThere = ::stat(QFile::encodeName(m_file.fileName()).constData(), &named) == 0;
+        if (!isThere || named.st_ino != written.st_ino || named.st_dev != written.st_dev)
+            open();
+        else if (written.st_size == 0 && !m_heading.isEmpty())
+            put(m_heading + QLatin1Char('\n'));
+    }
+    put(text);
+}
+
+void OutputFile::put(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
     // What does not fit is tried again: only then the system tells why.
@@ -65,27 +114,10 @@ void OutputFile::write(const QString &text)
     while (done < bytes.size() &&
            (written = m_file.write(bytes.constData() + done, bytes.size() - done)) > 0)
         done += written;
-    if (done == bytes.size() && m_file.flush())
-        return;
-    const QString name = m_file.fileName();
-    throw Failure("cannot write %1: %2"_s.arg(
-        name.isEmpty() ? "to standard output"_s : QLatin1Char('"') + name + QLatin1Char('"'),
-        m_file.errorString()));
-}
-
-std::unique_ptr<OutputFile> openLog(const QString &path, const QString &heading)
-{
-    LastHeading last;
-    const QFileInfo info(path);
-    // Pipes and devices have nothing to be read back.
-    if (path != "-"_s && info.isFile() && info.size() > 0)
-        last = findHeading(path);
-    auto file = std::make_unique<OutputFile>(path, OutputFile::Append);
-    if (last.isCut)
-        file->write("\n"_s);
-    if (QString::fromUtf8(last.text) != heading)
-        file->write(heading + QLatin1Char('\n'));
-    return file;
+    if (done < bytes.size() || !m_file.flush())
+        throw Failure("cannot write %1: %2"_s.arg(
+            m_file.fileName() == "-"_s ? "to standard output"_s : quoted(m_file.fileName()),
+            m_file.errorString()));
 }
 
 }  // namespace host

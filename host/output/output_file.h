@@ -1,35 +1,54 @@
-// A file, or standard output, that grows line by line and says when it cannot.
+// Files that the host writes: none is lost without a word. Those that grow line by line say when
+// they cannot, and follow their name when logs are rotated.
 #pragma once
 
 #include <QtCore/QFile>
 
-#include <memory>
+#include <sys/stat.h>
 
 namespace host {
 
-class OutputFile
+/** What a kind of file is called, and looks like. */
+struct FileKind
 {
-public:
-    enum Mode {
-        Anew,   ///< an older file of the name is replaced
-        Append  ///< an older file stays as it is, and what is written comes behind it
-    };
-
-    /** "-" is standard output. Throws Failure (bad input) when the file cannot be written. */
-    OutputFile(const QString &path, Mode mode);
-
-    /** Writes the text at once, so that whoever reads along has it. Throws Failure. */
-    void write(const QString &text);
-
-private:
-    QFile m_file;
+    const char *name;     ///< such as "trace"
+    const char *content;  ///< a regular expression that its first 64 KB match
 };
 
 /**
- * Gets a CSV log ready to go on: an empty or missing file gets the heading, a log that ends with
- * the same columns nothing, one with other columns the heading behind its last line. Throws Failure
- * (bad input) for files that do not begin with such a heading: they are not touched.
+ * Throws Failure (bad input) where writing would lose a file that is no older one of the kind. What
+ * is empty, or no regular file, such as a pipe, may be written.
  */
-std::unique_ptr<OutputFile> openLog(const QString &path, const QString &heading);
+void refuseOtherFile(const QString &path, const FileKind &kind);
+
+/** Writes without a buffer of its own: what was written is either in the file or refused. */
+class OutputFile
+{
+public:
+    /**
+     * "-" is standard output. With a heading the file is gone on with: an empty one gets it, and
+     * one that ends under another gets it behind its last line. Without, an older one is emptied.
+     * Throws Failure, see refuseOtherFile().
+     */
+    OutputFile(const QString &path, const FileKind &kind, const QString &heading = QString());
+
+    /**
+     * Writes the text at once, so that whoever reads along has it; into a new file where the old
+     * one was moved away, under a new heading where it was emptied. Throws Failure.
+     */
+    void write(const QString &text);
+
+    /** Opens the name again, if it is a file's. Throws Failure. */
+    void reopen();
+
+private:
+    void open();
+    void put(const QString &text);
+
+    QFile m_file;
+    FileKind m_kind;
+    QString m_heading;
+    bool m_isRegular = false;
+};
 
 }  // namespace host

@@ -9,6 +9,9 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace host {
 
 namespace {
@@ -19,8 +22,7 @@ Failure failed(const QString &path, const QFileDevice &file, int error)
     const bool unnamed = file.error() == QFileDevice::NoError || file.errorString().isEmpty() ||
                          file.errorString() == "Unknown error"_s;
     return Failure(
-        "cannot write %1: %2"_s.arg(path, unnamed ? qt_error_string(error) : file.errorString()),
-        error == ENOENT ? BadInput : SomethingFailed);
+        "cannot write %1: %2"_s.arg(path, unnamed ? qt_error_string(error) : file.errorString()));
 }
 
 // Only a flush tells whether the bytes found room: on its own neither write() nor commit() does.
@@ -44,9 +46,15 @@ void replaceFile(const QString &path, const QByteArray &content)
         writeAll(file, path, content);
         return;
     }
+    struct stat old = {};
+    const bool isThere = ::stat(QFile::encodeName(path).constData(), &old) == 0;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         throw failed(path, file, errno);
+    // Whoever may not give files away keeps what is his; a group is often allowed.
+    if (isThere && ::fchown(file.handle(), old.st_uid, old.st_gid) != 0 &&
+        ::fchown(file.handle(), uid_t(-1), old.st_gid) != 0)
+        errno = 0;
     writeAll(file, path, content);
     errno = 0;
     if (!file.commit())

@@ -7,7 +7,8 @@
 namespace host {
 
 /**
- * Writes the file, or replaces it: the old one stays until the new one is complete on the disk.
+ * Writes the file, or replaces it: the old one stays until the new one is complete on the disk, and
+ * its owner where the system lets him be.
  * "-" is standard output; what is no regular file (/dev/full, a pipe) is written into. Throws
  * Failure that names the file and the reason, such as a full disk.
  */

@@ -151,18 +151,20 @@ QString convertedText(const Form &form, double number)
 quint32 bitsOfNumber(const Form &form, const QString &text, bool *ok)
 {
     const FormatRow &row = rowOf(form.format);
-    const bool isHex = text.startsWith("0x"_s, Qt::CaseInsensitive);
     if (form.format == Format::Float) {
         const float value = text.toFloat(ok);
         quint32 bits = 0;
         std::memcpy(&bits, &value, sizeof bits);
         return bits;
     }
-    const bool isBinary = text.startsWith("0b"_s, Qt::CaseInsensitive);
-    const bool asHex = (isHex && row.lowest == 0) || (form.format == Format::Hex && !isBinary);
-    const qint64 value = isBinary && row.lowest == 0 ? text.mid(2).toLongLong(ok, 2)
-                                                     : text.toLongLong(ok, asHex ? 16 : 10);
-    const bool isRaw = asHex || isBinary;  // the word itself
+    const QString prefix = row.lowest == 0 ? text.left(2).toLower() : QString();
+    const int base = prefix == "0x"_s             ? 16
+                     : prefix == "0b"_s           ? 2
+                     : form.format == Format::Hex ? 16
+                     : form.format == Format::Bin ? 2
+                                                  : 10;
+    const qint64 value = text.mid(prefix == "0b"_s ? 2 : 0).toLongLong(ok, base);
+    const bool isRaw = base != 10;  // the word itself
     *ok = *ok && value >= row.lowest &&
           value <= (isRaw && form.format == Format::Bcd ? 0xFFFF : row.highest);
     return static_cast<quint32>(form.format == Format::Bcd && !isRaw ? bcdWord(int(value)) : value);
@@ -190,6 +192,8 @@ QString Form::expectation() const
         return "a number"_s;
     if (format == Format::Hex)
         return "a hexadecimal number from 0x0000 to 0xFFFF"_s;
+    if (format == Format::Bin)
+        return "a binary number of 16 digits at most, such as 0b101 or 101"_s;
     return "a whole number from %1 to %2"_s.arg(row.lowest).arg(row.highest);
 }
 
@@ -208,16 +212,16 @@ Form formNamed(const QString &name)
     const bool isString = known && row->format == Format::String;
     if (!known || name.contains(QLatin1Char(':')) != isString)
         throw Failure(
-            "no format \"%1\"; there are\n  int16, uint16, int32, uint32, "
+            "no format %1; there are\n  int16, uint16, int32, uint32, "
             "float, hex, bin, bcd, string:N; and with the high half\n  "
-            "first int32-be, uint32-be, float-be, string-be:N"_s.arg(name),
+            "first int32-be, uint32-be, float-be, string-be:N"_s.arg(quoted(name)),
             BadInput);
     form.format = row->format;
     if (isString) {
         form.length = name.section(QLatin1Char(':'), 1).toInt();
         if (form.length < 1 || form.length > MostCharacters)
             throw Failure(
-                "format \"%1\": expected a length from 1 to %2"_s.arg(name).arg(MostCharacters),
+                "format %1: expected a length from 1 to %2"_s.arg(quoted(name)).arg(MostCharacters),
                 BadInput);
     }
     return form;

@@ -3,75 +3,98 @@
 
 #include "host/output/csv.h"
 #include "host/output/failure.h"
+#include "host/output/text_file.h"
 #include "host/output/whole_file.h"
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
 
-#include <utility>
+#include <algorithm>
 
 namespace host {
 
 namespace {
 
-const QString Header = "address,values"_s;
-
-RecipeLine lineOf(const Driver &driver, const Identity &identity, const QString &text,
-                  int stationNo, const QString &source)
-{
-    bool ok = false;
-    QStringList fields = csvFields(text, csvSeparator(text), &ok);
-    if (!ok)
-        throw Failure(
-            "%1: \"%2\": expected each quote to be closed at its field's "
-            "end"_s.arg(source, text),
-            BadInput);
-    RecipeLine line;
-    line.address = fields.takeFirst();
-    line.tag = parseTag(driver, identity, QString(), line.address, stationNo, source);
-    while (fields.size() > valueCount(line.tag) && fields.last().isEmpty())
-        fields.removeLast();  // spreadsheets fill lines up
-    for (QString &field : fields)
-        field = csvField(field);
-    line.values = fields.join(QLatin1Char(','));
-    return line;
-}
+constexpr QChar Semicolon = QLatin1Char(';');
+constexpr QChar Dot = QLatin1Char('.');
+constexpr QChar Comma = QLatin1Char(',');
 
 }  // namespace
 
-QVector<RecipeLine> readRecipeFile(const Driver &driver, const Identity &identity,
-                                   const QString &path, int stationNo)
+Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QString &path,
+                      int stationNo)
 {
-    QVector<RecipeLine> recipe;
-    QStringList before;
-    const QStringList lines = readLines(path, "recipe"_s);
-    for (int i = 0; i < int(lines.size()); ++i) {
-        const QString &text = lines[i];
-        const bool isHeader = text.startsWith("address"_s, Qt::CaseInsensitive);
-        if (isHeader || text.isEmpty() || text.startsWith(QLatin1Char('#'))) {
-            before.append(isHeader ? Header : text);
+    static const QRegularExpression header("^(#.*|address *([,;] *value.*)?[,; ]*)?$"_s,
+                                           QRegularExpression::CaseInsensitiveOption);
+    Recipe recipe;
+    recipe.lines = readLines(path, "recipe"_s);
+    if (recipe.lines.last().isEmpty())
+        recipe.lines.removeLast();  // what follows the last end of line
+    for (int i = 0; i < int(recipe.lines.size()); ++i) {
+        const QString &text = recipe.lines[i];
+        if (header.match(text).hasMatch())
             continue;
-        }
         const QString source = "%1:%2"_s.arg(QFileInfo(path).fileName()).arg(i + 1);
-        recipe.append(lineOf(driver, identity, text, stationNo, source));
-        recipe.last().before = std::exchange(before, QStringList());
+        RecipeRow row;
+        row.line = i;
+        row.separator = csvSeparator(text);
+        bool ok = false;
+        row.values = csvFields(text, row.separator, &ok);
+        if (!ok)
+            throw Failure("%1: %2: expected each quote to be closed at its field's end"_s.arg(
+                              source, quoted(text)),
+                          BadInput);
+        row.address = row.values.takeFirst();
+        row.tag = parseTag(driver, identity, QString(), row.address, stationNo, source);
+        while (row.values.size() > valueCount(row.tag) && row.values.last().isEmpty())
+            row.values.removeLast();  // spreadsheets fill lines up
+        if (row.separator == Semicolon && row.tag.form.isNumber())
+            row.values.replaceInStrings(Comma, Dot);
+        recipe.rows.append(row);
     }
-    if (recipe.isEmpty())
-        throw Failure("there is no address in %1"_s.arg(path), BadInput);
-    if (!before.isEmpty() && before.last().isEmpty())
-        before.removeLast();  // what follows the last end of line
-    recipe.last().after = before;
     return recipe;
 }
 
-void writeRecipeFile(const QString &path, const QVector<RecipeLine> &lines)
+int Recipe::rowOf(const Tag &tag, const QString &address)
 {
-    QStringList all;
-    for (const RecipeLine &line : lines)
-        all +=
-            line.before + QStringList(line.address + QLatin1Char(',') + line.values) + line.after;
-    if (!lines.isEmpty() && lines.first().before.isEmpty())
-        all.prepend(Header);
-    replaceFile(path, all.join(QLatin1Char('\n')).toUtf8() + '\n');
+    const auto row = std::find_if(rows.cbegin(), rows.cend(), [&](const RecipeRow &candidate) {
+        return candidate.address == address && candidate.tag.point.stationNo == tag.point.stationNo;
+    });
+    if (row != rows.cend())
+        return int(row - rows.cbegin());
+    if (lines.isEmpty())
+        lines.append("address,values"_s);
+    const QChar separator = rows.isEmpty() ? Comma : rows.last().separator;
+    rows.append({tag, address, {}, separator, int(lines.size())});
+    lines.append(address);
+    return int(rows.size()) - 1;
+}
+
+void Recipe::setValues(int row, const QVector<int> &units)
+{
+    RecipeRow &changed = rows[row];
+    changed.values = formatValues(changed.tag, units);
+    QString text = changed.address;
+    for (const QString &value : std::as_const(changed.values)) {
+        QString field = csvField(value);
+        if (changed.separator == Semicolon && changed.tag.form.isNumber())
+            field.replace(Dot, Comma);
+        text += changed.separator + field;
+    }
+    lines[changed.line] = text;
+}
+
+QVector<Tag> Recipe::tags() const
+{
+    QVector<Tag> tags;
+    for (const RecipeRow &row : rows)
+        tags.append(row.tag);
+    return tags;
+}
+
+void writeRecipeFile(const QString &path, const Recipe &recipe)
+{
+    replaceFile(path, recipe.lines.join(QLatin1Char('\n')).toUtf8() + '\n');
 }
 
 }  // namespace host

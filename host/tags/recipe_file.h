@@ -5,24 +5,39 @@
 
 namespace host {
 
-struct RecipeLine
+struct RecipeRow
 {
     Tag tag;
-    QString address;       ///< as written, with the format
-    QString values;        ///< with commas between; empty where the file has none
-    QStringList before{};  ///< comments, header and empty lines above it
-    QStringList after{};   ///< of the last line: what stands below it
+    QString address;        ///< as written, with the format
+    QStringList values{};   ///< one text each; empty where the file has none
+    QChar separator = ',';  ///< with ';' numbers may have decimal commas
+    int line = 0;           ///< its place in the file
+};
+
+/** A file with all that stands in it: what is not read anew stays as it is. */
+struct Recipe
+{
+    QStringList lines;
+    QVector<RecipeRow> rows;
+
+    /** The place of the row with this address; a new one at the end where there is none. */
+    int rowOf(const Tag &tag, const QString &address);
+
+    /** Puts these words or bits of its tag into a row. */
+    void setValues(int row, const QVector<int> &units);
+
+    QVector<Tag> tags() const;
 };
 
 /**
- * Reads lines such as "D_W:100x3:int16,1,-2,3" or "2/D_W:100;1"; empty lines, lines starting with #
- * and the header "address,values" are kept beside them. Throws Failure (bad input) that names the
- * file's line and what is wrong with it.
+ * Reads lines such as "D_W:100x3:int16,1,-2,3" or "2/D_W:100:float;1,5"; empty lines, lines
+ * starting with # and the header "address,values" are no rows. Throws Failure (bad input) that
+ * names the file's line and what is wrong with it, such as another kind of header.
  */
-QVector<RecipeLine> readRecipeFile(const Driver &driver, const Identity &identity,
-                                   const QString &path, int stationNo);
+Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QString &path,
+                      int stationNo);
 
-/** Writes the lines in the same form, comments included; "-" is standard output. Throws Failure. */
-void writeRecipeFile(const QString &path, const QVector<RecipeLine> &lines);
+/** Writes the lines; "-" is standard output. Throws Failure. */
+void writeRecipeFile(const QString &path, const Recipe &recipe);
 
 }  // namespace host

@@ -27,7 +27,7 @@ QVector<QVector<int>> RecipeTransfer::read()
         }
     };
     session.requestRecipeRead();
-    run("read"_s, [this](const Exchange &) { ++m_blocks; });
+    run("read"_s, [](const Exchange &) {});
     session.recipeUnitRead = nullptr;
     if (filled.contains(false))
         throw Failure("the driver ended the recipe read before all was read"_s);
@@ -51,27 +51,21 @@ void RecipeTransfer::write(const QVector<QVector<int>> &values)
     session.requestRecipeWrite();
     run("written"_s, [this](const Exchange &exchange) {
         // Bits are written into words that were read for it: that read is no block of its own.
-        if (exchange.frame.readCount > 0)
-            return;
-        ++m_blocks;
-        m_units += exchange.frame.var.count;
+        if (exchange.frame.readCount == 0)
+            m_units += exchange.frame.var.count;
     });
 }
 
 void RecipeTransfer::run(const QString &direction,
-                         const std::function<void(const Exchange &)> &countBlock)
+                         const std::function<void(const Exchange &)> &count)
 {
-    m_blocks = 0;
     m_units = 0;
     QString lost;  // the block that ended it; those before it are done
     m_connection.observer = [&](const Exchange &exchange) {
         if (exchange.outcome == Outcome::GivenUp)
             lost = pointText(m_connection.driver(), blockOf(exchange.frame.var));
-        if (exchange.outcome != Outcome::Good)
-            return;
-        countBlock(exchange);
-        if (progress)
-            progress(m_blocks, m_units, m_allUnits);
+        if (exchange.outcome == Outcome::Good)
+            count(exchange);
     };
     const QStringList errors = m_connection.finish();
     m_connection.observer = nullptr;

@@ -17,9 +17,6 @@ public:
      */
     RecipeTransfer(Connection &connection, const QVector<Tag> &tags);
 
-    /** Called after each block: blocks so far, and words and bits so far of all. */
-    std::function<void(int blocks, int units, int allUnits)> progress;
-
     /** Reads all values: the words or bits of each tag. Throws Failure when a block is given up. */
     QVector<QVector<int>> read();
 
@@ -27,13 +24,12 @@ public:
     void write(const QVector<QVector<int>> &values);
 
 private:
-    void run(const QString &direction, const std::function<void(const Exchange &)> &countBlock);
+    void run(const QString &direction, const std::function<void(const Exchange &)> &count);
 
     Connection &m_connection;
     QVector<Tag> m_tags;
     QVector<int> m_firstUnits;  // of each tag, in the recipe buffer
     int m_allUnits = 0;
-    int m_blocks = 0;
     int m_units = 0;
 };
 

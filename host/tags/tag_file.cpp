@@ -3,6 +3,7 @@
 
 #include "host/output/csv.h"
 #include "host/output/failure.h"
+#include "host/output/text_file.h"
 
 #include <QtCore/QFileInfo>
 
@@ -50,13 +51,11 @@ public:
 private:
     Failure refuse(const QString &what, const QString &expected) const
     {
-        return Failure("%1: \"%2\": expected %3"_s.arg(m_source, what, expected), BadInput);
+        return Failure("%1: %2: expected %3"_s.arg(m_source, quoted(what), expected), BadInput);
     }
 
     void take(const QString &line)
     {
-        if (line.contains(QChar::ReplacementCharacter))
-            throw refuse(line, "text in UTF-8"_s);
         const bool isFirst = m_separator.isNull();
         if (isFirst)
             m_separator = csvSeparator(line);

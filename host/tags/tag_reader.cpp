@@ -12,41 +12,31 @@ constexpr std::chrono::seconds LostLinePatience(10);
 
 }  // namespace
 
-QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags,
-                             const std::function<void(int, int, int)> &progress)
+QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags)
 {
     const QString closed = connection.tryToOpen(Purpose::Reading);
     if (!closed.isEmpty())
         return QVector<TagReading>(tags.size(), {{}, closed});
     QVector<Point> points;
-    int allUnits = 0;
+    QVector<int> unread;  // words or bits of each tag
     for (const Tag &tag : tags) {
         points.append(tag.point);
-        allUnits += tag.point.count;
+        unread.append(tag.point.count);
     }
     Session &session = connection.session();
     QVector<TagReading> readings(tags.size());
-    QVector<int> unread;  // words or bits of each tag
-    for (const Tag &tag : tags)
-        unread.append(tag.point.count);
     int left = session.monitor(points);
-    int blocks = 0;
-    int units = 0;
     connection.observer = [&](const Exchange &exchange) {
         if (exchange.outcome != Outcome::Good && exchange.outcome != Outcome::GivenUp)
             return;
         --left;
-        ++blocks;
         const Point block = blockOf(exchange.frame.var);
         for (int i = 0; i < int(tags.size()); ++i) {
             const int count = partInside(tags[i].point, block).count;
-            units += count;
             unread[i] -= count;
             if (count > 0 && exchange.outcome == Outcome::GivenUp)
                 readings[i].error = faultsText(exchange.tries);
         }
-        if (progress)
-            progress(blocks, units, allUnits);
     };
     const Line &line = connection.line();
     LineTime deadline = line.now() + LostLinePatience;

@@ -6,8 +6,6 @@
 
 #include <QtCore/QJsonObject>
 
-#include <functional>
-
 namespace host {
 
 struct TagReading
@@ -17,14 +15,11 @@ struct TagReading
 };
 
 /**
- * Opens the connection and reads the tags; it monitors nothing afterwards. progress is called
- * after each block that was read: blocks so far, and words and bits so far of all. A line that
+ * Opens the connection and reads the tags; it monitors nothing afterwards. A line that
  * cannot be opened, or is lost and stays away, is the error of all that was not read. Throws
  * Failure (bad input) where no line is named.
  */
-QVector<TagReading> readTags(
-    Connection &connection, const QVector<Tag> &tags,
-    const std::function<void(int blocks, int units, int allUnits)> &progress = nullptr);
+QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags);
 
 /** Tag, address, values and quality, as of now; an error is the reason of a bad one. */
 QJsonObject readingObject(const Connection &connection, const Tag &tag, const TagReading &reading);

@@ -1,11 +1,11 @@
 // Reads tags from arguments, and their values from and to text.
 #include "host/tags/tags.h"
 
-#include "host/output/csv.h"
 #include "host/output/failure.h"
 #include "host/output/table.h"
 #include "host/tags/tag_file.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
@@ -33,21 +33,21 @@ void parseAddress(const Driver &driver, const Identity &identity, const QString 
         stationNo = station.toInt();
     if (stationNo > HighestStation)
         throw refuse(
-            "address \"%1\": expected a station from 0 to %2"_s.arg(text).arg(HighestStation));
+            "address %1: expected a station from 0 to %2"_s.arg(quoted(text)).arg(HighestStation));
     if (match.lastCapturedIndex() >= 3)
         tag.form = formNamed(match.captured(3));
     tag.point = parsePoint(driver, identity, match.captured(2), stationNo, tag.form.words());
     if (tag.point.isBit && tag.form.format != Format::Plain)
         throw refuse(
-            "a bit of %1 has no format \"%2\""_s.arg(tag.point.regName, match.captured(3)));
+            "a bit of %1 has no format %2"_s.arg(tag.point.regName, quoted(match.captured(3))));
 }
 
 void takeScaling(const TagText &text, Tag &tag)
 {
     const bool wanted = text.scaling.isConverted() || text.scaling.decimals >= 0;
     if (wanted && (tag.point.isBit || !tag.form.isNumber()))
-        throw refuse(
-            "scale, offset and decimals are for numbers, which \"%1\" is not"_s.arg(text.address));
+        throw refuse("scale, offset and decimals are for numbers, which %1 is not"_s.arg(
+            quoted(text.address)));
     tag.form.scale = text.scaling.scale;
     tag.form.offset = text.scaling.offset;
     tag.form.decimals = text.scaling.decimals;
@@ -73,6 +73,12 @@ QVector<TagText> collectTags(const QStringList &arguments, const QStringList &ta
         text.source = "argument %1"_s.arg(i + 1);
         tags += text;
     }
+    QHash<QString, QString> sources;  // by name
+    for (TagText &tag : tags) {
+        tag.twin = sources.value(tag.name);
+        if (!tag.name.isEmpty())
+            sources[tag.name] = tag.source;
+    }
     return tags;
 }
 
@@ -80,15 +86,20 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
 {
     try {
         Tag tag;
+        if (!text.twin.isEmpty())
+            throw refuse("another one has that name, %1"_s.arg(text.twin));
+        if (printable(text.name) != text.name)
+            throw refuse("expected a name without control characters"_s);
         parseAddress(driver, identity, text.address, stationNo, tag);
         takeScaling(text, tag);
         tag.name = text.name.isEmpty() ? text.address : text.name;
         tag.unit = text.unit;
         return tag;
     } catch (const Failure &failure) {
-        const QString why = QString::fromUtf8(failure.what());
-        throw refuse(text.name.isEmpty() ? "%1: %2"_s.arg(text.source, why)
-                                         : "%1: tag \"%2\": %3"_s.arg(text.source, text.name, why));
+        const QString why = failure.text();
+        throw refuse(text.name.isEmpty()
+                         ? "%1: %2"_s.arg(text.source, why)
+                         : "%1: tag %2: %3"_s.arg(text.source, quoted(text.name), why));
     }
 }
 
@@ -130,28 +141,18 @@ QStringList formatValues(const Tag &tag, const QVector<int> &units)
     return texts;
 }
 
-QString joinedValues(const Tag &tag, const QVector<int> &units)
+QVector<int> parseValues(const Tag &tag, const QStringList &values)
 {
-    QStringList fields;
-    const QStringList values = formatValues(tag, units);
-    for (const QString &value : values)
-        fields += csvField(value);
-    return fields.join(QLatin1Char(','));
-}
-
-QVector<int> parseValues(const Tag &tag, const QString &text)
-{
-    bool ok = false;
-    const QStringList parts = csvFields(text, QLatin1Char(','), &ok);
-    if (!ok || parts.size() != valueCount(tag))
-        throw refuse("%1: \"%2\": expected %3, with commas between"_s.arg(
-            tag.name, text, countText(valueCount(tag), "value")));
+    if (values.size() != valueCount(tag))
+        throw refuse("%1: %2: expected %3, with commas between"_s.arg(
+            tag.name, quoted(values.join(QLatin1Char(','))), countText(valueCount(tag), "value")));
     QVector<int> units;
-    for (const QString &part : parts) {
-        const QVector<int> value = unitsOfText(tag.form, part, &ok);
+    for (const QString &text : values) {
+        bool ok = false;
+        const QVector<int> value = unitsOfText(tag.form, text, &ok);
         if (!ok || (tag.point.isBit && value.first() > 1))
-            throw refuse("%1: \"%2\" is no value for it; expected %3"_s.arg(
-                tag.name, part, tag.point.isBit ? "0 or 1"_s : tag.form.expectation()));
+            throw refuse("%1: %2 is no value for it; expected %3"_s.arg(
+                tag.name, quoted(text), tag.point.isBit ? "0 or 1"_s : tag.form.expectation()));
         units += value;
     }
     return units;

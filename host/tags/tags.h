@@ -22,6 +22,7 @@ struct TagText
     QString name;     ///< may be empty
     QString address;  ///< with station and format, if any: "2/D_W:100x10:float"
     QString source;   ///< where it was given, such as "tags.csv:3" or "argument 2"
+    QString twin{};   ///< the source of another tag with its name; empty where there is none
     Form scaling;     ///< scale, offset and decimals
     QString unit;
 };
@@ -57,14 +58,11 @@ int valueCount(const Tag &tag);
 /** The tag's words (0 to 65535) or bits (0 and 1), one text a value. */
 QStringList formatValues(const Tag &tag, const QVector<int> &units);
 
-/** The values as one text with commas between: strings that hold one are in quotes. */
-QString joinedValues(const Tag &tag, const QVector<int> &units);
-
 /**
- * The other way: "5" or "1,2,3", one value for each of the tag's, as words or bits; numbers as the
- * controller holds them, for a tag with a scale is not written. Throws Failure (bad input) that
- * names the text and what was expected.
+ * The other way: one value for each of the tag's, as words or bits; numbers as the controller holds
+ * them, for a tag with a scale is not written. Throws Failure (bad input) that names the text and
+ * what was expected.
  */
-QVector<int> parseValues(const Tag &tag, const QString &text);
+QVector<int> parseValues(const Tag &tag, const QStringList &values);
 
 }  // namespace host

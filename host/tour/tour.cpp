@@ -95,7 +95,7 @@ QString Tour::verdictOn(const QString &address) const
     try {
         return "address number %1"_s.arg(point(address).address);
     } catch (const Failure &refusal) {
-        return QString::fromUtf8(refusal.what());
+        return refusal.text();
     }
 }
 

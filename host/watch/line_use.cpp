@@ -19,15 +19,18 @@ LineUse::LineUse(const LoopCounters &now, const LoopCounters &earlier, double el
     constexpr int Many = 100000;
     const std::chrono::duration<double> travel = line.wireTime(Many);
     const double bytes = double(counters.bytesSent + counters.bytesReceived);
-    share = seconds > 0 ? bytes * travel.count() / Many / seconds : 0;
+    if (travel.count() > 0)
+        share = seconds > 0 ? bytes * travel.count() / Many / seconds : 0;
 }
 
 QString LineUse::shareText() const
 {
+    if (!share)
+        return "pace of the line not known"_s;
     // A pseudo-terminal without a pace, or a network, can carry more than the settings say.
-    return share > FasterThanItsSettings
+    return *share > FasterThanItsSettings
                ? "line faster than its settings"_s
-               : "%1 % of the line's capacity used"_s.arg(100 * share, 0, 'f', 1);
+               : "%1 % of the line's capacity used"_s.arg(100 * *share, 0, 'f', 1);
 }
 
 QString LineUse::text() const

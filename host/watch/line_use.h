@@ -3,13 +3,16 @@
 
 #include "host/exchange/loop.h"
 
+#include <optional>
+
 namespace host {
 
 struct LineUse
 {
     LoopCounters counters;  ///< of the stretch
     double seconds = 0;
-    double share = 0;  ///< time that the bytes travelled; 1 is all the line can carry
+    std::optional<double> share;  ///< time that the bytes travelled, 1 is all the line can carry;
+                                  ///< none where no pace is known
 
     /** The use from `earlier` to `now`, which lie so many seconds apart. */
     LineUse(const LoopCounters &now, const LoopCounters &earlier, double seconds, const Line &line);
@@ -17,7 +20,7 @@ struct LineUse
 
     double exchangesPerSecond() const { return seconds > 0 ? counters.exchanges / seconds : 0; }
 
-    /** "97.6 % of the line's capacity used", or that the line is none of its settings' speed. */
+    /** "97.6 % of the line's capacity used", or what keeps that from being told. */
     QString shareText() const;
 
     /** "218 exchanges in 5.0 s (43.6/s), ..., 97.6 % of the line's capacity": the closing counts.

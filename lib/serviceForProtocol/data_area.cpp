@@ -1,23 +1,18 @@
 // The cache of the controller's memory and the index behind it.
 #include "data_area.h"
 
-AreaLookup::AreaLookup(int stationNo, const QString &areaName)
-    : m_stationNo(stationNo), m_areaName(areaName), m_page(0), m_cells(0)
-{
-}
-
 int AreaLookup::findOrAppend(int unitAddr)
 {
     m_page = pageOf(unitAddr);
-    QVector<int> &page = driver.areaIndex[qMakePair(m_stationNo, m_areaName)][m_page];
+    QVector<int> &page = driver.cache.index[qMakePair(m_stationNo, m_areaName)][m_page];
     if (page.isEmpty())
         page.resize(PageUnits);
     m_cells = page.data();
     int &position = m_cells[cellInPage(unitAddr)];
     if (position == 0) {
         const _DATA_ area = {0, 0, 0, 0, 0, m_stationNo, m_areaName, unitAddr, {0}, {0}};
-        driver.dataAreaList.append(area);
-        position = int(driver.dataAreaList.size());
+        driver.cache.dataAreaList.append(area);
+        position = int(driver.cache.dataAreaList.size());
     }
     return position - 1;
 }
@@ -46,8 +41,8 @@ int _setDataAreaMonitorFlag(int stationNo, const RegisterType &type, int startAd
 
 void clearMarks()
 {
-    for (int i = 0; i < driver.dataAreaList.size(); ++i) {
-        _DATA_ &area = driver.dataAreaList[i];
+    for (int i = 0; i < driver.cache.dataAreaList.size(); ++i) {
+        _DATA_ &area = driver.cache.dataAreaList[i];
         area.writeBitMask = 0;
         area.monitorFlags = 0;
         area.bitMonitorMask = 0;
@@ -56,7 +51,7 @@ void clearMarks()
 
 void clearDataAreas()
 {
-    driver.dataAreaList.clear();
-    driver.areaIndex = DataAreaIndex();
-    ++driver.cacheNo;
+    driver.cache.dataAreaList.clear();
+    driver.cache.index = DataAreaIndex();
+    ++driver.cache.number;
 }

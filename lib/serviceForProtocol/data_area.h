@@ -1,13 +1,14 @@
 // The cache of the controller's memory: finding data areas, walking the storage units of a
-// request, and marking the monitored ones. Nobody else adds to or empties driver.dataAreaList.
+// request, and marking the monitored ones. Nobody else adds to or empties
+// driver.cache.dataAreaList.
 #ifndef TOLVANE_DATA_AREA_H
 #define TOLVANE_DATA_AREA_H
 
 #include "../protocol.h"
 
 /**
- * Position in driver.dataAreaList of the data area with these keys. A missing area is appended
- * with values 0 and no marks.
+ * Position in driver.cache.dataAreaList of the data area with these keys. A missing area is
+ * appended with values 0 and no marks.
  */
 int getIndexOfDataArea(int stationNo, const QString &areaName, int unitAddr);
 
@@ -27,13 +28,17 @@ void clearMarks();
 void clearDataAreas();
 
 /**
- * Finds the data areas of one station and area name in driver.dataAreaList, page by page. Lives no
- * longer than the cache that it was made for.
+ * Finds the data areas of one station and area name in driver.cache.dataAreaList, page by page.
+ * Lives no longer than the cache that it was made for.
  */
 class AreaLookup
 {
 public:
-    AreaLookup(int stationNo, const QString &areaName);
+    /** The text stays the caller's. */
+    AreaLookup(int stationNo, const QString &areaName)
+        : m_stationNo(stationNo), m_areaName(areaName)
+    {
+    }
 
     /** Position of the unit's data area, which is appended when missing. */
     int indexOf(int unitAddr)
@@ -42,6 +47,21 @@ public:
         if (m_cells && pageOf(unitAddr) == m_page && m_cells[cellInPage(unitAddr)] > 0)
             return m_cells[cellInPage(unitAddr)] - 1;
         return findOrAppend(unitAddr);
+    }
+
+    /**
+     * How many of the units next to `unitAddr`, the one asked for last, were last read as `values`:
+     * all of them, at most `most`, or those before the first that was not or whose page is another.
+     */
+    int alikeBehind(int unitAddr, const quint16 *values, int most) const
+    {
+        const int *const cells = m_cells + cellInPage(unitAddr) + 1;
+        const int end = qMin(most, PageUnits - 1 - cellInPage(unitAddr));
+        int n = 0;
+        while (n < end && cells[n] > 0 &&
+               driver.cache.dataAreaList.at(cells[n] - 1).readWord() == values[n])
+            ++n;
+        return n;
     }
 
 private:
@@ -53,9 +73,9 @@ private:
     int findOrAppend(int unitAddr);
 
     int m_stationNo;
-    QString m_areaName;
-    int m_page;
-    int *m_cells;  ///< of the page, null before the first; pages stay where they are
+    const QString &m_areaName;
+    int m_page = 0;
+    int *m_cells = 0;  ///< of the page, null before the first; pages stay where they are
 };
 
 /**
@@ -77,7 +97,7 @@ public:
           index(-1),
           m_startAddr(startAddr),
           m_count(type.unitKind == NoUnit ? 0 : count),
-          m_cacheNo(driver.cacheNo),
+          m_cacheNo(driver.cache.number),
           m_lookup(stationNo, type.areaName)
     {
     }
@@ -90,10 +110,24 @@ public:
         return true;
     }
 
+    /**
+     * The same, of word or bit units, to the next one that was not last read as values[i]. Its own
+     * is looked at alone, those that follow in its page at one go: nearly always none has changed.
+     */
+    bool nextUnlike(const quint16 *values)
+    {
+        while (next()) {
+            if (constArea().readWord() != values[i])
+                return true;
+            i += m_lookup.alikeBehind(address(), values + i + 1, m_count - i - 1);
+        }
+        return false;
+    }
+
     const RegisterType &type;
     const int stationNo;
     int i;      ///< position of the address in the request, from 0
-    int index;  ///< of the unit in driver.dataAreaList
+    int index;  ///< of the unit in driver.cache.dataAreaList
 
     /** The address number. */
     int address() const { return addrPlus(m_startAddr, i); }
@@ -102,11 +136,11 @@ public:
     int bit() const { return bitInWord(address()); }
 
     /** The data area. Ask again after every report: the list may have grown meanwhile. */
-    _DATA_ &area() const { return driver.dataAreaList[index]; }
-    const _DATA_ &constArea() const { return driver.dataAreaList.at(index); }
+    _DATA_ &area() const { return driver.cache.dataAreaList[index]; }
+    const _DATA_ &constArea() const { return driver.cache.dataAreaList.at(index); }
 
     /** False when the host has emptied the cache from inside a report: area() is gone then. */
-    bool stands() const { return m_cacheNo == driver.cacheNo; }
+    bool stands() const { return m_cacheNo == driver.cache.number; }
 
 private:
     const int m_startAddr;

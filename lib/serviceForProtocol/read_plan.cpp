@@ -6,7 +6,7 @@
 namespace {
 
 /** One walk over spans in order: each is joined to the block before it or opens the next. */
-QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test)
+QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, int widestGap)
 {
     QVector<AddressSpan> blocks;
     for (int i = 0; i < spans.size(); ++i) {
@@ -14,7 +14,8 @@ QVector<AddressSpan> mergePass(const QVector<AddressSpan> &spans, MergeTest test
         if (!blocks.isEmpty()) {
             AddressSpan &block = blocks.last();
             const int extent = next.startAddr + next.count - block.startAddr;
-            if (judgeAddrMerge(block, next, test) == Joined && extent <= driver.mergeWords) {
+            if (judgeAddrMerge(block, next, widestGap) == Joined &&
+                extent <= driver.settings.mergeWords) {
                 block.count = qMax(block.count, extent);
                 block.entries += next.entries;
                 continue;
@@ -56,9 +57,10 @@ quint32 weightOf(const AddressSpan &span)
 QVector<AddressSpan> addrMerge(const QVector<AddressSpan> &spans, int mode)
 {
     if (mode == RecipeMode)
-        return mergePass(spans, StrictTest);
+        return mergePass(spans, 0);
     const QVector<AddressSpan> ordered = inWeightOrder(readableSpans(spans), weightOf);
-    return mergePass(mergePass(ordered, StrictTest), GapTolerantTest);
+    // Neighbours first, so that no gap is bridged where a neighbour still fits.
+    return mergePass(mergePass(ordered, 0), driver.settings.mergeWords);
 }
 
 int recipeUnitsPerFrame(const RegisterType &type)

@@ -21,7 +21,7 @@ AddressSpan spanOf(const _RCP_VAR_PRO &entry, int regNumber, int position)
 
 bool isKept(const _RCP_VAR_PRO &entry, const RegisterType &type)
 {
-    return entry.ownerKey == driver.propItem0 && type.isKnown() && entry.count >= 1 &&
+    return entry.ownerKey == driver.settings.propItem0 && type.isKnown() && entry.count >= 1 &&
            entry.bufIndex >= 0 && entry.bufIndex <= MaxBufferUnits - entry.count &&
            canBegin(spanOf(entry, type.number, 0));
 }
@@ -34,7 +34,7 @@ quint32 weightOf(const _RCP_VAR_PRO &entry)
 /** The bytes of one 16-bit unit of the recipe buffer, low byte first. */
 unsigned char *bufferUnit(int n)
 {
-    return driver.rcpBuffer + 2 * qptrdiff(n);
+    return driver.settings.rcpBuffer + 2 * qptrdiff(n);
 }
 
 /**
@@ -46,7 +46,7 @@ template <typename Step>
 void forEachRecipeValue(const AddressSpan &block, Step step)
 {
     for (int e = block.firstEntry; e < block.firstEntry + block.entries; ++e) {
-        const _RCP_VAR_PRO entry = driver.rcpEntries.at(e);
+        const _RCP_VAR_PRO entry = driver.recipe.rcpEntries.at(e);
         const int offset = entry.startAddr - block.startAddr;
         const int end = qMin(entry.count, block.count - offset);
         for (int j = qMax(-offset, 0); j < end; ++j) {
@@ -56,12 +56,28 @@ void forEachRecipeValue(const AddressSpan &block, Step step)
     }
 }
 
+/** Looks at the host's request bytes; writing goes before reading. */
+SendState requestedTransfer()
+{
+    QMutexLocker locker(driver.settings.hostMutex);
+    if (driver.settings.hostShared[RecipeWriteRequest] == 1)
+        return RecipeWrite;
+    return driver.settings.hostShared[RecipeReadRequest] == 1 ? RecipeRead : Idle;
+}
+
+void refuseTransfers()
+{
+    QMutexLocker locker(driver.settings.hostMutex);
+    driver.settings.hostShared[RecipeWriteRequest] = 0;
+    driver.settings.hostShared[RecipeReadRequest] = 0;
+}
+
 }  // namespace
 
 int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
 {
-    ++driver.rcpRegistration;
-    driver.rcpEntries.clear();
+    ++driver.recipe.registration;
+    driver.recipe.rcpEntries.clear();
     for (int i = 0; i < entries.size(); ++i) {
         _RCP_VAR_PRO entry = entries.at(i);
         const RegisterType type = registerType(entry.regName);
@@ -69,51 +85,50 @@ int intf_setRcpAddress(const QVector<_RCP_VAR_PRO> &entries)
         if (!isKept(entry, type))
             continue;
         entry.regName = REG_LIST[type.number];  // the host's text may lie over passing memory
-        driver.rcpEntries.append(entry);
+        driver.recipe.rcpEntries.append(entry);
     }
-    driver.rcpRefused = driver.rcpEntries.isEmpty();
-    if (driver.rcpRefused)
+    driver.recipe.isRefused = driver.recipe.rcpEntries.isEmpty();
+    if (driver.recipe.isRefused)
         return 0;  // the blocks stay: one of them may be in flight
 
-    driver.rcpEntries = inWeightOrder(driver.rcpEntries, weightOf);
+    driver.recipe.rcpEntries = inWeightOrder(driver.recipe.rcpEntries, weightOf);
     QVector<AddressSpan> spans;
-    for (int i = 0; i < driver.rcpEntries.size(); ++i) {
-        const _RCP_VAR_PRO &entry = driver.rcpEntries.at(i);
+    for (int i = 0; i < driver.recipe.rcpEntries.size(); ++i) {
+        const _RCP_VAR_PRO &entry = driver.recipe.rcpEntries.at(i);
         spans.append(spanOf(entry, getIndexFromRegName(entry.regName), i));
     }
-    driver.rcpBlocks.clear();
+    driver.recipe.rcpBlocks.clear();
     const QVector<AddressSpan> merged = addrMerge(spans, RecipeMode);
     for (int i = 0; i < merged.size(); ++i) {
         const RegisterType &type = driver.registerTypes.at(merged.at(i).regNumber);
         groupingKey(merged.at(i), recipeUnitsPerFrame(type),
-                    [](const AddressSpan &block, int) { driver.rcpBlocks.append(block); });
+                    [](const AddressSpan &block, int) { driver.recipe.rcpBlocks.append(block); });
     }
-    return int(driver.rcpEntries.size());
+    return int(driver.recipe.rcpEntries.size());
 }
 
-SendState takeTransferRequest()
+SendState nextTransfer()
 {
-    if (!driver.hostShared)
+    if (!driver.settings.hostShared)
         return Idle;
-    QMutexLocker locker(driver.hostMutex);
-    unsigned char &write = driver.hostShared[RecipeWriteRequest];
-    unsigned char &read = driver.hostShared[RecipeReadRequest];
-    if (write != 1 && read != 1)
-        return Idle;
-    if (driver.rcpBuffer && !driver.rcpRefused)
-        return write == 1 ? RecipeWrite : RecipeRead;
-    driver.rcpIndex = 0;
-    write = 0;
-    read = 0;
+    const SendState requested = requestedTransfer();
+    const bool isRefused =
+        requested != Idle && (!driver.settings.rcpBuffer || driver.recipe.isRefused);
+    if (requested != Idle && !isRefused)
+        return requested;
+    // A request that is refused, or that the host has taken back, leaves nothing to the next one.
+    driver.recipe.rcpIndex = 0;
+    if (isRefused)
+        refuseTransfers();
     return Idle;
 }
 
 bool takeRecipeBlock(SendState transfer, VARIABLE &item)
 {
-    if (driver.rcpIndex >= driver.rcpBlocks.size())
+    if (driver.recipe.rcpIndex >= driver.recipe.rcpBlocks.size())
         return false;
-    driver.rcpAskedFor = driver.rcpRegistration;
-    rcpAddrToVar(driver.rcpBlocks.at(driver.rcpIndex), item, transfer == RecipeWrite);
+    driver.recipe.askedFor = driver.recipe.registration;
+    rcpAddrToVar(driver.recipe.rcpBlocks.at(driver.recipe.rcpIndex), item, transfer == RecipeWrite);
     return true;
 }
 
@@ -124,7 +139,7 @@ void rcpAddrToVar(const AddressSpan &block, VARIABLE &var, int withData)
     if (!withData)
         return;
     if (driver.registerTypes.at(block.regNumber).unitKind == WordUnit) {
-        const _RCP_VAR_PRO &first = driver.rcpEntries.at(block.firstEntry);
+        const _RCP_VAR_PRO &first = driver.recipe.rcpEntries.at(block.firstEntry);
         const int unit = first.bufIndex + block.startAddr - first.startAddr;
         std::memcpy(var.valueBuf, bufferUnit(unit), size_t(block.count) * 2);
         return;
@@ -137,28 +152,27 @@ void rcpAddrToVar(const AddressSpan &block, VARIABLE &var, int withData)
 
 void copyRecipeReply(const quint16 *values)
 {
-    if (driver.rcpAskedFor != driver.rcpRegistration)
+    if (driver.recipe.askedFor != driver.recipe.registration)
         return;
-    const quint32 exchange = driver.exchangeNo;
-    const AddressSpan block = driver.rcpBlocks.at(driver.rcpIndex);
+    const ExchangeUnderWay exchange;
+    const AddressSpan block = driver.recipe.rcpBlocks.at(driver.recipe.rcpIndex);
     const bool bitsOfWords = readAs(block, RecipeRead).regNumber != block.regNumber;
     forEachRecipeValue(block, [&](int position, int n) -> bool {
         const int bit = bitInWord(block.startAddr) + position;
         const int value =
             bitsOfWords ? values[bit / BitsPerWord] >> bit % BitsPerWord & 1 : values[position];
-        unsigned char *unit = bufferUnit(n);
-        unit[0] = static_cast<unsigned char>(value);
-        unit[1] = static_cast<unsigned char>(value >> 8);
+        setWord(bufferUnit(n), value);
         notifyHost(0, -1, QLatin1String("RWI"), n);
-        return exchange == driver.exchangeNo && driver.rcpAskedFor == driver.rcpRegistration;
+        return exchange.stands() && driver.recipe.askedFor == driver.recipe.registration;
     });
 }
 
 void finishRecipeBlock(SendState transfer, bool failed)
 {
-    if (!failed && ++driver.rcpIndex < driver.rcpBlocks.size())
+    if (!failed && ++driver.recipe.rcpIndex < driver.recipe.rcpBlocks.size())
         return;
-    driver.rcpIndex = 0;
-    QMutexLocker locker(driver.hostMutex);
-    driver.hostShared[transfer == RecipeWrite ? RecipeWriteRequest : RecipeReadRequest] = 0;
+    driver.recipe.rcpIndex = 0;
+    QMutexLocker locker(driver.settings.hostMutex);
+    driver.settings.hostShared[transfer == RecipeWrite ? RecipeWriteRequest : RecipeReadRequest] =
+        0;
 }

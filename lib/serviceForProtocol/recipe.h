@@ -1,15 +1,16 @@
 // The recipe: its registration (intf_setRcpAddress), its blocks, the steps of a transfer and the
-// copy into the host's recipe buffer. Of the driver's rcp... members others touch rcpBuffer alone.
+// copy into the host's recipe buffer. Nobody else touches driver.recipe.
 #ifndef TOLVANE_RECIPE_H
 #define TOLVANE_RECIPE_H
 
 #include "../protocol.h"
 
 /**
- * The transfer that the host asks for: RecipeWrite, RecipeRead or Idle. Requests that cannot be
- * served, without a recipe buffer or after a registration that kept no entry, are taken back.
+ * The transfer that is to go on: RecipeWrite, RecipeRead or Idle. Requests that cannot be served,
+ * without a recipe buffer or after a registration that kept no entry, are set back. When the host
+ * asks for none, or has taken its request back, the next transfer begins at its first block.
  */
-SendState takeTransferRequest();
+SendState nextTransfer();
 
 /**
  * Fills `item` with the next block of the transfer, a RecipeWrite or RecipeRead. Returns false,

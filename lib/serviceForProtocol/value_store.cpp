@@ -9,29 +9,18 @@
 
 namespace {
 
-int wordOf(const unsigned char *value)
-{
-    return uchar2int16(value[0], value[1]);
-}
-
-void setWord(unsigned char *value, int word)
-{
-    value[0] = static_cast<unsigned char>(word);
-    value[1] = static_cast<unsigned char>(word >> 8);
-}
-
 void reportPoint(const Unit &unit, const QString &regName, int address)
 {
-    notifyHost(driver.propItem0, unit.stationNo, regName, address);
+    notifyHost(driver.settings.propItem0, unit.stationNo, regName, address);
 }
 
 /** Counts the queued writes of exactly this range, the one in service included. */
 int queuedWritesOf(int stationNo, const RegisterType &type, int startAddr, int count)
 {
-    QMutexLocker locker(&driver.mutex);
+    QMutexLocker locker(&driver.loop.mutex);
     int found = 0;
-    for (int i = 0; i < driver.writeList.size(); ++i) {
-        const VARIABLE &item = driver.writeList.at(i);
+    for (int i = 0; i < driver.loop.writeList.size(); ++i) {
+        const VARIABLE &item = driver.loop.writeList.at(i);
         if (item.startAddr == startAddr && item.count == count && item.stationNo == stationNo &&
             sameText(item.regName, REG_LIST[type.number]))
             ++found;
@@ -39,111 +28,81 @@ int queuedWritesOf(int stationNo, const RegisterType &type, int startAddr, int c
     return found;
 }
 
-void writeWord(const Unit &unit, const unsigned char *bytes)
+/** Whether the bit has the first of its two marks. */
+bool isBitWriteMarked(const _DATA_ &area, int bit)
 {
-    const int oldWord = wordOf(unit.area().currentValue());
-    const int newWord = wordOf(bytes);
-    if (oldWord != newWord)
-        _wordDataChange(&oldWord, &newWord, unit);
-    if (!unit.stands())
-        return;
-    _DATA_ &area = unit.area();
-    setWord(area.writeValue, newWord);
-    area.hasWriteValue = 1;
+    return area.writeBitMask >> 2 * bit & 1;
 }
 
-void writeBitOfWord(const Unit &unit, bool set)
+/** Marks one more write of the bit as outstanding; `isSecond`: its like is in service. */
+void markBitWrite(_DATA_ &area, int bit, bool isSecond)
 {
-    const int oldWord = wordOf(unit.area().currentValue());
-    const int newWord = _setBitValue(oldWord, unit.bit(), set);
-    if (oldWord != newWord)
-        _wordDataChange(&oldWord, &newWord, unit);
-    if (!unit.stands())
-        return;
-    // From the value as it stands now: the host may have written a neighbouring bit meanwhile.
-    _DATA_ &area = unit.area();
-    setWord(area.writeValue, _setBitValue(wordOf(area.currentValue()), unit.bit(), set));
-    area.hasWriteValue = 1;
+    area.writeBitMask |= quint32(isSecond ? 3 : 1) << 2 * bit;
 }
 
-void writeBit(const Unit &unit, unsigned char value)
+/** Takes one of the bit's marks away: the first, or else the second. */
+void unmarkBitWrite(_DATA_ &area, int bit)
 {
-    if (unit.area().currentValue()[0] != value)
-        reportPoint(unit, unit.type.areaName, unit.address());
-    if (!unit.stands())
-        return;
-    _DATA_ &area = unit.area();
-    area.writeValue[0] = value;
-    area.hasWriteValue = 1;
+    area.writeBitMask &= ~(quint32(isBitWriteMarked(area, bit) ? 1 : 2) << 2 * bit);
 }
 
-void storeChangedWord(const Unit &unit, int word)
+/** The i-th value of the host: a word, or the byte of a bit. */
+int valueAt(const RegisterType &type, const unsigned char *values, int i)
 {
-    _DATA_ &area = unit.area();
-    const int oldWord = wordOf(area.readValue);
-    if (area.writeBitMask == 0 || driver.writeList.isEmpty())
-        area.hasWriteValue = 0;
-    _wordDataChange(&oldWord, &word, unit);
-    if (unit.stands())
-        setWord(unit.area().readValue, word);
+    if (type.unitKind != WordUnit)
+        return values[i];
+    return uchar2int16(values[2 * i], values[2 * i + 1]);
 }
 
-void storeChangedBit(const Unit &unit, int value)
+/** What the unit shows once `value`, a word, or a bit of which 1 sets, is written to it. */
+int shownWith(const Unit &unit, int value)
 {
-    unit.area().hasWriteValue = 0;
-    _bitDataChange(unit);
-    if (unit.stands())
-        unit.area().readValue[0] = static_cast<unsigned char>(value);
+    if (unit.type.unitKind != WordBitUnit)
+        return value;
+    return _setBitValue(unit.constArea().currentWord(), unit.bit(), value == 1);
 }
 
-void settleWord(const Unit &unit, bool acknowledged)
+void reportBit(const Unit &unit)
+{
+    reportPoint(unit, unit.type.areaName, unit.address());
+}
+
+/** Of a word or of a bit of its own. */
+void settleUnit(const Unit &unit, bool acknowledged)
 {
     _DATA_ &area = unit.area();
     area.hasWriteValue = 0;
-    const int written = wordOf(area.writeValue);
-    const int read = wordOf(area.readValue);
     if (acknowledged)
-        setWord(area.readValue, written);
+        setWord(area.readValue, area.writtenWord());
+    else if (unit.type.unitKind == BitUnit)
+        reportBit(unit);
     else
-        _wordDataChange(&written, &read, unit);
+        _wordDataChange(area.writtenWord() ^ area.readWord(), unit);
 }
 
 void settleBitOfWord(const Unit &unit, bool acknowledged)
 {
     _DATA_ &area = unit.area();
-    const quint32 firstMark = quint32(1) << 2 * unit.bit();
-    const quint32 secondMark = firstMark << 1;
-    area.writeBitMask &= area.writeBitMask & firstMark ? ~firstMark : ~secondMark;
+    unmarkBitWrite(area, unit.bit());
     if (area.writeBitMask == 0)
         area.hasWriteValue = 0;
-    const bool written = wordOf(area.writeValue) >> unit.bit() & 1;
+    const bool written = area.writtenWord() >> unit.bit() & 1;
     if (acknowledged)
-        setWord(area.readValue, _setBitValue(wordOf(area.readValue), unit.bit(), written));
+        setWord(area.readValue, _setBitValue(area.readWord(), unit.bit(), written));
     if (!area.hasWriteValue)
-        _wordDataChange(0, 0, unit);
-}
-
-void settleBit(const Unit &unit, bool acknowledged)
-{
-    _DATA_ &area = unit.area();
-    area.hasWriteValue = 0;
-    if (acknowledged)
-        area.readValue[0] = area.writeValue[0];
-    else
-        reportPoint(unit, unit.type.areaName, unit.address());
+        _wordDataChange(AllBits, unit);
 }
 
 }  // namespace
 
-void _wordDataChange(const int *oldValue, const int *newValue, const Unit &unit)
+void _wordDataChange(int changed, const Unit &unit)
 {
-    const quint32 changed = oldValue && newValue ? quint32(*oldValue ^ *newValue) : 0xFFFF;
     const RegisterType &words = driver.registerTypes.at(unit.type.wordType);
     const int unitAddr = unit.constArea().unitAddr;
     // Every report may empty the cache or change the marks, so both are looked at again.
-    for (int bit = 0; unit.stands() && unit.constArea().bitMonitorMask & changed >> bit << bit;
+    for (int bit = 0; bit < BitsPerWord && unit.stands() && unit.constArea().bitMonitorMask != 0;
          ++bit) {
-        if (unit.constArea().bitMonitorMask & changed & quint32(1) << bit)
+        if (unit.constArea().bitMonitorMask >> bit & quint32(changed) >> bit & 1)
             reportPoint(unit, REG_LIST[words.bitType], bitAddress(unitAddr, bit));
     }
     if (unit.stands() && unit.constArea().monitorFlags & 1)
@@ -153,7 +112,7 @@ void _wordDataChange(const int *oldValue, const int *newValue, const Unit &unit)
 void _bitDataChange(const Unit &unit)
 {
     if (unit.constArea().monitorFlags & 1)
-        reportPoint(unit, unit.type.areaName, unit.address());
+        reportBit(unit);
 }
 
 void write_saveDataToArea(int stationNo, const RegisterType &type, int startAddr, int count,
@@ -161,23 +120,24 @@ void write_saveDataToArea(int stationNo, const RegisterType &type, int startAddr
 {
     int identicalWrites = -1;  // counted once, when a bit turns out to be outstanding already
     for (Unit unit(stationNo, type, startAddr, count); unit.next();) {
-        if (type.unitKind == WordUnit)
-            writeWord(unit, values + 2 * qptrdiff(unit.i));
-        else if (type.unitKind == BitUnit)
-            writeBit(unit, values[unit.i]);
-        else
-            writeBitOfWord(unit, values[unit.i] == 1);
-        if (type.unitKind != WordBitUnit || !unit.stands())
+        const int value = valueAt(type, values, unit.i);
+        const int changed = unit.constArea().currentWord() ^ shownWith(unit, value);
+        if (changed && type.unitKind == BitUnit)
+            reportBit(unit);
+        else if (changed)
+            _wordDataChange(changed, unit);
+        if (!unit.stands())
+            return;
+        // From what shows now: the host may have written a neighbouring bit meanwhile.
+        setWord(unit.area().writeValue, shownWith(unit, value));
+        unit.area().hasWriteValue = 1;
+        if (type.unitKind != WordBitUnit)
             continue;
-        const quint32 firstMark = quint32(1) << 2 * unit.bit();
-        if (unit.area().writeBitMask & firstMark) {
-            // Two in the queue: the earlier one is in service, so two completions will arrive.
-            if (identicalWrites < 0)
-                identicalWrites = queuedWritesOf(stationNo, type, startAddr, count);
-            if (identicalWrites == 2)
-                unit.area().writeBitMask |= firstMark << 1;
-        }
-        unit.area().writeBitMask |= firstMark;
+        const bool isMarked = isBitWriteMarked(unit.constArea(), unit.bit());
+        if (isMarked && identicalWrites < 0)
+            identicalWrites = queuedWritesOf(stationNo, type, startAddr, count);
+        // Two in the queue: the earlier one is in service, so two completions will arrive.
+        markBitWrite(unit.area(), unit.bit(), isMarked && identicalWrites == 2);
     }
 }
 
@@ -185,18 +145,18 @@ void storeReadValues(int stationNo, const RegisterType &type, int startAddr, int
                      const quint16 *values)
 {
     // A host that finishes this frame itself, from inside a report, has newer values.
-    const quint32 exchange = driver.exchangeNo;
+    const ExchangeUnderWay exchange;
     for (Unit unit(stationNo, type, startAddr, count);
-         unit.next() && exchange == driver.exchangeNo;) {
-        // Unchanged nearly always: nothing more is done then.
-        const unsigned char *lastRead = unit.constArea().readValue;
-        const int value = values[unit.i];
-        if (wordOf(lastRead) == value)
-            continue;
+         exchange.stands() && unit.nextUnlike(values);) {
+        _DATA_ &area = unit.area();
+        if (area.writeBitMask == 0 || driver.loop.writeList.isEmpty())
+            area.hasWriteValue = 0;
         if (type.unitKind == BitUnit)
-            storeChangedBit(unit, value);
+            _bitDataChange(unit);
         else
-            storeChangedWord(unit, value);
+            _wordDataChange(area.readWord() ^ values[unit.i], unit);
+        if (unit.stands())
+            setWord(unit.area().readValue, values[unit.i]);
     }
 }
 
@@ -204,11 +164,9 @@ void _write_FailOrSuc(int stationNo, const RegisterType &type, int startAddr, in
 {
     const bool acknowledged = result == 1;
     for (Unit unit(stationNo, type, startAddr, count); unit.next();) {
-        if (type.unitKind == WordUnit)
-            settleWord(unit, acknowledged);
-        else if (type.unitKind == WordBitUnit)
+        if (type.unitKind == WordBitUnit)
             settleBitOfWord(unit, acknowledged);
         else
-            settleBit(unit, acknowledged);
+            settleUnit(unit, acknowledged);
     }
 }

@@ -4,18 +4,14 @@
 
 #include "data_area.h"
 
-/** A word from its bytes: 0 to 65535. */
-inline int uchar2int16(unsigned char low, unsigned char high)
-{
-    return low + 256 * high;
-}
+/** Changed bits that stand for every bit of a word. */
+enum { AllBits = 0xFFFF };
 
 /**
- * Reports a 16-bit data area: each monitored bit in which the two word values differ, in ascending
- * order, then the word if it is monitored. A null value means all monitored bits. The word is
- * reported without comparing: the caller has.
+ * Reports a 16-bit data area: each monitored bit of those `changed`, in ascending order, then the
+ * word if it is monitored, with or without a changed bit: that it has changed the caller knows.
  */
-void _wordDataChange(const int *oldValue, const int *newValue, const Unit &unit);
+void _wordDataChange(int changed, const Unit &unit);
 
 /** Reports a bit data area if it is monitored. */
 void _bitDataChange(const Unit &unit);

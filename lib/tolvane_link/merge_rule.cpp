@@ -32,18 +32,10 @@ int unitsPerWrite(const RegisterType &type)
 
 AddressSpan readAs(const AddressSpan &span, SendState purpose)
 {
-    AddressSpan read = span;
-    switch (driver.registerTypes.at(span.regNumber).unitKind) {
-        case WordBitUnit:
-            return wordSpan(span);
-        case BitUnit:
-            if (purpose == ConditionRead)
-                read.count = span.count * BitsPerWord;
-            return read;
-        case WordUnit:
-        case NoUnit:
-            break;
-    }
+    const UnitKind kind = driver.registerTypes.at(span.regNumber).unitKind;
+    AddressSpan read = kind == WordBitUnit ? wordSpan(span) : span;
+    if (kind == BitUnit && purpose == ConditionRead)
+        read.count *= BitsPerWord;
     return read;
 }
 
@@ -54,15 +46,14 @@ bool canBegin(const AddressSpan &span)
     return word >= 0 && word < AddressableWords;
 }
 
-int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int mode)
+int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int widestGap)
 {
     if (block.stationNo != next.stationNo || block.regNumber != next.regNumber)
         return Separate;
     // Weights wrap, so a span that starts lower may follow; blocks grow upwards only.
     if (next.startAddr < block.startAddr)
         return Separate;
-    const int gap = next.startAddr - (block.startAddr + block.count);
-    if (gap > (mode == StrictTest ? 0 : driver.mergeWords))
+    if (next.startAddr - (block.startAddr + block.count) > widestGap)
         return Separate;
     // Contacts are read from the requested one on; that is how this driver asks for them.
     if (driver.registerTypes.at(block.regNumber).unitKind == BitUnit &&

@@ -13,7 +13,7 @@ enum { ShortestReply = 4 };
 
 int check_rcv_data(const unsigned char *reply, int length)
 {
-    const FRAME_PRO &request = driver.frameList.at(0);
+    const FRAME_PRO &request = driver.loop.frameList.at(0);
     if (request.replyLen <= ShortestReply || length < ShortestReply)
         return FailedExchange;
     if (reply[0] != ACK || reply[length - 1] != EOT)
@@ -47,6 +47,6 @@ void readReplyValues(const QByteArray &reply, const FRAME_PRO &request, const Re
         if (type.unitKind == BitUnit)
             values[i] = bytes[(firstBit + i) / 8] >> (firstBit + i) % 8 & 1;
         else
-            values[i] = quint16(bytes[2 * i] | bytes[2 * i + 1] << 8);
+            values[i] = quint16(uchar2int16(bytes[2 * i], bytes[2 * i + 1]));
     }
 }

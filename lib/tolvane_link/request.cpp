@@ -10,9 +10,9 @@ enum { ReplyFrameChars = 5, ReplyDataStart = 2 };
 FRAME_PRO &appendFrame(const VARIABLE &item)
 {
     static const FRAME_PRO blank;
-    driver.frameList.append(blank);
-    driver.frameList.last().var = item;
-    return driver.frameList.last();
+    driver.loop.frameList.append(blank);
+    driver.loop.frameList.last().var = item;
+    return driver.loop.frameList.last();
 }
 
 /** Opening of every request: STX command device <byte address> "00". */
@@ -86,28 +86,20 @@ void getReadFrame(const VARIABLE &item)
 void getWriteFrame(const VARIABLE &item)
 {
     const RegisterType type = registerType(item.regName);
-    switch (type.unitKind) {
-        case WordUnit:
-            appendWriteWords(type, item.count, item.valueBuf, item);
-            break;
-        case WordBitUnit:
-        case BitUnit:
-            if (item.count == 1)
-                appendBit(type, item);
-            else
-                appendReadWords(type, wordsOfBits(item.startAddr, item.count), item);
-            break;
-        case NoUnit:
-            break;
-    }
+    if (type.unitKind == WordUnit)
+        appendWriteWords(type, item.count, item.valueBuf, item);
+    else if (item.count == 1)
+        appendBit(type, item);
+    else
+        appendReadWords(type, wordsOfBits(item.startAddr, item.count), item);
 }
 
 void appendMergedWrite(const QByteArray &reply, const RegisterType &type)
 {
-    const VARIABLE item = driver.frameList.at(0).var;
-    const int words = driver.frameList.at(0).readCount;
+    const VARIABLE item = driver.loop.frameList.at(0).var;
+    const int words = driver.loop.frameList.at(0).readCount;
     unsigned char values[2 * MaxWordsPerFrame];
-    readReplyBytes(reply, driver.frameList.at(0), values);
+    readReplyBytes(reply, driver.loop.frameList.at(0), values);
     for (int i = 0; i < item.count; ++i) {
         const int position = bitInWord(item.startAddr) + i;
         const int bitMask = 1 << position % 8;

@@ -8,7 +8,7 @@ QString refusalText(const QByteArray &)
 
 void handShakeFrame()
 {
-    driver.frameList.append(FRAME_PRO());
+    driver.loop.frameList.append(FRAME_PRO());
 }
 
 quint16 computate_check(const quint8 *bytes, quint16 length)
@@ -21,10 +21,10 @@ quint16 computate_check(const quint8 *bytes, quint16 length)
 
 int allMix_GetDataStartPosition(const QByteArray &, const QList<VARIABLE> &, int i)
 {
-    const int dataStart = driver.frameList.value(driver.frameIndex).dataStart;
-    if (i == 0 || driver.itemsInFrame < 1)
+    const int dataStart = driver.loop.frameList.value(driver.loop.frameIndex).dataStart;
+    if (i == 0 || driver.loop.itemsInFrame < 1)
         return dataStart;
-    return dataStart + WordChars * qMin(i, driver.itemsInFrame);
+    return dataStart + WordChars * qMin(i, driver.loop.itemsInFrame);
 }
 
 int allMix_GetRecvLenFromReadList(const QList<VARIABLE> &)

@@ -39,19 +39,18 @@ AddressSpan readAs(const AddressSpan &span, SendState purpose);
 /** Whether frames can name the station and first address of the span. */
 bool canBegin(const AddressSpan &span);
 
-/** How far apart two spans may lie to be joined. */
-enum MergeTest { StrictTest = 0, GapTolerantTest = 1 };
-
 /** What judgeAddrMerge() finds. */
 enum MergeVerdict { Joined = 0, Separate = 1 };
 
 /**
- * Whether `next`, the following span in weight order, may be joined to `block`; returns a
- * MergeVerdict. `mode` is a MergeTest; the tolerant one bridges gaps up to the block limit.
+ * Whether `next`, the following span in weight order, may be joined to `block` when as many units
+ * as `widestGap` may lie between the two; returns a MergeVerdict.
  */
-int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int mode);
+int judgeAddrMerge(const AddressSpan &block, const AddressSpan &next, int widestGap);
 
 // ---- Request frames (request.cpp) -----------------------------------------------------------
+// They are appended to driver.loop.frameList, whose head is in flight: a reply is judged as that to
+// the head while frames of the same item may follow it. Appending ends references into the list.
 
 /** Appends the read frame of the item, of a known type and no longer than a read carries. */
 void getReadFrame(const VARIABLE &item);
@@ -76,7 +75,7 @@ enum ReplyVerdict {
     Refused = 3               ///< the controller says no: given up at once; never on this link
 };
 
-/** Judges the reply to the head of driver.frameList; returns a ReplyVerdict. */
+/** Judges the reply to the head of driver.loop.frameList; returns a ReplyVerdict. */
 int check_rcv_data(const unsigned char *reply, int length);
 
 /**

@@ -30,9 +30,9 @@ inline unsigned char hexDigit(int nibble)
  */
 inline unsigned char nibbleOf(unsigned char character)
 {
-    const int letterOffset = character > 0x40 ? 9 : 0;
-    const int nibble = ((character & 0x0F) + letterOffset) & 0x0F;
-    return static_cast<unsigned char>(character < 0x30 ? 0 : nibble);
+    const int letterOffset = 9 * (character > 0x40);
+    const int fromZeroOn = -(character >= 0x30);  // all bits, or none
+    return static_cast<unsigned char>((character + letterOffset) & 0x0F & fromZeroOn);
 }
 
 /** The byte that the two characters at `pos` stand for, high nibble first. */
@@ -44,10 +44,10 @@ inline unsigned char asc2hex(const unsigned char *data, int pos)
 /** The checksum of a frame: the sum of `length` bytes, modulo 256. */
 inline int frameChecksum(const unsigned char *bytes, int length)
 {
-    unsigned sum = 0;
+    unsigned char sum = 0;
     for (int i = 0; i < length; ++i)
-        sum += bytes[i];
-    return int(sum & 0xFF);
+        sum = static_cast<unsigned char>(sum + bytes[i]);
+    return sum;
 }
 
 /**

@@ -168,10 +168,6 @@ void Bench::checkFrame()
     const QByteArray values(reinterpret_cast<const char *>(frame.var.valueBuf), ValueBytes);
     if (reads && !isBitType(frame.var.regName) && values != QByteArray(ValueBytes, '\0'))
         flaws << "a read with values";
-    const bool isWords = !isBitType(frame.var.regName);
-    if (shared[RecipeWriteRequest] == 1 && isWords &&
-        values.mid(2 * frame.var.count) != QByteArray(ValueBytes - 2 * frame.var.count, '\0'))
-        flaws << "a recipe's item with more than its values";
 }
 
 QByteArray Bench::request() const

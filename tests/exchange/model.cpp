@@ -2,6 +2,7 @@
 #include "model.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace {
 
@@ -25,6 +26,11 @@ bool isBits(const Range &range)
 char deviceOf(const Range &range)
 {
     return plc::Memory::letter(areaOf(range).toLatin1());
+}
+
+bool areContacts(const Range &range)
+{
+    return !isWords(range) && !isBits(range);
 }
 
 int wordsFrom(int bit, int count)
@@ -57,7 +63,7 @@ int valueAt(const Range &range, const QByteArray &values, int i)
 /** The order of blocks: by station, type and address. */
 std::tuple<int, int, int> placeOf(const Range &range)
 {
-    const QStringList types = QString("M_W D_W TX").split(' ');
+    const QStringList types = QString("M_W D_W M_bit TX").split(' ');
     return std::make_tuple(range.station, int(types.indexOf(range.name)), range.start);
 }
 
@@ -72,24 +78,37 @@ Ranges piecesOf(const Range &range, int most)
     return pieces;
 }
 
+void sortByPlace(Ranges &ranges)
+{
+    std::stable_sort(ranges.begin(), ranges.end(),
+                     [](const Range &a, const Range &b) { return placeOf(a) < placeOf(b); });
+}
+
+/** Makes `block` reach over `next` as well; false when they stay apart. */
+bool join(Range &block, const Range &next, int gapLimit, int limit)
+{
+    const int extent = next.start + next.count - block.start;
+    if (block.station != next.station || block.name != next.name || extent > limit ||
+        next.start - block.start - block.count > gapLimit ||
+        (areContacts(block) && block.start != next.start))
+        return false;
+    block.count = qMax(block.count, extent);
+    return true;
+}
+
 Ranges joined(const Ranges &ranges, int gapLimit, int limit)
 {
     Ranges blocks;
-    for (const Range &next : ranges) {
-        if (!blocks.empty()) {
-            Range &block = blocks.back();
-            const int extent = next.start + next.count - block.start;
-            const bool mayJoin = block.station == next.station && block.name == next.name &&
-                                 next.start - block.start - block.count <= gapLimit &&
-                                 (isWords(block) || block.start == next.start);
-            if (mayJoin && extent <= limit) {
-                block.count = qMax(block.count, extent);
-                continue;
-            }
-        }
-        blocks.push_back(next);
-    }
+    for (const Range &next : ranges)
+        if (blocks.empty() || !join(blocks.back(), next, gapLimit, limit))
+            blocks.push_back(next);
     return blocks;
+}
+
+/** What the entries of a block span. */
+Range spanOf(const Ranges &entries)
+{
+    return joined(entries, 0, INT_MAX).front();
 }
 
 }  // namespace
@@ -133,8 +152,7 @@ int Model::monitor(const Ranges &keys)
         }
         blocks_.push_back(inWords(key));
     }
-    std::stable_sort(blocks_.begin(), blocks_.end(),
-                     [](const Range &a, const Range &b) { return placeOf(a) < placeOf(b); });
+    sortByPlace(blocks_);
     blocks_ = joined(joined(blocks_, 0, limit_), limit_, limit_);
     return int(blocks_.size());
 }
@@ -153,14 +171,32 @@ void Model::enqueue(Queue &queue, const Item &item)
 
 void Model::condition(const Range &range)
 {
-    const bool areContacts = !isWords(range) && !isBits(range);
     // 127 words a frame, and 16 of them asked for each contact.
-    const int most = areContacts ? 127 / 16 : isBits(range) ? 8 * limit_ : limit_;
+    const int most = areContacts(range) ? 127 / 16 : isBits(range) ? 8 * limit_ : limit_;
     for (Range piece : piecesOf(range, most)) {
-        piece.count *= areContacts ? 16 : 1;
+        piece.count *= areContacts(range) ? 16 : 1;
         latestCondition_ = inWords(piece);
-        enqueue(conditions_, {latestCondition_, QByteArray()});
+        enqueue(conditions_, {latestCondition_, QByteArray(), Ranges()});
     }
+}
+
+int Model::recipe(Ranges entries)
+{
+    item_.entries.clear();  // what is being read is nothing of this recipe's
+    isRefused_ = entries.empty();
+    if (isRefused_)
+        return 0;
+    sortByPlace(entries);
+    recipe_.clear();
+    Range block;
+    for (const Range &entry : entries) {
+        if (recipe_.empty() || !join(block, entry, 0, limit_)) {
+            recipe_.push_back(Ranges());
+            block = entry;
+        }
+        recipe_.back().push_back(entry);
+    }
+    return int(entries.size());
 }
 
 void Model::write(const Range &range, const QByteArray &values)
@@ -169,7 +205,8 @@ void Model::write(const Range &range, const QByteArray &values)
         const int width = widthOf(range);
         for (const Range &piece : piecesOf(range, isWords(range) ? limit_ : 8 * limit_))
             enqueue(writes_,
-                    {piece, values.mid((piece.start - range.start) * width, piece.count * width)});
+                    {piece, values.mid((piece.start - range.start) * width, piece.count * width),
+                     Ranges()});
     }
     const auto alike = std::count_if(writes_.begin(), writes_.end(), [&range](const Item &item) {
         return isSame(item.range, range);
@@ -211,29 +248,67 @@ QByteArray Model::get(const Range &range)
     return out;
 }
 
+void Model::takeRecipeBlock()
+{
+    state_ = asked[0] ? RecipeWrite : RecipeRead;
+    const Ranges &entries = recipe_[recipeBlock_];
+    const Range block = spanOf(entries);
+    if (state_ == RecipeRead) {
+        item_ = {inWords(block), QByteArray(), entries};
+        return;
+    }
+    item_ = {block, QByteArray(block.count * widthOf(block), '\0'), Ranges()};
+    // Words follow those of the first entry, each bit stands where its own entry has it.
+    if (isWords(block))
+        std::copy_n(&buffer[size_t(2 * entries.front().unit)], 2 * block.count,
+                    item_.values.begin());
+    for (const Range &entry : entries)
+        for (int i = 0; i < entry.count && !isWords(block); ++i)
+            item_.values[entry.start - block.start + i] =
+                buffer[size_t(2 * (entry.unit + i))] ? '\1' : '\0';
+}
+
+/** False when there is nothing to send. */
+bool Model::takeItem()
+{
+    // Refused, or taken back by the panel: the next transfer begins at its first block.
+    if (isRefused_ || !(asked[0] || asked[1])) {
+        asked[0] = asked[1] = 0;
+        recipeBlock_ = 0;
+    }
+    isQueueHead_ = false;
+    if (asked[0] || asked[1]) {
+        if (recipeBlock_ < recipe_.size())
+            takeRecipeBlock();  // otherwise the last item is sent again
+    } else if (!writes_.empty() && inARow_ < 10) {
+        state_ = Write;
+        item_ = writes_.front();
+        isQueueHead_ = true;
+        ++inARow_;
+    } else if (!conditions_.empty() && inARow_ < 3) {
+        state_ = Condition;
+        item_ = conditions_.front();
+        isQueueHead_ = true;
+        ++inARow_;
+    } else {
+        inARow_ = 0;
+        state_ = blocks_.empty() ? Idle : Cyclic;
+        if (state_ == Cyclic)
+            item_ = {blocks_[nextBlock_], QByteArray(), Ranges()};
+    }
+    return state_ != Idle;
+}
+
 QString Model::request()
 {
     if (frames_.empty()) {
-        if (!writes_.empty() && inARow_ < 10) {
-            state_ = Write;
-            item_ = writes_.front();
-            ++inARow_;
-        } else if (!conditions_.empty() && inARow_ < 3) {
-            state_ = Condition;
-            item_ = conditions_.front();
-            ++inARow_;
-        } else {
-            inARow_ = 0;
-            if (blocks_.empty())
-                return "-";
-            state_ = Cyclic;
-            item_ = {blocks_[nextBlock_], QByteArray()};
-        }
+        if (!takeItem())
+            return "-";
         const Range &range = item_.range;
         const int word = isWords(range) ? range.start : range.start / 16;
-        const bool areWords = isWords(range) || state_ != Write;
+        const bool areWords = isWords(range) || !isWriting();
         const int words = areWords ? range.count : wordsFrom(range.start, range.count);
-        if (state_ != Write)
+        if (!isWriting())
             frames_ = {{'r', word, words}};
         else if (isWords(range))
             frames_ = {{'w', word, words}};
@@ -256,8 +331,9 @@ int Model::good()
     QVector<int> words;
     for (int i = 0; i < frame.words; ++i)
         words << memory.word(deviceOf(range), frame.word + i);
-    if (frame.command == 'r' && state_ != Write) {
+    if (frame.command == 'r' && !isWriting()) {
         storeRead(words);
+        copyRecipe(words);
     } else if (frame.command == 'r') {
         merged_ = words;
     } else {
@@ -284,8 +360,7 @@ int Model::bad()
 {
     if (++failures_ < tries_)
         return 8;
-    if (state_ == Write)
-        settle(false);
+    settle(false);
     failures_ = 0;
     frames_.clear();
     finish(true);
@@ -313,8 +388,27 @@ void Model::storeRead(const QVector<int> &words)
     }
 }
 
+void Model::copyRecipe(const QVector<int> &words)
+{
+    for (const Range &entry : item_.entries) {
+        for (int i = 0; i < entry.count; ++i) {
+            // From the first bit of the words read; contacts are in the word that holds them.
+            const int bit = areContacts(entry) ? entry.start + i - item_.range.start / 16 * 16
+                                               : entry.start + i - item_.range.start * 16;
+            const int value = isWords(entry) ? words[entry.start + i - item_.range.start]
+                                             : words[bit / 16] >> bit % 16 & 1;
+            buffer[size_t(2 * (entry.unit + i))] = static_cast<unsigned char>(value);
+            buffer[size_t(2 * (entry.unit + i) + 1)] = static_cast<unsigned char>(value >> 8);
+            reports << QString("RWI %1").arg(entry.unit + i);
+        }
+    }
+}
+
+/** A write from the queue; one that is sent again has been settled. */
 void Model::settle(bool ok)
 {
+    if (state_ != Write || !isQueueHead_)
+        return;
     const Range &range = item_.range;
     for (int i = 0; i < range.count; ++i) {
         const int a = range.start + i;
@@ -341,16 +435,21 @@ void Model::settle(bool ok)
 
 void Model::finish(bool failed)
 {
-    if (state_ == Write) {
+    if (state_ == RecipeWrite || state_ == RecipeRead) {
+        if (failed || ++recipeBlock_ >= recipe_.size()) {
+            recipeBlock_ = 0;
+            asked[state_ == RecipeRead] = 0;
+        }
+    } else if (state_ == Write && isQueueHead_) {
         writes_.pop_front();
-    } else if (state_ == Condition) {
+    } else if (state_ == Condition && isQueueHead_) {
         if (isSame(conditions_.front().range, latestCondition_))
             reports << (failed ? "done -1" : "done 0");
         if (failed)
             conditions_.clear();
         else
             conditions_.pop_front();
-    } else if (blocks_.size() > 1) {
+    } else if (state_ == Cyclic && blocks_.size() > 1) {
         nextBlock_ = (nextBlock_ + 1) % blocks_.size();
     }
 }

@@ -11,9 +11,8 @@
 #include "bench.h"
 
 /**
- * Words of M and D, bits of M and contacts TX, of small addresses and stations. No recipes, no full
- * queues, no calls from inside a report; at most 127 words or 1024 bits a call, block limits
- * from 1.
+ * Words of M and D, bits of M and contacts TX, of small addresses and stations. No full queues, no
+ * calls from inside a report; at most 127 words or 1024 bits a call, block limits from 1.
  */
 class Model
 {
@@ -32,6 +31,7 @@ class Model
     {
         Range range;
         QByteArray values;
+        Ranges entries;  // of a recipe block that is read
     };
     struct Frame
     {
@@ -40,16 +40,20 @@ class Model
         int words;
     };
     typedef std::deque<Item> Queue;
-    enum State { Write, Condition, Cyclic };
+    enum State { Idle, Write, Condition, Cyclic, RecipeWrite, RecipeRead };
 
 public:
     Model(int blockLimit, int tries, bool keepsWrites)
-        : limit_(blockLimit), tries_(tries), keepsWrites_(keepsWrites)
+        : buffer(2 * Bench::RecipeUnits),
+          limit_(blockLimit),
+          tries_(tries),
+          keepsWrites_(keepsWrites)
     {
     }
 
     int monitor(const Ranges &keys);
     void condition(const Range &range);
+    int recipe(Ranges entries);
     void write(const Range &range, const QByteArray &values);
     QByteArray get(const Range &range);
     /** The next request, or the same until it has ended; as Bench::exchange() names it. */
@@ -58,15 +62,21 @@ public:
     int good();
     int bad();
 
-    plc::Memory memory;   ///< of the controller
-    QStringList reports;  ///< as Bench::calls has them
+    plc::Memory memory;                 ///< of the controller
+    std::vector<unsigned char> buffer;  ///< the recipe's
+    unsigned char asked[2] = {0, 0};    ///< the request bytes, writing and reading
+    QStringList reports;                ///< as Bench::calls has them
 
 private:
     Unit &unitAt(const Range &range, int address);
     void enqueue(Queue &queue, const Item &item);
     void report(int station, const QString &name, int address);
     void reportWord(const Range &range, int word, const Unit &unit, int changed);
+    bool takeItem();
+    void takeRecipeBlock();
+    bool isWriting() const { return state_ == Write || state_ == RecipeWrite; }
     void storeRead(const QVector<int> &words);
+    void copyRecipe(const QVector<int> &words);
     void settle(bool ok);
     void finish(bool failed);
 
@@ -79,9 +89,13 @@ private:
     Range latestCondition_;
     Ranges blocks_;
     size_t nextBlock_ = 0;
+    std::vector<Ranges> recipe_;  // the entries of each block
+    bool isRefused_ = false;
+    size_t recipeBlock_ = 0;
     int inARow_ = 0;
-    State state_ = Cyclic;
+    State state_ = Idle;
     Item item_;
+    bool isQueueHead_ = false;
     std::deque<Frame> frames_;
     QVector<int> merged_;
     int failures_ = 0;

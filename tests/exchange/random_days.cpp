@@ -42,10 +42,12 @@ QString randomDay(const QByteArray &property, unsigned seed)
         earlier.insert(earlier.begin(), some);
         return some;
     };
+    for (size_t i = 0; i < 500; ++i)
+        bench.buffer[i] = model.buffer[i] = static_cast<unsigned char>(pick(3) ? pick(256) : 0);
     bool isLost = false;
     for (int step = 0; step < 500; ++step) {
         QString did, must;
-        const int what = pick(24);
+        const int what = pick(28);
         if (what == 0) {
             Ranges keys(size_t(pick(7)));
             std::generate(keys.begin(), keys.end(), range);
@@ -68,6 +70,17 @@ QString randomDay(const QByteArray &property, unsigned seed)
             const quint16 value = quint16(pick(2) ? pick(4) : pick(0x10000));
             bench.memory.setWord(device, word, value);
             model.memory.setWord(device, word, value);
+        } else if (what == 24) {
+            Ranges entries(size_t(pick(5)));
+            std::generate(entries.begin(), entries.end(), range);
+            for (Range &entry : entries)
+                entry.unit = pick(200);
+            did = QString("%1 entries").arg(bench.recipe(entries));
+            must = QString("%1 entries").arg(model.recipe(entries));
+        } else if (what > 24) {
+            const int which = pick(2);
+            model.asked[which] = static_cast<unsigned char>(pick(2));
+            bench.shared[size_t(RecipeWriteRequest + which)] = model.asked[which];
         } else if (what < 12) {
             const Range some = range();
             did = bench.get(some).toHex();
@@ -86,6 +99,10 @@ QString randomDay(const QByteArray &property, unsigned seed)
         must += " => " + model.reports.join(", ");
         if (!holdAlike(bench.memory, model.memory))
             bench.flaws << "another value is written";
+        if (bench.buffer != model.buffer)
+            bench.flaws << "the recipe buffer differs";
+        if (!std::equal(model.asked, model.asked + 2, &bench.shared[RecipeWriteRequest]))
+            bench.flaws << "the request bytes differ";
         if (did != must || !bench.flaws.isEmpty())
             return QString("seed %1, step %2: %3, not %4; ").arg(seed).arg(step).arg(did, must) +
                    bench.flaws.join("; ");

@@ -73,7 +73,7 @@ void recipeRows()
         buffer 0 x8 : 1234 0000 0100 0000 0100 0000 0100 EEEE; get M_W 100 : 2080
         get M_W 1604 : 0000)");
     row("a transfer leaves the kind of the item before it and the values of no other", R"(
-        recipe D_W 10 @0 : 1; write D_W 5 kind 3 = FFFF; serve 1 : wD5; request 1 0
+        recipe D_W 10 @0 : 1; write D_W 5 kind 3 = FFFFFFFF; serve 1 : wD5x2; request 1 0
         send : wa 1400 00 02 0000; item : 3 1 D_W 10 x1)");
     row("a recipe write is not settled like a queued one", R"(monitor D_W 10 : 1
         write D_W 10 = 0100 => D_W 10; recipe D_W 10 @0 : 1; request 1 0; send : *; reply ok
@@ -82,6 +82,18 @@ void recipeRows()
     row("blocks and position outlive a new start, the queues do not", R"(
         recipe D_W 10 @0, D_W 20 @1 : 2; request 0 1; serve 1 : rD10 => RWI 0; flood write 1
         flood condition 1; init 7#0#0#3#64; serve 2 : rD20 - => RWI 1)");
+    row("a request taken back: the next transfer begins at its first block", R"(
+        recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 1 0; serve 2 : wD10 wD20; request 0 0
+        send : -; request 1 0; serve 4 : wD10 wD20 wD30 -; requested : 0 0; request 0 1
+        serve 1 : rD10 => *; request 0 255; send : -; request 0 1; serve 3 : rD10 rD20 rD30 => *)");
+    row("taken back in flight: the block ends, the next transfer begins at its first", R"(
+        recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 1 0; serve 1 : wD10; send : *
+        request 0 0; send : wa 2800 00 02 0000; reply none : 8; send : *; reply ok; send : -
+        request 1 0; serve 4 : wD10 wD20 wD30 -; requested : 0 0)");
+    row("taken back and set again, or the other one set, between two looks: the position stays", R"(
+        recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 1 0; serve 1 : wD10; request 0 0
+        request 1 0; send : *; request 0 0; reply ok; request 0 1; serve 1 : rD30 => *
+        requested : 0 0; request 0 1; serve 1 : rD10 => *)");
     row("no entry kept: both requests are refused, the queues go on", R"(
         recipe D_W 10 @0, D_W 20 @1 : 2; recipe D_W 30 @0 owner 3 : 0; flood write 1
         request 1 1; serve 1 : wD0; requested : 0 0; recipe D_W 30 @0 : 1; request 1 0

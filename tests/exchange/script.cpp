@@ -90,13 +90,18 @@ QString outcomeOf(Bench &bench, const QString &action)
         return bench.errorText;
     if (verb == "send")
         return bench.send() ? bench.request().mid(1, bench.frame.sendLen - 4) : QByteArray("-");
-    if (verb == "item")
-        return QString("%1 %2 %3 %4 x%5")
-            .arg(item.kind)
-            .arg(item.stationNo)
-            .arg(item.regName)
-            .arg(item.startAddr)
-            .arg(item.count);
+    if (verb == "item") {
+        const QByteArray all(reinterpret_cast<const char *>(item.valueBuf), ValueBytes);
+        const QByteArray rest = all.mid(2 * item.count);
+        const bool isMore = !isBitType(item.regName) && rest.count('\0') != rest.size();
+        return QString("%1 %2 %3 %4 x%5 ")
+                   .arg(item.kind)
+                   .arg(item.stationNo)
+                   .arg(item.regName)
+                   .arg(item.startAddr)
+                   .arg(item.count) +
+               (isMore ? "more" : "");
+    }
     if (verb == "reply")
         return unlessOne(bench.reply(
             replyFor(bench, text.section(' ', 0, 0), text.section(' ', 1).remove(' ').toLatin1())));

@@ -15,7 +15,8 @@
 //     requested : WRITE READ             what they are now
 //     flood write|condition COUNT        D_W 0, 1, 2 ..., one word each; the values 1, 2, 3 ...
 //     send : BODY                        the frame without opening byte, checksum, closing byte
-//     item : KIND STATION RANGE          what the frame says it serves
+//     item : KIND STATION RANGE          what the frame says it serves; behind words "more", if it
+//                                        carries values beyond them
 //     reply none|ok|plc|data DATA|hex HEX|raw HEX : RESULT
 //                                        ok acknowledges, plc: the controller's own, data and hex
 //                                        in a good frame, raw as it is

@@ -73,15 +73,23 @@ the filler's long name  D_W:100         7  ▁▂▃▄█                  12  
                         D_W:500         5  no reply to 3 requests of 500 ms each    5.0 s      1 h|)";
     QTest::newRow("narrow: names give way") << 10 << 60 << R"(
 name    address     value  changes          changed     read
-the fi  D_W:100         7       12            5.0 s    2 min
-        D_W:500         5  no reply to 3 r    5.0 s      1 h|)";
+the f…  D_W:100         7       12            5.0 s    2 min
+        D_W:500         5  no reply to 3 …    5.0 s      1 h|)";
     QTest::newRow("narrower") << 10 << 40 << R"(
 address     value  changes          read
 D_W:100         7       12         2 min
-D_W:500         5  no reply to       1 h|)";
+D_W:500         5  no reply to…      1 h|)";
+    QTest::newRow("values give way last") << 10 << 18 << R"(
+address     value
+D_W:100         7
+D_W:500         5|)";
+    QTest::newRow("and are marked") << 2 << 16 << R"(
+address     val~
+D_W:100        ~
+... and 1 more,~|)";
     QTest::newRow("low, and no UTF-8") << 2 << 79 << R"(
 name             address     value  trend             changes  changed     read
-the filler's lo  D_W:100         7  _.,-#                  12    5.0 s    2 min
+the filler's l~  D_W:100         7  _.,-#                  12    5.0 s    2 min
 ... and 1 more, 1 of them not good|)";
 }
 
@@ -137,7 +145,7 @@ void TestWatchParts::logsGoOn()
     log.flush();
     bool refused = false;
     try {
-        openLog(log.fileName(), "time,name");
+        OutputFile(log.fileName(), {"log", "^time,"}, "time,name");
     } catch (const Failure &failure) {
         refused = failure.status() == BadInput;
     }

@@ -72,17 +72,20 @@ private slots:
     {
         // As loaded.
         for (const int number :
-             {driver.propItem0, driver.propItem1, driver.propItem2, driver.propItem3,
-              driver.propItem4, driver.sendState, driver.runCount, driver.handShakeRequest,
-              driver.retryCount, driver.lastFrameFailed, driver.frameIndex, driver.rcpIndex,
-              driver.itemsInFrame, driver.curVar.startAddr, driver.curVar.count})
+             {driver.settings.propItem0, driver.settings.propItem1, driver.settings.propItem2,
+              driver.settings.propItem3, driver.settings.propItem4, driver.loop.sendState,
+              driver.loop.runCount, driver.loop.handShakeRequest, driver.loop.retryCount,
+              driver.loop.lastFrameFailed, driver.loop.frameIndex, driver.recipe.rcpIndex,
+              driver.loop.itemsInFrame, driver.loop.curVar.startAddr, driver.loop.curVar.count})
             QCOMPARE(number, 0);
-        QVERIFY(!driver.hostShared && !driver.hostContext && !driver.rcpBuffer);
+        QVERIFY(!driver.settings.hostShared && !driver.settings.hostContext &&
+                !driver.settings.rcpBuffer);
         intf_initProperty(shared, buffer, buffer, nullptr, "1#2#3#4#5", &hostMutex);
-        QCOMPARE(driver.propItem0 + 10 * driver.propItem1 + 100 * driver.propItem2 +
-                     1000 * driver.propItem3 + 10000 * driver.propItem4,
+        QCOMPARE(driver.settings.propItem0 + 10 * driver.settings.propItem1 +
+                     100 * driver.settings.propItem2 + 1000 * driver.settings.propItem3 +
+                     10000 * driver.settings.propItem4,
                  54321);
-        QCOMPARE(driver.hostContext, static_cast<void *>(buffer));
+        QCOMPARE(driver.settings.hostContext, static_cast<void *>(buffer));
     }
 
     void init()
@@ -100,11 +103,11 @@ private slots:
         intf_setData(1, "TX", 5, 3, ones, 0);
         intf_setData(1, "Q_bit", 5, 1, ones, 0);
         intf_getData(1, "D_W", 5, 0, out);
-        QCOMPARE(int(driver.dataAreaList.size()), 6);
+        QCOMPARE(int(driver.cache.dataAreaList.size()), 6);
         QCOMPARE(getIndexOfDataArea(1, "M", 1), 1);
         QCOMPARE(getIndexOfDataArea(1, "m", 1), 6);
         init();
-        QVERIFY(driver.dataAreaList.isEmpty());
+        QVERIFY(driver.cache.dataAreaList.isEmpty());
     }
 
     void requestBytesAreGuarded()
@@ -121,21 +124,21 @@ private slots:
     {
         writeBit();
         ask();
-        QVERIFY(waitsFor(driver.mutex, writeBit));
-        QCOMPARE(int(driver.writeList.size()), 2);
-        QVERIFY(waitsFor(driver.mutex, acknowledge));
-        QCOMPARE(int(driver.writeList.size()), 1);
+        QVERIFY(waitsFor(driver.loop.mutex, writeBit));
+        QCOMPARE(int(driver.loop.writeList.size()), 2);
+        QVERIFY(waitsFor(driver.loop.mutex, acknowledge));
+        QCOMPARE(int(driver.loop.writeList.size()), 1);
     }
 
     void handShake()
     {
-        driver.handShakeRequest = 1;
+        driver.loop.handShakeRequest = 1;
         FRAME_PRO frame;
         frame.sendLen = -1;
         QCOMPARE(intf_getSendFrame(&frame), 1);
         QVERIFY(!frame.sendLen && !frame.replyLen && !frame.dataStart && !frame.readCount);
-        QCOMPARE(driver.itemsInFrame, 1);
-        driver.handShakeRequest = 0;
+        QCOMPARE(driver.loop.itemsInFrame, 1);
+        driver.loop.handShakeRequest = 0;
         QString text("was there");
         for (const int result : {8, 8, 2, 0}) {
             QCOMPARE(intf_dealRcvFrame("\x06x78\x04", &text), result);
@@ -155,10 +158,10 @@ private slots:
         QCOMPARE(allMix_GetRecvLenFromReadList(items), 0);
         FRAME_PRO frame;
         frame.dataStart = 2;
-        driver.frameList << frame;
+        driver.loop.frameList << frame;
         const int expected[][3] = {{0, 3, 2}, {1, 3, 6}, {5, 3, 14}, {1, 1, 6}, {1, 0, 2}};
         for (const int(&each)[3] : expected) {
-            driver.itemsInFrame = each[1];
+            driver.loop.itemsInFrame = each[1];
             QCOMPARE(allMix_GetDataStartPosition("", items, each[0]), each[2]);
         }
     }

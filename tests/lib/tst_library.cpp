@@ -87,6 +87,40 @@ private slots:
         QCOMPARE(own, QStringList("libtolvane_link.so.2"));
     }
 
+    void asksForNoNewerLibrary_data()
+    {
+        QTest::addColumn<QString>("newest");  // that a panel of 2012 has
+        QTest::newRow("C") << "GLIBC_2.14";
+        QTest::newRow("C++") << "GLIBCXX_3.4";
+        QTest::newRow("C++ runtime") << "CXXABI_1.3";
+    }
+
+    void asksForNoNewerLibrary()
+    {
+        QFETCH(QString, newest);
+        const QString family = newest.section('_', 0, 0) + '_';
+        const auto number = [&family](const QString &version) {
+            std::vector<int> parts;
+            for (const QString &part : version.mid(int(family.size())).split('.'))
+                parts.push_back(part.toInt());
+            return parts;
+        };
+        const QStringList asked = lines("readelf -VW").filter("Name: ");
+        QVERIFY(!asked.isEmpty());
+        for (const QString &line : asked) {
+            const QString version = line.section("Name: ", 1).section(' ', 0, 0);
+            QVERIFY2(!version.startsWith(family) || number(version) <= number(newest),
+                     qPrintable(version));
+        }
+    }
+
+    void isHardened()
+    {
+        QCOMPARE(int(lines("readelf -d").filter("BIND_NOW").size()), 1);
+        QCOMPARE(int(lines("readelf -lW").filter("GNU_RELRO").size()), 1);
+        QCOMPARE(int(lines("nm -D").filter("__stack_chk_fail").size()), 1);
+    }
+
     void layout()
     {
         typedef VARIABLE V;

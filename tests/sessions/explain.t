@@ -59,6 +59,15 @@ Frames in plain words: as hex pairs with or without blanks.
   
   2 frames, 2 wrong
   [1]
+  $ tolvane-host explain 0672 3930 $(printf 30%.0s $(seq 39)) 04 | head -4
+  <- 06 72 39 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30 30
+           ^^
+     30 30 30 30 30 30 30 30 30 30 30 04
+     wrong: 39 bytes of data are no words
+  $ (printf '06 72 '; printf '30 %.0s' $(seq 30000); echo 04) | tolvane-host explain - | tail -3
+     checksum bytes 30 30: wrong, the bytes before add up to 12 (31 32)
+  
+  1 frame, 1 wrong
   $ tolvane-host explain 06 72 30 30 30 32 43 37 37 04
   <- 06 72 30 30 30 32 43 37 37 04
            ^^
@@ -124,7 +133,7 @@ A trace as the host writes one, whole, with replies that it refused, and cut at 
   
   2 frames, 1 wrong
   [1]
-  $ printf "$asked\n10:00:00.126Z  <-  $reply\n10:00:0" | tolvane-host explain --wrong -
+  $ printf "$asked\r\n10:00:00.126Z  <-  $reply\r\n10:00:0" | tolvane-host explain --wrong -
   2 frames, none wrong
 
 What socat heard: a request in two pieces, and one that came twice.

@@ -54,6 +54,8 @@ Reading and writing on a pseudo-terminal, as at a controller.
   <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
   $ tolvane-host read M_bit:20.5 --simulate --baud 9600 2>/dev/null
   M_bit:20.5  0
+  $ tolvane-host read M_bit:20.5 --simulate --pace none 2>/dev/null
+  M_bit:20.5  0
   $ programs=$(dirname "$(command -v tolvane-host)")
   $ cp "$programs/tolvane-host" "$programs/../lib/libtolvane_link.so" .
   $ ./tolvane-host read D_W:1 --simulate 2>&1 | sed 's#/[^ )]*/#.../#g'
@@ -92,6 +94,8 @@ Watching, on a line that a pipe or a log follows.
   tag  good  retries  errors  last good  min  mean  max ms  failures
   D_W:N  N  N  N  N s ago  N  N  N
   level  N  N  N  N s ago  N  N  N
+  $ tolvane-host watch --port plc D_W:100x203 --for 2 --timeout 5000 --csv - 2>/dev/null | grep -o 'D_W:300,30,.*'
+  D_W:300,30,good,
   $ tolvane-host watch --port plc two=D_W:100x2 --for 2 --timeout 5000 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
   time,name,address,value,quality,reason
   TIME,two[0],D_W:100,1,good,
@@ -117,7 +121,7 @@ Recipes.
   :646,"quality":"good","station":1,"tag":"M_bit:40.6x4","time":"TIME","values":[1,0,1,1],"wanted"
   :[1,0,1,1]}{"address":"D_W:1300","alike":true,"number":1300,"quality":"good","station":1,"tag":"
   D_W:1300x3:int16","time":"TIME","values":[-1,2,3],"wanted":[-1,2,3]}
-  $ printf 'D_W:1000:float\nM_bit:40.6x4\nD_W:1300x3:int16\n' > again.csv
+  $ printf 'address,values\nD_W:1000:float\nM_bit:40.6x4\nD_W:1300x3:int16\n' > again.csv
   $ tolvane-host recipe pull again.csv --port plc && diff recipe.csv again.csv
   $ tolvane-host recipe pull - D_W:1200x103 --port plc | tail -1 | cut -c1-10,198-
   D_W:1200x10,0,0,0,0,0,0,0,65535,2,3
@@ -125,11 +129,13 @@ Recipes.
   {"address":"D_W:100","number":100,"quality":"good","station":1,"tag":"D_W:100x2","time":"TIME","
   values":[1,2]}
   $ printf "D_W:101,2000\nD_W:1000x300$(printf ',7%.0s' $(seq 300))\n" > moving.csv
-  $ tolvane-host recipe push moving.csv --port moving | sed 's/holds.*/holds another/'
+  $ tolvane-host recipe push moving.csv --port moving > differs
+  [1]
+  $ sed 's/holds.*/holds another/' differs
   D_W:101: wrote 2000, the controller holds another
   1 of 2 addresses written and read back alike
 
-Refused before any line is opened, each with status 2 (but the last three) and what was expected.
+Refused before any line is opened, each with status 2 (or 1 for what is not there) and what was expected.
 
   $ printf 'D_W:600,1\nD_W:99999,1\n' > wrong.csv
   $ printf 'D_W:101,2000\n' > short.csv
@@ -168,6 +174,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   > recipe push wrong.csv
   > recipe pull - D_W:1x3 D_W:3
   > recipe pull - D_W:0x32768 N_W:0x21504 L_W:0x11264 P_W:0
+  > recipe pull - D_W:0x32768 N_W:0x21504 L_W:0x11264 --port /nowhere/tty
   > read D_W:1 --port /nowhere/tty
   > write D_W:1=2 --port /nowhere/tty
   > recipe push short.csv --port /nowhere/tty
@@ -195,7 +202,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   tolvane-host: --pace "fast": expected line or none
   [2]
   tolvane-host: cannot write "/nowhere/t": No such file or directory
-  [2]
+  [1]
   tolvane-host: nothing to write; expected ADDRESS=VALUE...
   [2]
   tolvane-host: argument 1: "D_W:1": expected ADDRESS=VALUE, such as D_W:100=5
@@ -211,7 +218,7 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   {"quality":"bad","reason":"--json and --csv - both want standard output"}
   tolvane-host: --json and --csv - both want standard output
   [2]
-  tolvane-host: "wrong.csv" is no log: its first line is "D_W:600,1", expected one that begins with "time,"; it was not touched
+  tolvane-host: "wrong.csv" is no log of values: it begins with "D_W:600,1"; it was not touched
   [2]
   tolvane-host: --poll "0": expected a number from 1 to 86400000
   [2]
@@ -230,13 +237,15 @@ Refused before any line is opened, each with status 2 (but the last three) and w
   tolvane-host: scale.csv:2: "x": expected a number as scale
   [2]
   tolvane-host: cannot read the recipe /nowhere/r: No such file or directory
-  [2]
+  [1]
   tolvane-host: wrong.csv:2: address "D_W:99999": outside D_W, which reaches from 0 to 32767
   [2]
   tolvane-host: recipe: D_W:1x3 and D_W:3 overlap
   [2]
   tolvane-host: recipe: more than 65536 values
   [2]
+  tolvane-host: D_W:0x32768: cannot open /nowhere/tty: there is no device /nowhere/tty; nothing was written
+  [1]
   tolvane-host: D_W:1: cannot open /nowhere/tty: there is no device /nowhere/tty
   [1]
   tolvane-host: cannot open /nowhere/tty: there is no device /nowhere/tty

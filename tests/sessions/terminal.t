@@ -18,11 +18,3 @@ A terminal gets a table, drawn over the one before; the cursor is back at the en
   ^[Nm... and N more, N of them not good^[Nm^[K
   ^[Nmlevel  D_W:N         -  not read yet                     -        -^[Nm^[K
   level  D_W:N       N  _ N    N s    N s^[K
-  $ script -qec "tolvane-host recipe pull recipe.csv D_W:0x300 --port $place" terminal > /dev/null < /dev/null
-  $ tr '\r' '\n' < terminal | grep -v ^Script
-  
-  pull [################                        ] 127 of 300 in 1 block
-  pull [#################################       ] 254 of 300 in 2 blocks
-  pull [########################################] 300 of 300 in 3 blocks
-  
-  

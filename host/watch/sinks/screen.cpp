@@ -67,6 +67,14 @@ QString ageText(const std::optional<LineTime> &since, LineTime now)
     return seconds < 3600 ? "%1 min"_s.arg(int(seconds / 60)) : "%1 h"_s.arg(int(seconds / 3600));
 }
 
+// What is cut off is marked.
+QString cut(const QString &text, int width, bool unicode)
+{
+    if (text.size() <= width)
+        return text;
+    return text.left(std::max(0, width - 1)) + (unicode ? "…"_s : "~"_s);
+}
+
 /** The columns and their widths, 0 for one that is not there. */
 struct Layout
 {
@@ -75,24 +83,27 @@ struct Layout
     int value = LeastValueWidth;
     int trend = TrendWidth;
     int changed = AgeWidth;
+    int read = AgeWidth;
     int spare = 0;  // columns that reasons may take beyond their own
+    bool unicode;
 
-    Layout(const QVector<WatchedValue> &values, int columns)
+    Layout(const QVector<WatchedValue> &values, int columns, bool withUnicode)
+        : unicode(withUnicode)
     {
+        int longest = 0;
         for (const WatchedValue &item : values) {
             name = std::max(name, item.hasOwnName ? int(item.name.size()) : 0);
             address = std::max(address, int(item.address.size()));
             value = std::max(value, int(item.text.size()));
+            longest = std::max(longest, int(item.reason.size()));
         }
-        // Addresses and values tell rows apart, so names give way first.
+        // Addresses and values tell rows apart, so all else gives way, and names first.
         name = std::min(name, std::max(LeastNameWidth, name - (width() - columns)));
-        for (int *column : {&trend, &changed, &name})
+        for (int *column : {&trend, &changed, &name, &read})
             if (width() > columns)
                 *column = 0;
-        int longest = 0;
-        for (const WatchedValue &item : values)
-            longest = std::max(longest, int(item.reason.size()));
-        spare = std::max(0, std::min(columns - width(), longest - state()));
+        spare =
+            std::max(-LeastStateWidth, std::min(columns - width(), std::max(0, longest - state())));
     }
 
     /** Between value and ages: trend and changes, or why the value is not good. */
@@ -100,43 +111,37 @@ struct Layout
 
     int width() const
     {
-        int sum = address + Gap + value + Gap + state() + Gap + AgeWidth;
-        for (const int column : {name, changed})
+        int sum = address + Gap + value + Gap + state();
+        for (const int column : {name, changed, read})
             sum += column > 0 ? column + Gap : 0;
         return sum;
     }
 
     Table table() const
     {
-        QVector<Table::Column> columns;
-        if (name > 0)
-            columns << Table::Column{Table::Left, name, 0};
-        columns << Table::Column{Table::Left, address, name > 0 ? Gap : 0}
-                << Table::Column{Table::Right, value} << Table::Column{Table::Left, state()};
-        for (const int width : {changed, AgeWidth})
-            if (width > 0)
-                columns << Table::Column{Table::Right, width};
-        return Table(columns);
+        Table::Side left = Table::Left;
+        Table::Side right = Table::Right;
+        return Table({{left, name, 0},
+                      {left, address, name > 0 ? Gap : 0},
+                      {right, value},
+                      {left, state(), state() > 0 ? Gap : 0},
+                      {right, changed, changed > 0 ? Gap : 0},
+                      {right, read, read > 0 ? Gap : 0}});
     }
 
-    QStringList row(const QString &nameText, const QString &addressText, const QString &valueText,
-                    const QString &stateText, const QString &changedText,
-                    const QString &readText) const
+    /** The cells: name, address, value, state, changed and read. */
+    QStringList row(QStringList cells) const
     {
-        QStringList cells;
-        if (name > 0)
-            cells << nameText.left(name);
-        cells << addressText << valueText << stateText.left(state());
-        if (changed > 0)
-            cells << changedText;
-        return cells << readText;
+        const int widths[] = {name, address, value, state(), changed, read};
+        for (int i = 0; i < int(cells.size()); ++i)
+            cells[i] = widths[i] > 0 ? cut(cells[i], widths[i], unicode) : QString();
+        return cells;
     }
 
     QString stateText(const QString &trendText, const QString &changesText) const
     {
-        return trend > 0 ? trendText.leftJustified(trend) + QString(Gap, QLatin1Char(' ')) +
-                               changesText.rightJustified(ChangesWidth)
-                         : changesText.rightJustified(ChangesWidth);
+        const QString changes = changesText.rightJustified(ChangesWidth);
+        return trend > 0 ? trendText.leftJustified(trend + Gap) + changes : changes;
     }
 };
 
@@ -146,19 +151,19 @@ QVector<TableLine> composeTable(const QVector<WatchedValue> &values, LineTime no
                                 int columns, bool unicode)
 {
     const auto isPoor = [](const WatchedValue &value) { return value.quality != Quality::Good; };
-    const Layout layout(values, columns);
+    const Layout layout(values, columns, unicode);
     Table table = layout.table();
-    table.add(layout.row("name"_s, "address"_s, "value"_s, layout.stateText("trend"_s, "changes"_s),
-                         "changed"_s, "read"_s));
+    table.add(layout.row({"name"_s, "address"_s, "value"_s,
+                          layout.stateText("trend"_s, "changes"_s), "changed"_s, "read"_s}));
     const int all = int(values.size());
     const int shown = all < rows ? all : std::max(1, rows - 2);  // heading, "more"
     for (const WatchedValue &value : values.mid(0, shown))
-        table.add(layout.row(value.hasOwnName ? value.name : QString(), value.address,
-                             value.text.isEmpty() ? "-"_s : value.text,
-                             isPoor(value) ? value.reason
-                                           : layout.stateText(trendText(value.trend, unicode),
-                                                              QString::number(value.changes)),
-                             ageText(value.changedAt, now), ageText(value.readAt, now)));
+        table.add(layout.row({value.hasOwnName ? value.name : QString(), value.address,
+                              value.text.isEmpty() ? "-"_s : value.text,
+                              isPoor(value) ? value.reason
+                                            : layout.stateText(trendText(value.trend, unicode),
+                                                               QString::number(value.changes)),
+                              ageText(value.changedAt, now), ageText(value.readAt, now)}));
     QVector<TableLine> lines;
     for (const QString &text : table.lines())
         lines.append({text, !lines.isEmpty() && isPoor(values[lines.size() - 1])});
@@ -168,6 +173,8 @@ QVector<TableLine> composeTable(const QVector<WatchedValue> &values, LineTime no
                           (hidden > 0 ? ", %1 of them not good"_s.arg(hidden) : QString()),
                       hidden > 0});
     }
+    for (TableLine &line : lines)
+        line.text = cut(line.text, columns, unicode);
     return lines;
 }
 
@@ -195,7 +202,7 @@ void Screen::draw(const QVector<WatchedValue> &values, const LoopCounters &count
     // The cursor is hidden no longer than that, for nobody would give it back after a crash.
     QByteArray drawing = "\x1b[?25l" + toTop();
     for (const TableLine &line : std::as_const(lines)) {
-        const QByteArray text = line.text.left(columns).toUtf8();
+        const QByteArray text = cut(line.text, columns, m_unicode).toUtf8();
         drawing += (line.isGrey ? "\x1b[90m" + text + "\x1b[0m" : text) + "\x1b[K\r\n";
     }
     m_linesAbove = int(lines.size());

@@ -17,7 +17,8 @@ struct TableLine
 
 /**
  * The table's lines, for a terminal of that size: heading, values, and how many more there are.
- * Addresses and values are whole as long as there is room for them; names are cut first. Values
+ * Addresses and values are whole as long as there is room for them; names are cut first, and every
+ * cut is marked. Values
  * that are not good are grey, with the reason beside them.
  */
 QVector<TableLine> composeTable(const QVector<WatchedValue> &values, LineTime now, int rows,

@@ -8,10 +8,14 @@ namespace host {
 
 namespace {
 
+constexpr FileKind LogFile{"log of values", "^time,"};
+
 QString headingOf(ValueLog::Form form, const QVector<WatchedValue> &values)
 {
     if (form == ValueLog::Csv)
         return "time,name,address,value,quality,reason"_s;
+    if (form != ValueLog::CsvTable)
+        return QString();
     QStringList fields{"time"_s};
     for (const WatchedValue &value : values)
         fields << csvField(value.name) << csvField(value.name + " quality"_s);
@@ -28,9 +32,7 @@ QString presentText(const WatchedValue &value)
 ValueLog::ValueLog(const QString &path, Form form, Zone zone, const QVector<WatchedValue> &values)
     : m_form(form),
       m_zone(zone),
-      m_file(form == Csv || form == CsvTable
-                 ? openLog(path, headingOf(form, values))
-                 : std::make_unique<OutputFile>(path, OutputFile::Append))
+      m_file(std::make_unique<OutputFile>(path, LogFile, headingOf(form, values)))
 {
 }
 

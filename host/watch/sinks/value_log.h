@@ -21,8 +21,8 @@ public:
     };
 
     /**
-     * "-" is standard output. A CSV file that is there is gone on with, see openLog(). Throws
-     * Failure (bad input) when it cannot be written.
+     * "-" is standard output. A CSV file that is there is gone on with. Throws Failure, see
+     * OutputFile.
      */
     ValueLog(const QString &path, Form form, Zone zone, const QVector<WatchedValue> &values);
 
@@ -32,6 +32,9 @@ public:
 
     /** Writes a JSON object as a line of its own. Throws Failure. */
     void write(const QJsonObject &object);
+
+    /** Opens a file's name again. Throws Failure. */
+    void reopen() { m_file->reopen(); }
 
 private:
     QString line(const WatchedValue &value, const QString &time) const;

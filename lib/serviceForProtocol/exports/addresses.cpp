@@ -87,14 +87,9 @@ namespace {
 
 const char *widthCode(const QString &valueBits)
 {
-    switch (valueBits.toInt()) {
-        case 1:
-            return "0";
-        case 32:
-            return "2";
-        default:
-            return "1";
-    }
+    if (valueBits.toInt() == 1)
+        return "0";
+    return valueBits.toInt() == 32 ? "2" : "1";
 }
 
 const char *accessCode(const QString &access)

@@ -26,7 +26,7 @@ void intf_getDriverPropertyPage(QString &text)
 void intf_SetDriverPropertyPage(QString page)
 {
     // A copy of the characters: the host's text may lie over memory that goes away.
-    driver.propertyPage = QString(page.constData(), int(page.size()));
+    driver.settings.propertyPage = QString(page.constData(), int(page.size()));
 }
 
 QString intf_getVersion()

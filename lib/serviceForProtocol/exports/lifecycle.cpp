@@ -7,7 +7,7 @@
 
 void intf_setAddrValueChangeCallBack(ValueChangeCallBack callBack)
 {
-    driver.valueChangeCallBack = callBack;
+    driver.settings.valueChangeCallBack = callBack;
 }
 
 int intf_initProperty(unsigned char *hostShared, void *hostContext, unsigned char *rcpBuffer,
@@ -17,21 +17,21 @@ int intf_initProperty(unsigned char *hostShared, void *hostContext, unsigned cha
         *result = 0;
     const QStringList parts = QString::fromLatin1(propertyText).split(QLatin1Char('#'));
     if (parts.size() > 4) {
-        driver.propItem0 = parts.at(0).toInt();
-        driver.propItem1 = parts.at(1).toInt();
-        driver.propItem2 = parts.at(2).toInt();
-        driver.propItem3 = parts.at(3).toInt();
-        driver.propItem4 = parts.at(4).toInt();
+        driver.settings.propItem0 = parts.at(0).toInt();
+        driver.settings.propItem1 = parts.at(1).toInt();
+        driver.settings.propItem2 = parts.at(2).toInt();
+        driver.settings.propItem3 = parts.at(3).toInt();
+        driver.settings.propItem4 = parts.at(4).toInt();
     }
-    driver.hostShared = hostShared;
-    driver.hostContext = hostContext;
-    driver.rcpBuffer = rcpBuffer;
-    driver.hostMutex = hostMutex;
+    driver.settings.hostShared = hostShared;
+    driver.settings.hostContext = hostContext;
+    driver.settings.rcpBuffer = rcpBuffer;
+    driver.settings.hostMutex = hostMutex;
 
     clearDataAreas();
     // Merging, bridging and cutting keep to one limit: at least a word, at most a frame.
-    driver.mergeWords = qBound(1, driver.propItem4, wordsPerRequest());
-    driver.mergeBits = driver.mergeWords * 8;
+    driver.settings.mergeWords = qBound(1, driver.settings.propItem4, wordsPerRequest());
+    driver.settings.mergeBits = driver.settings.mergeWords * 8;
     restartLoop();
     return 1;
 }

@@ -1,8 +1,8 @@
 // Exports: the communication loop. One exchange, in the order in which it happens: the next item is
 // taken and asked for; its reply is judged and decoded; the item is finished.
 //
-// The frame in flight stays at the head of driver.frameList until its reply is good or it is given
-// up; a queued item stays at the head of its queue just as long.
+// The frame in flight stays at the head of driver.loop.frameList until its reply is good or it is
+// given up; a queued item stays at the head of its queue just as long.
 #include "loop.h"
 
 #include <QtCore/QMutexLocker>
@@ -28,12 +28,11 @@ void takeRecipe(SendState transfer);
 void takeQueueHead(const QList<VARIABLE> &queue, SendState state);
 void takeCyclicRead();
 void buildFrames();
-int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text);
 int dealReadFrameReturnSaveData(const QByteArray &reply, const RegisterType &type);
 void analyzeFrameOfVal(const QByteArray &reply, const FRAME_PRO &request, const RegisterType &type);
 void settleWrite(const RegisterType &type, int result);
-int finishFrame(quint32 exchange);
-int giveUp(quint32 exchange, const RegisterType &type);
+void finishFrame();
+int giveUp(const RegisterType &type);
 void dealListWhenFinish();
 void finishWrite();
 void finishConditionRead();
@@ -47,13 +46,13 @@ int intf_getSendFrame(FRAME_PRO *frame)
 {
     if (!frame)
         return 0;
-    if (driver.frameList.isEmpty()) {
+    if (driver.loop.frameList.isEmpty()) {
         takeNextItem();
         buildFrames();
     }
-    if (driver.frameList.isEmpty())
+    if (driver.loop.frameList.isEmpty())
         return 0;
-    *frame = driver.frameList.at(0);
+    *frame = driver.loop.frameList.at(0);
     return 1;
 }
 
@@ -61,63 +60,64 @@ namespace {
 
 void takeNextItem()
 {
-    const SendState transfer = takeTransferRequest();
-    if (driver.handShakeRequest) {
-        driver.sendState = HandShake;
+    const SendState transfer = nextTransfer();
+    if (driver.loop.handShakeRequest) {
+        driver.loop.sendState = HandShake;
     } else if (transfer != Idle) {
         takeRecipe(transfer);
-    } else if (!driver.writeList.isEmpty() && driver.runCount < WritesInARow) {
-        takeQueueHead(driver.writeList, QueuedWrite);
-    } else if (!driver.condReadList.isEmpty() && driver.runCount < ConditionReadsInARow) {
-        takeQueueHead(driver.condReadList, ConditionRead);
-    } else if (!driver.readList.isEmpty()) {
+    } else if (!driver.loop.writeList.isEmpty() && driver.loop.runCount < WritesInARow) {
+        takeQueueHead(driver.loop.writeList, QueuedWrite);
+    } else if (!driver.loop.condReadList.isEmpty() && driver.loop.runCount < ConditionReadsInARow) {
+        takeQueueHead(driver.loop.condReadList, ConditionRead);
+    } else if (!driver.loop.readList.isEmpty()) {
         takeCyclicRead();
     } else {
-        driver.runCount = 0;
-        driver.sendState = Idle;
+        driver.loop.runCount = 0;
+        driver.loop.sendState = Idle;
     }
 }
 
-/** The next block of the transfer; when there is none, the current item is repeated. */
+/**
+ * The next block of the transfer. When there is none, curVar and sendState stay those of the item
+ * before, so that it is sent once more; nothing is sent when there was none (Idle).
+ */
 void takeRecipe(SendState transfer)
 {
-    driver.itemIsQueueHead = false;
-    if (takeRecipeBlock(transfer, driver.curVar))
-        driver.sendState = transfer;
+    driver.loop.itemIsQueueHead = false;  // also of a repeated one: its queue has gone on
+    if (takeRecipeBlock(transfer, driver.loop.curVar))
+        driver.loop.sendState = transfer;
 }
 
 void takeQueueHead(const QList<VARIABLE> &queue, SendState state)
 {
-    driver.curVar = queue.first();
-    driver.itemIsQueueHead = true;
-    driver.sendState = state;
-    ++driver.runCount;
+    driver.loop.curVar = queue.first();
+    driver.loop.itemIsQueueHead = true;
+    driver.loop.sendState = state;
+    ++driver.loop.runCount;
 }
 
 void takeCyclicRead()
 {
-    driver.curVar.kind = CyclicReadKind;
-    setRange(driver.curVar, driver.readList.at(driver.readIndex));
-    std::memset(driver.curVar.valueBuf, 0, sizeof driver.curVar.valueBuf);
-    driver.sendState = CyclicRead;
-    driver.runCount = 0;
+    driver.loop.curVar.kind = CyclicReadKind;
+    setRange(driver.loop.curVar, driver.loop.readList.at(driver.loop.readIndex));
+    std::memset(driver.loop.curVar.valueBuf, 0, sizeof driver.loop.curVar.valueBuf);
+    driver.loop.sendState = CyclicRead;
+    driver.loop.runCount = 0;
 }
 
 void buildFrames()
 {
-    driver.itemsInFrame = 1;
-    switch (driver.sendState) {
+    driver.loop.itemsInFrame = 1;
+    switch (driver.loop.sendState) {
         case HandShake:
             return handShakeFrame();
         case QueuedWrite:
         case RecipeWrite:
-            return getWriteFrame(driver.curVar);
+            return getWriteFrame(driver.loop.curVar);
         case ConditionRead:
         case CyclicRead:
         case RecipeRead:
-            return getReadFrame(driver.curVar);
-        default:
-            return;
+            return getReadFrame(driver.loop.curVar);
     }
 }
 
@@ -130,45 +130,44 @@ int intf_dealRcvFrame(QByteArray reply, QString *errorText)
     QString unasked;
     QString &text = errorText ? *errorText : unasked;
     text = QLatin1String("");
-    if (driver.frameList.isEmpty())
+    if (driver.loop.frameList.isEmpty())
         return NoFrameInFlight;
-    const VARIABLE &item = driver.frameList.at(0).var;
+    const VARIABLE &item = driver.loop.frameList.at(0).var;
     const RegisterType type = registerType(item.regName);
     text = getErrorInfo(type, item, int(reply.size()));
-    return judgeReply(reply, type, text);
+    // From any report the host may start over or even finish this frame itself.
+    const ExchangeUnderWay exchange;
+    switch (check_rcv_data(reinterpret_cast<const unsigned char *>(reply.constData()),
+                           int(reply.size()))) {
+        case GoodReadReply:
+            driver.loop.lastFrameFailed = 0;
+            dealReadFrameReturnSaveData(reply, type);
+            break;
+        case GoodAcknowledgement:
+            driver.loop.lastFrameFailed = 0;
+            settleWrite(type, 1);
+            break;
+        case Refused:
+            text += refusalText(reply);
+            return giveUp(type);
+        default:
+            return ++driver.loop.retryCount < driver.settings.propItem3 ? int(SendAgain)
+                                                                        : giveUp(type);
+    }
+    if (exchange.stands())
+        finishFrame();
+    return Good;
 }
 
 namespace {
 
-int judgeReply(const QByteArray &reply, const RegisterType &type, QString &text)
-{
-    // From any report the host may start over or even finish this frame itself.
-    const quint32 exchange = driver.exchangeNo;
-    switch (check_rcv_data(reinterpret_cast<const unsigned char *>(reply.constData()),
-                           int(reply.size()))) {
-        case GoodReadReply:
-            driver.lastFrameFailed = 0;
-            dealReadFrameReturnSaveData(reply, type);
-            return finishFrame(exchange);
-        case GoodAcknowledgement:
-            driver.lastFrameFailed = 0;
-            settleWrite(type, 1);
-            return finishFrame(exchange);
-        case Refused:
-            text += refusalText(reply);
-            return giveUp(exchange, type);
-        default:
-            return ++driver.retryCount < driver.propItem3 ? int(SendAgain) : giveUp(exchange, type);
-    }
-}
-
 /** Takes the data of a good read reply; that to the read step of a write is merged into it. */
 int dealReadFrameReturnSaveData(const QByteArray &reply, const RegisterType &type)
 {
-    if (driver.sendState == QueuedWrite || driver.sendState == RecipeWrite)
+    if (driver.loop.sendState == QueuedWrite || driver.loop.sendState == RecipeWrite)
         appendMergedWrite(reply, type);
     else
-        analyzeFrameOfVal(reply, driver.frameList.at(0), type);
+        analyzeFrameOfVal(reply, driver.loop.frameList.at(0), type);
     return 0;
 }
 
@@ -177,9 +176,9 @@ void analyzeFrameOfVal(const QByteArray &reply, const FRAME_PRO &request, const 
 {
     quint16 values[MaxUnitsPerRead];
     readReplyValues(reply, request, type, values);
-    const quint32 exchange = driver.exchangeNo;
+    const ExchangeUnderWay exchange;
     storeReadValues(request.var.stationNo, type, request.var.startAddr, request.readCount, values);
-    if (exchange == driver.exchangeNo && driver.sendState == RecipeRead)
+    if (exchange.stands() && driver.loop.sendState == RecipeRead)
         copyRecipeReply(values);
 }
 
@@ -187,43 +186,40 @@ void analyzeFrameOfVal(const QByteArray &reply, const FRAME_PRO &request, const 
 void settleWrite(const RegisterType &type, int result)
 {
     // A repeated write is settled already; what waits for the same range now is another one.
-    if (driver.sendState != QueuedWrite || !driver.itemIsQueueHead)
+    if (driver.loop.sendState != QueuedWrite || !driver.loop.itemIsQueueHead)
         return;
-    const VARIABLE &item = driver.frameList.at(0).var;
+    const VARIABLE &item = driver.loop.frameList.at(0).var;
     _write_FailOrSuc(item.stationNo, type, item.startAddr, item.count, result);
 }
 
 // ---- The end of a frame and of its item -----------------------------------------------------
 
-int finishFrame(quint32 exchange)
+void finishFrame()
 {
-    if (exchange != driver.exchangeNo)
-        return Good;
-    driver.frameList.removeFirst();
-    ++driver.exchangeNo;
-    driver.retryCount = 0;
-    if (driver.frameList.isEmpty())
+    driver.loop.frameList.removeFirst();
+    ++driver.loop.exchangeNo;
+    driver.loop.retryCount = 0;
+    if (driver.loop.frameList.isEmpty())
         dealListWhenFinish();
-    return Good;
 }
 
 /** Ends the item with all its frames. */
-int giveUp(quint32 exchange, const RegisterType &type)
+int giveUp(const RegisterType &type)
 {
-    driver.lastFrameFailed = 1;
+    const ExchangeUnderWay exchange;
+    driver.loop.lastFrameFailed = 1;
     settleWrite(type, 0);
-    if (exchange != driver.exchangeNo)
+    if (!exchange.stands())
         return GivenUp;
-    driver.frameList.clear();
-    ++driver.exchangeNo;
-    driver.retryCount = 0;
-    dealListWhenFinish();
+    while (driver.loop.frameList.size() > 1)
+        driver.loop.frameList.removeLast();
+    finishFrame();
     return GivenUp;
 }
 
 void dealListWhenFinish()
 {
-    switch (driver.sendState) {
+    switch (driver.loop.sendState) {
         case QueuedWrite:
             return finishWrite();
         case ConditionRead:
@@ -231,20 +227,18 @@ void dealListWhenFinish()
         case CyclicRead:
             return finishCyclicRead();
         case RecipeWrite:
-            return finishRecipeBlock(RecipeWrite, driver.lastFrameFailed == 1);
+            return finishRecipeBlock(RecipeWrite, driver.loop.lastFrameFailed == 1);
         case RecipeRead:
-            return finishRecipeBlock(RecipeRead, driver.lastFrameFailed == 1);
-        default:
-            return;
+            return finishRecipeBlock(RecipeRead, driver.loop.lastFrameFailed == 1);
     }
 }
 
 void finishWrite()
 {
-    if (!driver.itemIsQueueHead)
+    if (!driver.loop.itemIsQueueHead)
         return;
-    QMutexLocker locker(&driver.mutex);
-    driver.writeList.removeFirst();
+    QMutexLocker locker(&driver.loop.mutex);
+    driver.loop.writeList.removeFirst();
 }
 
 /**
@@ -254,47 +248,47 @@ void finishWrite()
  */
 void finishConditionRead()
 {
-    if (!driver.itemIsQueueHead)
+    if (!driver.loop.itemIsQueueHead)
         return;
-    const bool failed = driver.lastFrameFailed == 1;
-    const bool batchDone = isSameRange(driver.condReadList.first(), driver.lastCondVar);
+    const bool failed = driver.loop.lastFrameFailed == 1;
+    const bool batchDone = isSameRange(driver.loop.condReadList.first(), driver.loop.lastCondVar);
     if (failed) {
-        driver.condReadList.clear();
-        ++driver.condHeadNo;
+        driver.loop.condReadList.clear();
+        ++driver.loop.condHeadNo;
     }
-    const quint32 head = driver.condHeadNo;
+    const quint32 head = driver.loop.condHeadNo;
     if (batchDone)
         notifyHost(-1, -1, QLatin1String("-1"), failed ? -1 : 0);
-    if (failed || head != driver.condHeadNo)
+    if (failed || head != driver.loop.condHeadNo)
         return;
-    driver.condReadList.removeFirst();
-    ++driver.condHeadNo;
+    driver.loop.condReadList.removeFirst();
+    ++driver.loop.condHeadNo;
     // Should the host have asked for the next frame from inside the call, it serves no head now.
-    if (driver.sendState == ConditionRead)
-        driver.itemIsQueueHead = false;
+    if (driver.loop.sendState == ConditionRead)
+        driver.loop.itemIsQueueHead = false;
 }
 
 void finishCyclicRead()
 {
-    if (driver.readList.size() >= 2)
-        driver.readIndex = (driver.readIndex + 1) % int(driver.readList.size());
+    if (driver.loop.readList.size() >= 2)
+        driver.loop.readIndex = (driver.loop.readIndex + 1) % int(driver.loop.readList.size());
 }
 
 }  // namespace
 
 void restartLoop()
 {
-    driver.readList.clear();
-    driver.writeList.clear();
-    driver.condReadList.clear();
-    ++driver.condHeadNo;
-    driver.sendState = Idle;
-    driver.runCount = 0;
-    driver.handShakeRequest = 0;
-    driver.retryCount = 0;
-    driver.lastFrameFailed = 0;
-    driver.frameList.clear();
-    driver.frameIndex = 0;
-    driver.itemIsQueueHead = false;
-    ++driver.exchangeNo;
+    driver.loop.readList.clear();
+    driver.loop.writeList.clear();
+    driver.loop.condReadList.clear();
+    ++driver.loop.condHeadNo;
+    driver.loop.sendState = Idle;
+    driver.loop.runCount = 0;
+    driver.loop.handShakeRequest = 0;
+    driver.loop.retryCount = 0;
+    driver.loop.lastFrameFailed = 0;
+    driver.loop.frameList.clear();
+    driver.loop.frameIndex = 0;
+    driver.loop.itemIsQueueHead = false;
+    ++driver.loop.exchangeNo;
 }

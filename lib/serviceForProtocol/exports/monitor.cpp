@@ -19,15 +19,15 @@ int intf_addrMerge(const QList<KEY_ADDRESS> &keys)
         }
     }
 
-    driver.readList.clear();
-    driver.readIndex = 0;
+    driver.loop.readList.clear();
+    driver.loop.readIndex = 0;
     const QVector<AddressSpan> blocks = addrMerge(spans, MonitorMode);
     for (int i = 0; i < blocks.size(); ++i) {
         const RegisterType &type = driver.registerTypes.at(blocks.at(i).regNumber);
         groupingKey(blocks.at(i), unitsPerRead(type, CyclicRead),
-                    [](const AddressSpan &item, int) { driver.readList.append(item); });
+                    [](const AddressSpan &item, int) { driver.loop.readList.append(item); });
     }
-    return int(driver.readList.size());
+    return int(driver.loop.readList.size());
 }
 
 int intf_addConditionRead(const KEY_ADDRESS &key, int kind)
@@ -35,7 +35,8 @@ int intf_addConditionRead(const KEY_ADDRESS &key, int kind)
     const RegisterType type = registerType(key.regName);
     if (!type.isKnown())
         return 1;
-    const int blockLimit = key.bitMark == -1 ? driver.mergeBits : driver.mergeWords;
+    const int blockLimit =
+        key.bitMark == -1 ? driver.settings.mergeBits : driver.settings.mergeWords;
     const AddressSpan span = {key.stationNo,           type.number, key.startAddr,
                               coveredCount(key.count), 0,           0};
     VARIABLE item;
@@ -43,8 +44,8 @@ int intf_addConditionRead(const KEY_ADDRESS &key, int kind)
     groupingKey(span, qMin(blockLimit, unitsPerRead(type, ConditionRead)),
                 [&item](const AddressSpan &piece, int) {
                     setRange(item, readAs(piece, ConditionRead));
-                    enqueueRequest(driver.condReadList, item);
-                    driver.lastCondVar = item;
+                    enqueueRequest(driver.loop.condReadList, item);
+                    driver.loop.lastCondVar = item;
                 });
     return 1;
 }

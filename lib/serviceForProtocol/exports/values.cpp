@@ -10,7 +10,7 @@ void enqueueWrite(const AddressSpan &span, const unsigned char *values, int kind
     const RegisterType &type = driver.registerTypes.at(span.regNumber);
     const bool words = type.unitKind == WordUnit;
     const size_t bytesPerElement = words ? 2 : 1;
-    const int blockLimit = words ? driver.mergeWords : driver.mergeBits;
+    const int blockLimit = words ? driver.settings.mergeWords : driver.settings.mergeBits;
     VARIABLE item;
     item.kind = kind;
     groupingKey(span, qMin(blockLimit, unitsPerWrite(type)),
@@ -18,7 +18,7 @@ void enqueueWrite(const AddressSpan &span, const unsigned char *values, int kind
                     setRange(item, piece);
                     std::memcpy(item.valueBuf, values + size_t(offset) * bytesPerElement,
                                 size_t(piece.count) * bytesPerElement);
-                    enqueueRequest(driver.writeList, item);
+                    enqueueRequest(driver.loop.writeList, item);
                 });
 }
 
@@ -30,15 +30,13 @@ int intf_getData(int stationNo, QString regName, int startAddr, int count, unsig
         return 1;
     const RegisterType type = registerType(regName);
     for (Unit unit(stationNo, type, startAddr, coveredCount(count)); unit.next();) {
-        const unsigned char *value = unit.constArea().currentValue();
-        if (type.unitKind == WordUnit) {
-            out[2 * unit.i] = value[0];
-            out[2 * unit.i + 1] = value[1];
-        } else if (type.unitKind == WordBitUnit) {
-            out[unit.i] = uchar2int16(value[0], value[1]) >> unit.bit() & 1;
-        } else {
-            out[unit.i] = value[0];
-        }
+        const int shown = unit.constArea().currentWord();
+        if (type.unitKind == WordUnit)
+            setWord(out + 2 * unit.i, shown);
+        else if (type.unitKind == WordBitUnit)
+            out[unit.i] = shown >> unit.bit() & 1;
+        else
+            out[unit.i] = static_cast<unsigned char>(shown);
     }
     return 1;
 }
@@ -50,7 +48,7 @@ int intf_setData(int stationNo, QString regName, int startAddr, int count,
         return 1;
     const RegisterType type = registerType(regName);
     const AddressSpan span = {stationNo, type.number, startAddr, coveredCount(count), 0, 0};
-    if (driver.propItem1 == 0 && type.isKnown())
+    if (driver.settings.propItem1 == 0 && type.isKnown())
         enqueueWrite(span, values, kind);
     // Behind the queueing: the store counts the queued copies of this write.
     write_saveDataToArea(stationNo, type, startAddr, span.count, values);
