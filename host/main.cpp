@@ -29,7 +29,6 @@ constexpr Command Commands[] = {
     {"demo", "a tour of the driver against a simulated controller", host::demoCommand, Json::None},
     {"info", "the driver and its register types", host::infoCommand, Json::Object},
     {"check", "addresses: valid, or why not", host::checkCommand, Json::Array},
-    {"series", "the addresses that a multiple copy gets", host::seriesCommand, Json::Array},
     {"explain", "frames in plain words, and what is wrong with them", host::explainCommand,
      Json::Array},
     {"plan", "what one poll cycle will be, and what it will cost", host::planCommand, Json::Object},

@@ -5,15 +5,15 @@ _tolvane_host()
     local command=${COMP_WORDS[1]} candidates at
     # Options may stand before the command.
     for ((at = 1; at < COMP_CWORD; ++at)); do
-        if [[ ${COMP_WORDS[at]} =~ ^(check|demo|explain|info|plan|read|recipe|series|soak|watch|write)$ ]]; then
+        if [[ ${COMP_WORDS[at]} =~ ^(check|demo|explain|info|plan|read|recipe|soak|watch|write)$ ]]; then
             command=${COMP_WORDS[at]}
             break
         fi
     done
-    local line="--port --tcp --simulate --serial --pace --baud --station --retries
+    local line="--port --tcp --simulate --serial --pace --station --retries
         --block-limit --timeout --quiet --listen --trace --local"
     if [[ $COMP_CWORD == 1 ]]; then
-        candidates="check demo explain info plan read recipe series soak watch write
+        candidates="check demo explain info plan read recipe soak watch write
             --help --version -v"
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
@@ -39,14 +39,13 @@ _tolvane_host()
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
         ;;
-    --tcp | --baud | --station | --retries | --block-limit | --timeout | --quiet | --listen | \
-        --turnaround | --count | --step | --for | --every | --poll | --exchanges | --seed)
+    --tcp | --station | --retries | --block-limit | --timeout | --quiet | --listen | \
+        --turnaround | --for | --every | --poll | --exchanges | --seed)
         return
         ;;
     esac
     case $command in
     info | check) candidates="--json" ;;
-    series) candidates="--count --step --json" ;;
     explain) candidates="--wrong --json" ;;
     plan)
         candidates="--serial --turnaround --block-limit --station --suggest --svg --json"

@@ -1,4 +1,4 @@
-// tolvane-host check and series: what the driver makes of addresses.
+// tolvane-host check: what the driver makes of addresses.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
@@ -15,11 +15,6 @@
 namespace host {
 
 namespace {
-
-constexpr int LongestSeries = 100000;
-constexpr int LongestStep = 65535;
-constexpr int DoubleWordStep = -2;
-enum SeriesResult { UnknownType = 0, Complete = 1, Capped = 2 };
 
 int check(const CommandLine &commandLine)
 {
@@ -72,56 +67,6 @@ int checkCommand(const QStringList &arguments)
     commandLine.addJsonOption("Print a JSON array, an object an address.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     return check(commandLine);
-}
-
-int seriesCommand(const QStringList &arguments)
-{
-    CommandLine commandLine("series"_s,
-                            "The addresses that a multiple copy of a screen object gets."_s);
-    commandLine.addPositionalArgument("address"_s, "The first one, such as D_W:100."_s,
-                                      "ADDRESS"_s);
-    const QCommandLineOption count("count"_s, "How many addresses (default: 10)."_s, "n"_s, "10"_s);
-    const QCommandLineOption step(
-        "step"_s,
-        "Address numbers from one to the next; -1 is one 16-bit value, -2 one "
-        "32-bit value (default: 1)."_s,
-        "s"_s, "1"_s);
-    commandLine.addOptions({count, step});
-    commandLine.addJsonOption("Print a JSON array.");
-    commandLine.read(arguments, 1);
-    if (commandLine.positionalArguments().size() < 2)
-        throw Failure("no address given; expected ADDRESS, such as D_W:100"_s, BadInput);
-    const int wanted = numberOption(commandLine, "count"_s, 1, LongestSeries);
-    const int distance = numberOption(commandLine, "step"_s, DoubleWordStep, LongestStep);
-
-    const Driver driver = loadDriver(commandLine.driverPath());
-    const QString text = commandLine.positionalArguments().at(1);
-    const Point first = parsePoint(driver, identify(driver), text, 0);
-    if (first.count > 1)
-        throw Failure("\"%1\": expected one address"_s.arg(text), BadInput);
-    QVector<QString> texts;
-    QVector<int> numbers;
-    const int result =
-        driver.multiCopy(first.regName, first.address, wanted, distance, texts, numbers);
-
-    QTextStream out(stdout);
-    if (commandLine.asJson()) {
-        QJsonArray array;
-        for (int i = 0; i < int(texts.size()); ++i)
-            array.append(QJsonObject{{"address"_s, first.regName + QLatin1Char(':') + texts[i]},
-                                     {"number"_s, numbers[i]}});
-        printJson(QJsonDocument(array));
-    } else {
-        Table table({{Table::Left, 0, 0}, {}});
-        for (int i = 0; i < int(texts.size()); ++i)
-            table.add({first.regName + QLatin1Char(':') + texts[i],
-                       "address number %1"_s.arg(numbers[i])});
-        table.print(out);
-    }
-    if (result == Capped)
-        QTextStream(stderr) << "tolvane-host: addresses beyond " << first.regName << ':'
-                            << texts.last() << ", the last there is, were replaced by it\n";
-    return AllRight;
 }
 
 }  // namespace host

@@ -7,7 +7,6 @@
 namespace host {
 
 int demoCommand(const QStringList &arguments);
-int seriesCommand(const QStringList &arguments);
 int infoCommand(const QStringList &arguments);
 int planCommand(const QStringList &arguments);
 int explainCommand(const QStringList &arguments);

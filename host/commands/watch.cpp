@@ -199,7 +199,7 @@ int watchCommand(const QStringList &arguments)
         "ms");
     add("poll", "Begin a poll cycle no sooner than so long after the one before.", "ms");
     add("for", "End after so many seconds.", "seconds");
-    add("stats", "Print what became of the exchanges, by block and by tag, at the end.");
+    add("stats", "Print what became of the exchanges, block by block, at the end.");
     add("no-demotion", "Poll blocks that are given up three times in a row as often as others.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList addresses = commandLine.positionalArguments().mid(1);
