@@ -1,4 +1,4 @@
-// tolvane-host check and series: what the driver makes of addresses.
+// tolvane-host check: what the driver makes of addresses.
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
@@ -10,15 +10,6 @@
 #include <QtCore/QTextStream>
 
 namespace host {
-
-namespace {
-
-constexpr int LongestSeries = 100000;
-constexpr int LongestStep = 65535;
-constexpr int DoubleWordStep = -2;
-enum SeriesResult { UnknownType = 0, Complete = 1, Capped = 2 };
-
-}  // namespace
 
 int checkCommand(const CommandLine &commandLine)
 {
@@ -52,41 +43,6 @@ int checkCommand(const CommandLine &commandLine)
     if (commandLine.asJson())
         printJson(QJsonDocument(array));
     return refused == 0 ? AllRight : SomethingFailed;
-}
-
-int seriesCommand(const CommandLine &commandLine)
-{
-    const int wanted = numberOption(commandLine, "count"_s, 1, LongestSeries);
-    const int distance = numberOption(commandLine, "step"_s, DoubleWordStep, LongestStep);
-
-    const Driver driver = loadDriver(commandLine.driverPath());
-    const QString text = commandLine.given().first();
-    const Point first = parsePoint(driver, identify(driver), text, 0);
-    if (first.count > 1)
-        throw Failure("\"%1\": expected one address"_s.arg(text), BadInput);
-    QVector<QString> texts;
-    QVector<int> numbers;
-    const int result =
-        driver.multiCopy(first.regName, first.address, wanted, distance, texts, numbers);
-
-    QTextStream out(stdout);
-    if (commandLine.asJson()) {
-        QJsonArray array;
-        for (int i = 0; i < int(texts.size()); ++i)
-            array.append(QJsonObject{{"address"_s, first.regName + QLatin1Char(':') + texts[i]},
-                                     {"number"_s, numbers[i]}});
-        printJson(QJsonDocument(array));
-    } else {
-        Table table({{Table::Left, 0, 0}, {}});
-        for (int i = 0; i < int(texts.size()); ++i)
-            table.add({first.regName + QLatin1Char(':') + texts[i],
-                       "address number %1"_s.arg(numbers[i])});
-        table.print(out);
-    }
-    if (result == Capped)
-        QTextStream(stderr) << "tolvane-host: addresses beyond " << first.regName << ':'
-                            << texts.last() << ", the last there is, were replaced by it\n";
-    return AllRight;
 }
 
 }  // namespace host

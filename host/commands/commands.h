@@ -7,7 +7,6 @@
 namespace host {
 
 int demoCommand(const CommandLine &commandLine);
-int seriesCommand(const CommandLine &commandLine);
 int infoCommand(const CommandLine &commandLine);
 int planCommand(const CommandLine &commandLine);
 int explainCommand(const CommandLine &commandLine);

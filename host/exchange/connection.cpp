@@ -92,8 +92,9 @@ std::unique_ptr<Line> Connection::makeLine()
     if (!m_options.server.isEmpty())
         return std::make_unique<TcpLine>(m_options.server, m_options.pace);
     if (m_options.device.isEmpty()) {
+        const int baud = m_options.pace.none ? 0 : m_options.pace.settings.baudRate;
         m_controller = std::make_unique<ControllerProcess>(
-            findController(), QStringList{"--baud"_s, QString::number(m_options.simulatedBaud)});
+            findController(), QStringList{"--baud"_s, QString::number(baud)});
         m_place = m_controller->device();
         say(QLatin1String(m_options.simulationAsked ? "" : "no line named: ") +
             "talking to a simulated controller on %1"_s.arg(m_place));

@@ -49,7 +49,7 @@ void addConnectionOptions(QCommandLineParser &parser, const QStringList &names)
     };
     add("port", "The serial port, or pseudo-terminal, that leads to the controller.", "device");
     add("tcp", "The serial device server that leads to the controller.", "host:port");
-    add("simulate", "Start a simulated controller.");
+    add("simulate", "Start a simulated controller, at the line's pace.");
     add("serial",
         "Settings of the serial line, also of the one behind a device server (default: the "
         "driver's own, such as 115200,8,NONE,1).",
@@ -58,7 +58,6 @@ void addConnectionOptions(QCommandLineParser &parser, const QStringList &names)
         "none: nothing paces the bytes, so a reply may come sooner than --serial lets it travel "
         "(default: line).",
         "line|none", "line");
-    add("baud", "Pace of a simulated controller, 0 for none (default: the line's).", "rate");
     add("station", "Station number that the values are kept under (default: 1).", "number", "1");
     add("retries", "Times that a request is sent before it is given up (default: 3).", "number",
         "3");
@@ -125,21 +124,6 @@ ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Ide
         throw Failure("more than one line; expected --port, --tcp or --simulate"_s, BadInput);
 
     pace = paceOptions(parser, identity);
-    simulatedBaud = pace.none ? 0 : pace.settings.baudRate;
-
-    const QString baud = optionName("baud");
-    if (parser.isSet(baud)) {
-        if (!device.isEmpty() || !server.isEmpty())
-            throw Failure(
-                "--baud \"%1\": it is the pace of a simulated "
-                "controller; expected --serial for the settings of a line"_s.arg(
-                    parser.value(baud)),
-                BadInput);
-        simulatedBaud = numberOption(parser, baud, 0, SerialSettings::HighestBaud);
-        pace.none = simulatedBaud == 0;
-        if (!pace.none)
-            pace.settings.baudRate = simulatedBaud;
-    }
     stationNo = stationOption(parser);
     session.retryLimit = numberOption(parser, optionName("retries"), 1, MostRetries);
     session.blockLimit = blockLimitOption(parser);

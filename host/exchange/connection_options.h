@@ -33,7 +33,6 @@ struct ConnectionOptions
     QString server;
     bool simulationAsked = false;  ///< --simulate was given
     LinePace pace;
-    int simulatedBaud = 0;  ///< of a simulated controller; 0: answers at once
     int stationNo = 1;
     SessionSettings session;
     LoopSettings loop;

@@ -12,57 +12,6 @@ namespace {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-QString numberText(LineTime time)
-{
-    return QString::number(Milliseconds(time).count(), 'f', 1);
-}
-
-QString lastGoodText(const ExchangeStatistics &statistics, LineTime now)
-{
-    if (!statistics.lastGood)
-        return "never"_s;
-    const std::chrono::duration<double> ago = now - *statistics.lastGood;
-    return "%1 s ago"_s.arg(ago.count(), 0, 'f', 1);
-}
-
-QStringList heading(const char *first)
-{
-    return {QLatin1String(first), "good"_s, "retries"_s, "errors"_s,
-            "last good"_s,        "min"_s,  "mean"_s,    "max ms"_s,
-            "failures"_s};
-}
-
-QStringList row(const QString &first, const ExchangeStatistics &statistics, LineTime now)
-{
-    const auto timeText = [&](LineTime time) {
-        return statistics.exchanges == 0 ? "-"_s : numberText(time);
-    };
-    return {first,
-            QString::number(statistics.exchanges),
-            QString::number(statistics.retries),
-            QString::number(statistics.givenUp),
-            lastGoodText(statistics, now),
-            timeText(statistics.shortest),
-            timeText(statistics.mean()),
-            timeText(statistics.longest),
-            statistics.failuresText()};
-}
-
-Table newTable(const char *first)
-{
-    Table table({{Table::Left, 0, 0},
-                 {Table::Right},
-                 {Table::Right},
-                 {Table::Right},
-                 {Table::Right},
-                 {Table::Right},
-                 {Table::Right},
-                 {Table::Right},
-                 {}});
-    table.add(heading(first));
-    return table;
-}
-
 QJsonObject objectOf(QJsonObject object, const ExchangeStatistics &statistics, LineTime now)
 {
     const auto milliseconds = [](LineTime time) { return Milliseconds(time).count(); };
@@ -110,53 +59,45 @@ QString ExchangeStatistics::failuresText() const
     return reasons.join(", "_s);
 }
 
-Statistics::Statistics(const Driver &driver, const QVector<Tag> &tags)
-    : m_driver(driver), m_coverage(tags), m_list(tags), m_tags(tags.size())
-{
-}
-
 void Statistics::good(const Point &block, LineTime roundTrip, LineTime now)
 {
-    take(block, [=](ExchangeStatistics &statistics) { statistics.good(roundTrip, now); });
+    m_blocks[block].good(roundTrip, now);
+    m_all.good(roundTrip, now);
 }
 
 void Statistics::fail(const Point &block, const QString &reason, bool again)
 {
-    take(block, [&](ExchangeStatistics &statistics) { statistics.fail(reason, again); });
-}
-
-template <typename Take>
-void Statistics::take(const Point &block, const Take &takeIn)
-{
-    takeIn(m_blocks[block]);
-    takeIn(m_all);
-    for (const Coverage::Covered &covered : m_coverage.of(block))
-        takeIn(m_tags[covered.tag]);
+    m_blocks[block].fail(reason, again);
+    m_all.fail(reason, again);
 }
 
 void Statistics::print(QTextStream &out, LineTime now) const
 {
-    Table blocks = newTable("block");
-    for (const auto &[block, statistics] : m_blocks)
-        blocks.add(row(pointText(m_driver, block, namesStations(m_list)), statistics, now));
-    blocks.print(out);
-    Table tags = newTable("tag");
-    for (int i = 0; i < int(m_list.size()); ++i)
-        tags.add(row(m_list[i].name, m_tags[i], now));
-    out << '\n';
-    tags.print(out);
+    const Table::Column number{Table::Right};
+    Table table({{Table::Left, 0, 0}, number, number, number, number, number, number, number, {}});
+    table.add({"block"_s, "good"_s, "retries"_s, "errors"_s, "last good"_s, "min"_s, "mean"_s,
+               "max ms"_s, "failures"_s});
+    for (const auto &[block, statistics] : m_blocks) {
+        const bool isKnown = statistics.lastGood.has_value();
+        const auto text = [&](LineTime time) {
+            return isKnown ? QString::number(Milliseconds(time).count(), 'f', 1) : "-"_s;
+        };
+        const std::chrono::duration<double> ago = now - statistics.lastGood.value_or(now);
+        table.add({pointText(m_driver, block, m_withStation), QString::number(statistics.exchanges),
+                   QString::number(statistics.retries), QString::number(statistics.givenUp),
+                   isKnown ? "%1 s ago"_s.arg(ago.count(), 0, 'f', 1) : "never"_s,
+                   text(statistics.shortest), text(statistics.mean()), text(statistics.longest),
+                   statistics.failuresText()});
+    }
+    table.print(out);
 }
 
 QJsonObject Statistics::object(LineTime now) const
 {
     QJsonArray blocks;
     for (const auto &[block, statistics] : m_blocks)
-        blocks.append(
-            objectOf(blockObject(m_driver, block, namesStations(m_list)), statistics, now));
-    QJsonArray tags;
-    for (int i = 0; i < int(m_list.size()); ++i)
-        tags.append(objectOf(tagObject(m_driver, m_list[i]), m_tags[i], now));
-    return {{"blocks"_s, blocks}, {"tags"_s, tags}};
+        blocks.append(objectOf(blockObject(m_driver, block, m_withStation), statistics, now));
+    return {{"blocks"_s, blocks}};
 }
 
 }  // namespace host

@@ -1,13 +1,14 @@
-// What became of the exchanges, per block and per tag.
+// What became of the exchanges, per block.
 #pragma once
 
-#include "host/watch/coverage.h"
-#include "host/watch/poll_pace.h"
+#include "host/driver/address.h"
+#include "host/line/line.h"
 
 #include <QtCore/QJsonObject>
 #include <QtCore/QMap>
 #include <QtCore/QTextStream>
 
+#include <map>
 #include <optional>
 
 namespace host {
@@ -34,8 +35,11 @@ struct ExchangeStatistics
 class Statistics
 {
 public:
-    /** The tags' names are for the tables. */
-    Statistics(const Driver &driver, const QVector<Tag> &tags);
+    /** withStation: blocks are named with theirs. The driver stays the caller's. */
+    Statistics(const Driver &driver, bool withStation)
+        : m_driver(driver), m_withStation(withStation)
+    {
+    }
 
     /** A read of the block ended well. */
     void good(const Point &block, LineTime roundTrip, LineTime now);
@@ -44,24 +48,19 @@ public:
     void fail(const Point &block, const QString &reason, bool again);
 
     const ExchangeStatistics &all() const { return m_all; }
-    const ExchangeStatistics &tag(int index) const { return m_tags[index]; }
+    const ExchangeStatistics &of(const Point &block) const { return m_blocks.at(block); }
 
-    /** Two tables for people: by block, in the order of addresses, and by tag. */
+    /** A table for people, in the order of addresses. */
     void print(QTextStream &out, LineTime now) const;
 
-    /** The same as {"blocks":[...],"tags":[...]}; times in milliseconds. */
+    /** The same as {"blocks":[...]}; times in milliseconds. */
     QJsonObject object(LineTime now) const;
 
 private:
-    template <typename Take>
-    void take(const Point &block, const Take &takeIn);
-
     const Driver &m_driver;
-    Coverage m_coverage;
-    QVector<Tag> m_list;
+    bool m_withStation;
     ExchangeStatistics m_all;
     std::map<Point, ExchangeStatistics, RangeOrder> m_blocks;
-    QVector<ExchangeStatistics> m_tags;
 };
 
 }  // namespace host

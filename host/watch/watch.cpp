@@ -31,7 +31,7 @@ Watch::Watch(const Driver &driver, Session &session, const QVector<Tag> &tags,
       m_settings(settings),
       m_coverage(tags),
       m_values(driver, session, tags),
-      m_statistics(driver, tags),
+      m_statistics(driver, namesStations(tags)),
       m_setAside(pointsOf(tags)),
       m_pace(settings.poll)
 {

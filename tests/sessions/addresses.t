@@ -61,21 +61,11 @@ What the driver says of itself and of addresses.
   [ { "address": "M_bit:20.5", "count": 1, "number": 325, "source": "argument 1", "station": 1, 
   "tag": "lamp" }, { "address": "D_W:32768", "reason": "argument 2: address \"D_W:32768\": 
   outside D_W, which reaches from 0 to 32767", "source": "argument 2", "tag": "D_W:32768" } ] 
-  $ tolvane-host series TX:5 --count 3 --step 2
-  TX:5  address number 5
-  TX:7  address number 7
-  TX:9  address number 9
-  $ tolvane-host series D_W:32766 --count 2 --step -2
-  tolvane-host: addresses beyond D_W:32767, the last there is, were replaced by it
-  D_W:32766  address number 32766
-  D_W:32767  address number 32767
-  $ tolvane-host series M_bit:1.14 --count 2 --json | tr -d ' \n'; echo
-  [{"address":"M_bit:1.14","number":30},{"address":"M_bit:1.15","number":31}]
 
 Options may stand before the command; a wrong command line is refused with what was expected.
 
-  $ tolvane-host --count 1 series TX:5
-  TX:5  address number 5
+  $ tolvane-host --json check TX:5 | grep -c TX
+  2
   $ tolvane-host -v
   tolvane-host 2.0.0.0
   $ while read -r command; do tolvane-host $command || echo "[$?]"; done <<'END'
@@ -87,11 +77,6 @@ Options may stand before the command; a wrong command line is refused with what 
   > demo --driver /nowhere/driver.so
   > info --driver libc.so.6
   > check
-  > series
-  > series TX:5 --count 0
-  > series TX:5 --step -3
-  > series TX:5x2
-  > series TX:5 TX:6
   > END
   tolvane-host: no command given; tolvane-host --help lists them
   [2]
@@ -109,21 +94,11 @@ Options may stand before the command; a wrong command line is refused with what 
   [2]
   tolvane-host: nothing to check; expected ADDRESS...
   [2]
-  tolvane-host: no address given; expected ADDRESS, such as D_W:100
-  [2]
-  tolvane-host: --count "0": expected a number from 1 to 100000
-  [2]
-  tolvane-host: --step "-3": expected a number from -2 to 65535
-  [2]
-  tolvane-host: "TX:5x2": expected one address
-  [2]
-  tolvane-host: unexpected argument "TX:6"; see tolvane-host series --help
-  [2]
-  $ for command in "info --json more" "series --json x" "watch --json"; do
+  $ for command in "info --json more" "check --json" "watch --json"; do
   >     tolvane-host $command 2> /dev/null | tr -d '\n'; echo
   > done
   {    "quality": "bad",    "reason": "unexpected argument \"more\"; see tolvane-host info --help"}
-  [    {        "quality": "bad",        "reason": "address \"x\": expected TYPE:ADDRESS or TYPE:ADDRESSxCOUNT"    }]
+  [    {        "quality": "bad",        "reason": "nothing to check; expected ADDRESS..."    }]
   {"quality":"bad","reason":"nothing to watch; expected ADDRESS... or --tags FILE"}
   $ tolvane-host info --json > /dev/full
   tolvane-host: cannot write to standard output: No space left on device

@@ -77,7 +77,7 @@ A link is given up as it was taken: one that leads nowhere is replaced, one that
 
 A host that is killed takes its own controller with it.
 
-  $ tolvane-host watch D_W:1 --simulate --baud 9600 --json > log 2> said & host=$!
+  $ tolvane-host watch D_W:1 --simulate --serial 9600,8N1 --json > log 2> said & host=$!
   $ await log good; its=$(grep -ls "^PPid:.$host\$" /proc/[0-9]*/status | cut -d/ -f3)
   $ xargs -0 < /proc/$its/cmdline | sed 's#.*/##'
   tolvane-plc --baud 9600

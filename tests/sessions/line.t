@@ -52,7 +52,7 @@ Reading and writing on a pseudo-terminal, as at a controller.
   <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
   ->  02 72 6D 30 30 30 30 30 30 30 32 36 31 03  read 1 word of CX from word 0
   <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
-  $ tolvane-host read M_bit:20.5 --simulate --baud 9600 2>/dev/null
+  $ tolvane-host read M_bit:20.5 --simulate --serial 9600,8N1 2>/dev/null
   M_bit:20.5  0
   $ tolvane-host read M_bit:20.5 --simulate --pace none 2>/dev/null
   M_bit:20.5  0
@@ -90,10 +90,6 @@ Watching, on a line that a pipe or a log follows.
   block  good  retries  errors  last good  min  mean  max ms  failures
   D_W:NxN  N  N  N  N s ago  N  N  N
   D_W:N  N  N  N  N s ago  N  N  N
-  
-  tag  good  retries  errors  last good  min  mean  max ms  failures
-  D_W:N  N  N  N  N s ago  N  N  N
-  level  N  N  N  N s ago  N  N  N
   $ tolvane-host watch --port plc D_W:100x203 --for 2 --timeout 5000 --csv - 2>/dev/null | grep -o 'D_W:300,30,.*'
   D_W:300,30,good,
   $ tolvane-host watch --port plc two=D_W:100x2 --for 2 --timeout 5000 --csv - 2>/dev/null | sed 's/^[^,]*Z/TIME/'
@@ -148,7 +144,6 @@ Refused before any line is opened, each with status 2 (or 1 for what is not ther
   > read D_W:1 --port=
   > read D_W:1 --simulate --tcp a:1
   > read D_W:1 --tcp box
-  > read D_W:1 --port plc --baud 9600
   > read D_W:1 --simulate --station 256
   > read D_W:1 --simulate --retries 0
   > read D_W:1 --simulate --timeout 0
@@ -190,8 +185,6 @@ Refused before any line is opened, each with status 2 (or 1 for what is not ther
   tolvane-host: more than one line; expected --port, --tcp or --simulate
   [2]
   tolvane-host: --tcp "box": expected HOST:PORT, such as 192.168.1.100:8000
-  [2]
-  tolvane-host: --baud "9600": it is the pace of a simulated controller; expected --serial for the settings of a line
   [2]
   tolvane-host: --station "256": expected a number from 0 to 255
   [2]
