@@ -1,8 +1,8 @@
 // tolvane-host: the driver's bench. Chooses the command and reports what ended it.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/failure.h"
-#include "host/tag_text.h"
+#include "host/output/failure.h"
+#include "host/tags/tag_text.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QJsonArray>
@@ -43,17 +43,15 @@ constexpr Command Commands[] = {
 
 QString usage()
 {
-    QString text = QStringLiteral(
+    QString text =
         "Usage: tolvane-host [options] COMMAND [options]\n"
-        "Loads the driver library and talks through it, as a panel does.\n\nCommands:\n");
+        "Loads the driver library and talks through it, as a panel does.\n\nCommands:\n"_s;
     for (const Command &command : Commands)
-        text += QStringLiteral("  %1  %2\n")
-                    .arg(QLatin1String(command.name), -8)
-                    .arg(QLatin1String(command.summary));
+        text +=
+            "  %1  %2\n"_s.arg(QLatin1String(command.name), -8).arg(QLatin1String(command.summary));
     return text +
-           QStringLiteral(
-               "\ntolvane-host COMMAND --help tells about a command, -v or --version the version.\n"
-               "Exit status: 0 all right, 1 something failed, 2 bad input.\n");
+           "\ntolvane-host COMMAND --help tells about a command, -v or --version the version.\n"
+           "Exit status: 0 all right, 1 something failed, 2 bad input.\n"_s;
 }
 
 const Command *commandNamed(const QString &name)
@@ -70,9 +68,9 @@ int runCommand(const Command &command, const QStringList &arguments)
     try {
         return command.run(arguments);
     } catch (const host::Failure &failure) {
-        const QJsonObject object{{QStringLiteral("quality"), QStringLiteral("bad")},
-                                 {QStringLiteral("reason"), QString::fromUtf8(failure.what())}};
-        if (command.json == Json::None || !arguments.contains(QStringLiteral("--json")))
+        const QJsonObject object{{"quality"_s, "bad"_s},
+                                 {"reason"_s, QString::fromUtf8(failure.what())}};
+        if (command.json == Json::None || !arguments.contains("--json"_s))
             throw;
         if (command.json == Json::Lines)
             QTextStream(stdout) << host::jsonLine(object);
@@ -89,11 +87,11 @@ int runCommand(const Command &command, const QStringList &arguments)
 int run(QStringList arguments)
 {
     const QString first = arguments.value(1);
-    if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
+    if (first == "--help"_s || first == "-h"_s) {
         QTextStream(stdout) << usage();
         return host::AllRight;
     }
-    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+    if (first == "--version"_s || first == "-v"_s) {
         QTextStream(stdout) << "tolvane-host " << QCoreApplication::applicationVersion() << '\n';
         return host::AllRight;
     }
@@ -107,12 +105,11 @@ int run(QStringList arguments)
         if (!optionsFirst)
             break;
     }
-    throw host::Failure(
-        (first.isEmpty() ? QStringLiteral("no command given")
-         : optionsFirst  ? QStringLiteral("no command given behind \"%1\"").arg(first)
-                         : QStringLiteral("there is no command \"%1\"").arg(first)) +
-            QStringLiteral("; tolvane-host --help lists them"),
-        host::BadInput);
+    throw host::Failure((first.isEmpty() ? "no command given"_s
+                         : optionsFirst  ? "no command given behind \"%1\""_s.arg(first)
+                                         : "there is no command \"%1\""_s.arg(first)) +
+                            "; tolvane-host --help lists them"_s,
+                        host::BadInput);
 }
 
 // What a full disk did not take makes a failure of the best result.
@@ -121,8 +118,8 @@ int closeOutput(int status)
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
         return status;
     std::fputc('\n', stdout);  // only another try tells why
-    const QString reason = std::fflush(stdout) == 0 ? QStringLiteral("not all of it was taken")
-                                                    : qt_error_string(errno);
+    const QString reason =
+        std::fflush(stdout) == 0 ? "not all of it was taken"_s : qt_error_string(errno);
     QTextStream(stderr) << "tolvane-host: cannot write to standard output: " << reason << '\n';
     return host::SomethingFailed;
 }
@@ -132,7 +129,7 @@ int closeOutput(int status)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("tolvane-host"));
+    QCoreApplication::setApplicationName("tolvane-host"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
     try {
         return closeOutput(run(QCoreApplication::arguments()));

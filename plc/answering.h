@@ -1,7 +1,6 @@
 // The controller's side of the link: finds requests among the bytes that come in, carries them
 // out on the memory and makes the replies. No input or output of its own.
-#ifndef PLC_ANSWERING_H
-#define PLC_ANSWERING_H
+#pragma once
 
 #include "plc/memory.h"
 
@@ -89,5 +88,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,6 +1,5 @@
 // Where bytes from a host come in and go out: a pseudo-terminal or a TCP port.
-#ifndef PLC_DOOR_H
-#define PLC_DOOR_H
+#pragma once
 
 #include <QtCore/QByteArray>
 #include <QtCore/QObject>
@@ -22,5 +21,3 @@ signals:
 };
 
 }  // namespace plc
-
-#endif

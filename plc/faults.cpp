@@ -1,5 +1,6 @@
 // The fault plan's text form and the dice.
 #include "plc/faults.h"
+#include "plc/literals.h"
 
 #include <QtCore/QStringList>
 
@@ -38,7 +39,7 @@ int readShare(const QString &text)
 /** Reads "300ms" or "2s" in milliseconds; -1 when it is neither, or not from 1 ms to 1 h. */
 int readTime(const QString &text)
 {
-    const bool inMs = text.endsWith(QLatin1String("ms"));
+    const bool inMs = text.endsWith("ms"_s);
     bool ok = false;
     const int number = text.left(text.size() - (inMs ? 2 : 1)).toInt(&ok);
     if (!ok || !text.endsWith(QLatin1Char('s')) || number < 1)
@@ -55,8 +56,7 @@ QString parseShare(const QString &text, FaultPlan *plan)
     const QString timeText = text.section(QLatin1Char(':'), 1);
     const int ofMillion = readShare(shareText);
     if (ofMillion < 0)
-        return QString::fromLatin1(
-                   "\"%1\" is no fault with its share, expected one like loss=2% or late=1%:300ms")
+        return "\"%1\" is no fault with its share, expected one like loss=2% or late=1%:300ms"_s
             .arg(text);
 
     const auto name = std::find(names.begin(), names.end(), faultText);
@@ -64,30 +64,26 @@ QString parseShare(const QString &text, FaultPlan *plan)
         QStringList known;
         for (const char *each : names)
             known.append(QLatin1String(each));
-        return QString::fromLatin1("unknown fault \"%1\", expected one of %2")
-            .arg(faultText, known.join(QLatin1String(" ")));
+        return "unknown fault \"%1\", expected one of %2"_s.arg(faultText, known.join(" "_s));
     }
 
     const Fault fault = Fault(name - names.begin());
     FaultPlan::Share &share = plan->shares[size_t(fault)];
     if (share.ofMillion != 0)
-        return QString::fromLatin1("\"%1\" is named twice").arg(faultText);
+        return "\"%1\" is named twice"_s.arg(faultText);
     share.ofMillion = ofMillion;
     if (hasTime(fault) == timeText.isEmpty()) {
         return hasTime(fault)
-                   ? QString::fromLatin1("\"%1\" lacks its time, expected one like %2=1%:300ms")
-                         .arg(text, QLatin1String(*name))
-                   : QString::fromLatin1("\"%1\" has a time, expected none: %2=1%")
-                         .arg(text, QLatin1String(*name));
+                   ? "\"%1\" lacks its time, expected one like %2=1%:300ms"_s.arg(
+                         text, QLatin1String(*name))
+                   : "\"%1\" has a time, expected none: %2=1%"_s.arg(text, QLatin1String(*name));
     }
     if (!hasTime(fault))
         return QString();
-    share.ms = readTime(timeText.section(QLatin1String(".."), 0, 0));
-    share.longestMs = readTime(timeText.section(QLatin1String(".."), -1));
+    share.ms = readTime(timeText.section(".."_s, 0, 0));
+    share.longestMs = readTime(timeText.section(".."_s, -1));
     if (share.ms < 0 || share.longestMs < share.ms)
-        return QString::fromLatin1(
-                   "\"%1\": expected a time from 1ms to 3600s, or two such as 300ms..2s")
-            .arg(text);
+        return "\"%1\": expected a time from 1ms to 3600s, or two such as 300ms..2s"_s.arg(text);
     return QString();
 }
 
@@ -133,7 +129,7 @@ QString FaultPlan::parse(const QString &list, FaultPlan *plan)
     for (const Share &share : plan->shares)
         sum += share.ofMillion;
     if (sum > Million)
-        return QString::fromLatin1("the shares of \"%1\" add up to more than 100%").arg(list);
+        return "the shares of \"%1\" add up to more than 100%"_s.arg(list);
     return QString();
 }
 

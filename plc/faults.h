@@ -1,6 +1,5 @@
 // Line faults: what becomes of a reply on its way out of the controller.
-#ifndef PLC_FAULTS_H
-#define PLC_FAULTS_H
+#pragma once
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -89,5 +88,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,5 +1,6 @@
 // Reading and writing memory images.
 #include "plc/image.h"
+#include "plc/literals.h"
 
 #include <QtCore/QStringList>
 
@@ -14,29 +15,29 @@ QString loadLine(const QByteArray &line, Memory *memory)
 {
     const QList<QByteArray> fields = line.split(',');
     if (fields.size() != 3)
-        return QString::fromLatin1("expected device,word,value");
+        return "expected device,word,value"_s;
 
     const char device = Memory::letter(fields[0].trimmed());
     if (device == 0) {
         QStringList names;
         for (char letter : Memory::devices())
             names.append(QString::fromLatin1(Memory::name(letter)));
-        return QString::fromLatin1("unknown device \"%1\", expected one of %2")
-            .arg(QString::fromUtf8(fields[0]), names.join(QLatin1String(" ")));
+        return "unknown device \"%1\", expected one of %2"_s.arg(QString::fromUtf8(fields[0]),
+                                                                 names.join(" "_s));
     }
 
     bool ok = false;
     const int word = fields[1].trimmed().toInt(&ok);
     if (!ok || word < 0 || word >= Memory::wordCount(device)) {
-        return QString::fromLatin1("no word \"%1\", expected 0 to %2")
-            .arg(QString::fromUtf8(fields[1]), QString::number(Memory::wordCount(device) - 1));
+        return "no word \"%1\", expected 0 to %2"_s.arg(
+            QString::fromUtf8(fields[1]), QString::number(Memory::wordCount(device) - 1));
     }
 
     const QByteArray text = fields[2].trimmed();
     const quint16 value = text.toUShort(&ok, text.startsWith("0x") ? 16 : 10);
     if (!ok) {
-        return QString::fromLatin1("bad value \"%1\", expected 0 to 65535 or 0x0000 to 0xFFFF")
-            .arg(QString::fromUtf8(fields[2]));
+        return "bad value \"%1\", expected 0 to 65535 or 0x0000 to 0xFFFF"_s.arg(
+            QString::fromUtf8(fields[2]));
     }
     memory->setWord(device, word, value);
     return QString();
@@ -56,7 +57,7 @@ QString loadImage(const QByteArray &text, Memory *memory)
             continue;
         const QString fault = loadLine(line, memory);
         if (!fault.isEmpty())
-            return QString::fromLatin1("line %1: %2").arg(QString::number(number), fault);
+            return "line %1: %2"_s.arg(QString::number(number), fault);
     }
     return QString();
 }

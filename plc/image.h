@@ -1,6 +1,5 @@
 // A memory image: the controller's memory as a CSV text, device,word,value.
-#ifndef PLC_IMAGE_H
-#define PLC_IMAGE_H
+#pragma once
 
 #include "plc/memory.h"
 
@@ -21,5 +20,3 @@ QString loadImage(const QByteArray &text, Memory *memory);
 QByteArray saveImage(const Memory &memory);
 
 }  // namespace plc
-
-#endif

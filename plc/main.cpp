@@ -1,8 +1,9 @@
 // tolvane-plc: the simulated controller on a line.
 #include "plc/image.h"
-#include "plc/line.h"
+#include "plc/literals.h"
 #include "plc/motion.h"
 #include "plc/options.h"
+#include "plc/paced_door.h"
 #include "plc/pseudo_terminal.h"
 #include "plc/report.h"
 #include "plc/signals.h"
@@ -32,9 +33,9 @@ QString load(const plc::Options &options, plc::Memory *memory)
     if (options.image.isEmpty() || (options.save && !file.exists()))
         return QString();
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("%1: %2").arg(options.image, file.errorString());
+        return "%1: %2"_s.arg(options.image, file.errorString());
     const QString wrong = plc::loadImage(file.readAll(), memory);
-    return wrong.isEmpty() ? QString() : QStringLiteral("%1, %2").arg(options.image, wrong);
+    return wrong.isEmpty() ? QString() : "%1, %2"_s.arg(options.image, wrong);
 }
 
 /** Stores the image in the place of the old one; returns what went wrong, or an empty text. */
@@ -49,8 +50,8 @@ QString save(const plc::Options &options, const plc::Memory &memory)
         file.commit())
         return QString();
     const int error = errno;
-    return QStringLiteral("cannot store the memory in %1: %2")
-        .arg(options.image, error != 0 ? qt_error_string(error) : file.errorString());
+    return "cannot store the memory in %1: %2"_s.arg(
+        options.image, error != 0 ? qt_error_string(error) : file.errorString());
 }
 
 /** Opens the door that the options ask for; returns what went wrong, or an empty text. */
@@ -100,7 +101,7 @@ int main(int argc, char *argv[])
 
     plc::Controller controller(memory);
     plc::Faults faults(options.faults, options.seed);
-    const plc::Line line(controller, faults, *door, options.line);
+    const plc::PacedDoor line(controller, faults, *door, options.line);
     if (options.verbose) {
         controller.setObserver(
             [](const plc::Request &request, plc::Verdict verdict, const QByteArray &) {

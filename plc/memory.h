@@ -1,6 +1,5 @@
 // The simulated controller's memory: the words of every device, by device letter.
-#ifndef PLC_MEMORY_H
-#define PLC_MEMORY_H
+#pragma once
 
 #include <QtCore/QByteArray>
 #include <QtCore/QVector>
@@ -39,5 +38,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,5 +1,6 @@
 // The table of moving words.
 #include "plc/motion.h"
+#include "plc/literals.h"
 
 #include <cmath>
 
@@ -53,7 +54,7 @@ QString motionHelp()
 {
     QString text;
     for (const MovingWord &moving : movingWords)
-        text += QLatin1String("  ") + QLatin1String(moving.help) + QLatin1Char('\n');
+        text += "  "_s + QLatin1String(moving.help) + QLatin1Char('\n');
     return text;
 }
 

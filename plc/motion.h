@@ -1,7 +1,6 @@
 // The process that the simulated controller controls: a few words and bits that move by
 // themselves, so that a watching host sees changes.
-#ifndef PLC_MOTION_H
-#define PLC_MOTION_H
+#pragma once
 
 #include "plc/memory.h"
 
@@ -19,5 +18,3 @@ void move(Memory &memory, qint64 elapsedMs);
 QString motionHelp();
 
 }  // namespace plc
-
-#endif

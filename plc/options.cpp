@@ -1,6 +1,7 @@
 // Options, their help text and their checks.
 #include "plc/options.h"
 
+#include "plc/literals.h"
 #include "plc/motion.h"
 
 #include <QtCore/QCommandLineParser>
@@ -86,38 +87,33 @@ struct Known
         option("seed", "Start of the dice that choose the faults; 1 when not given.", "N");
     const QCommandLineOption verbose = option(
         "verbose", "Print every request on standard error, and which fault its reply meets.");
-    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Print this text.")};
-    const QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Print the version.")};
+    const QCommandLineOption help{{"h"_s, "help"_s}, "Print this text."_s};
+    const QCommandLineOption version{{"v"_s, "version"_s}, "Print the version."_s};
 };
 
 /** What is wrong about the options taken together; empty when nothing is. */
 QString misfit(const QCommandLineParser &parser, const Known &known)
 {
     if (!parser.positionalArguments().isEmpty()) {
-        return QStringLiteral("\"%1\": expected options only")
-            .arg(parser.positionalArguments().constFirst());
+        return "\"%1\": expected options only"_s.arg(parser.positionalArguments().constFirst());
     }
     if (parser.isSet(known.tcp) && (parser.isSet(known.pty) || parser.isSet(known.link)))
-        return QStringLiteral("--tcp: expected neither --pty nor --link beside it");
+        return "--tcp: expected neither --pty nor --link beside it"_s;
     if (parser.isSet(known.anyAddress) && !parser.isSet(known.tcp))
-        return QStringLiteral("--any-address: expected --tcp PORT beside it");
+        return "--any-address: expected --tcp PORT beside it"_s;
     if (parser.isSet(known.save) && !parser.isSet(known.image))
-        return QStringLiteral("--save: expected --image FILE beside it");
+        return "--save: expected --image FILE beside it"_s;
     const QFileInfo image(parser.value(known.image));
     if (parser.isSet(known.save) &&
         (image.fileName().isEmpty() || !QFileInfo(image.path()).isWritable()))
-        return QStringLiteral("--image \"%1\": expected a file in a folder that can be written to")
-            .arg(parser.value(known.image));
+        return "--image \"%1\": expected a file in a folder that can be written to"_s.arg(
+            parser.value(known.image));
     const QFileInfo link(parser.value(known.link));
     if (parser.isSet(known.link) && link.exists()) {
-        return QStringLiteral(
-                   "--link \"%1\": expected a path where nothing is yet, or a link that "
-                   "leads nowhere%2")
-            .arg(link.filePath(), link.isSymLink()
-                                      ? QStringLiteral("; it leads to ") + link.symLinkTarget()
-                                      : QString());
+        return "--link \"%1\": expected a path where nothing is yet, or a link that "
+               "leads nowhere%2"_s.arg(
+                   link.filePath(),
+                   link.isSymLink() ? "; it leads to "_s + link.symLinkTarget() : QString());
     }
     return QString();
 }
@@ -132,9 +128,9 @@ QString readNumber(const QCommandLineParser &parser, const QCommandLineOption &o
     bool ok = false;
     const qint64 value = parser.value(option).toLongLong(&ok);
     if (!ok || value < low || value > high) {
-        return QStringLiteral("--%1 \"%2\": expected a whole number from %3 to %4")
-            .arg(option.names().constFirst(), parser.value(option), QString::number(low),
-                 QString::number(high));
+        return "--%1 \"%2\": expected a whole number from %3 to %4"_s.arg(
+            option.names().constFirst(), parser.value(option), QString::number(low),
+            QString::number(high));
     }
     *number = Number(value);
     return QString();
@@ -163,7 +159,7 @@ QString read(const QCommandLineParser &parser, const Known &known, Options *opti
     if (wrong.isEmpty() && parser.isSet(known.faults)) {
         wrong = FaultPlan::parse(parser.value(known.faults), &options->faults);
         if (!wrong.isEmpty())
-            wrong.prepend(QStringLiteral("--faults: "));
+            wrong.prepend("--faults: "_s);
     }
     return wrong;
 }
@@ -185,7 +181,7 @@ std::optional<int> readOptions(const QStringList &arguments, Options *options)
                        known.still, known.baud, known.turnaround, known.faults, known.seed,
                        known.verbose, known.help, known.version});
     if (!parser.parse(arguments))
-        return complain(parser.errorText() + QStringLiteral(" See tolvane-plc --help."));
+        return complain(parser.errorText() + " See tolvane-plc --help."_s);
     if (parser.isSet(known.help)) {
         const QString text = parser.helpText() + QString::fromLatin1(notes).arg(motionHelp());
         std::fputs(qPrintable(text), stdout);

@@ -1,6 +1,5 @@
 // The program's command line.
-#ifndef PLC_OPTIONS_H
-#define PLC_OPTIONS_H
+#pragma once
 
 #include "plc/faults.h"
 #include "plc/pacing.h"
@@ -42,5 +41,3 @@ int complain(const QString &message);
 std::optional<int> readOptions(const QStringList &arguments, Options *options);
 
 }  // namespace plc
-
-#endif

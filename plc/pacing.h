@@ -1,7 +1,6 @@
 // The line between controller and host, without a clock of its own: bytes go in at a time, replies
 // come out at times. Every byte takes as long as it would on a serial line.
-#ifndef PLC_PACING_H
-#define PLC_PACING_H
+#pragma once
 
 #include "plc/answering.h"
 #include "plc/faults.h"
@@ -58,5 +57,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,6 +1,5 @@
 // A single-shot timer with a resolution far below a millisecond, for pacing bytes.
-#ifndef PLC_PRECISE_TIMER_H
-#define PLC_PRECISE_TIMER_H
+#pragma once
 
 #include <QtCore/QObject>
 
@@ -27,5 +26,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

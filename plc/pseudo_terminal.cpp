@@ -1,5 +1,6 @@
 // Opening and serving the pseudo-terminal.
 #include "plc/pseudo_terminal.h"
+#include "plc/literals.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QSocketNotifier>
@@ -17,8 +18,7 @@ namespace {
 
 QString failure(const char *what)
 {
-    return QStringLiteral("%1: %2").arg(QLatin1String(what),
-                                        QString::fromLocal8Bit(strerror(errno)));
+    return "%1: %2"_s.arg(QLatin1String(what), QString::fromLocal8Bit(strerror(errno)));
 }
 
 }  // namespace

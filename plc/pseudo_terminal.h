@@ -1,6 +1,5 @@
 // A pseudo-terminal as the controller's serial port.
-#ifndef PLC_PSEUDO_TERMINAL_H
-#define PLC_PSEUDO_TERMINAL_H
+#pragma once
 
 #include "plc/door.h"
 
@@ -38,5 +37,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,5 +1,6 @@
 // Counts and requests as text.
 #include "plc/report.h"
+#include "plc/literals.h"
 
 namespace plc {
 
@@ -11,13 +12,12 @@ const std::array<const char *, 4> commandNames = {"read", "write", "set", "clear
 QString pair(const char *name, qint64 number, qint64 *total)
 {
     *total += number;
-    return QString::fromLatin1(" %1=%2").arg(QLatin1String(name), QString::number(number));
+    return " %1=%2"_s.arg(QLatin1String(name), QString::number(number));
 }
 
 QString line(const char *title, qint64 total, const QString &pairs)
 {
-    return QString::fromLatin1("%1: total=%2%3\n")
-        .arg(QLatin1String(title), QString::number(total), pairs);
+    return "%1: total=%2%3\n"_s.arg(QLatin1String(title), QString::number(total), pairs);
 }
 
 }  // namespace
@@ -37,8 +37,7 @@ QString countsText(const Controller::Counts &counts, const Faults &faults)
     for (int i = 0; i < FaultCount; ++i)
         faulty += pair(faultName(Fault(i)), faults.count(Fault(i)), &faultyTotal);
     return line("served", servedTotal, served) + line("refused", refusedTotal, refused) +
-           line("faults", faultyTotal, faulty) +
-           QString::fromLatin1("stray bytes: %1\n").arg(counts.strayBytes);
+           line("faults", faultyTotal, faulty) + "stray bytes: %1\n"_s.arg(counts.strayBytes);
 }
 
 QString requestText(const Request &request, Verdict verdict)
@@ -47,23 +46,22 @@ QString requestText(const Request &request, Verdict verdict)
         QByteArray hex;
         for (int i = 0; i < int(request.frame.size()); ++i)
             hex += (i > 0 ? " " : "") + request.frame.mid(i, 1).toHex();
-        return QString::fromLatin1("refused (%1): %2")
-            .arg(QLatin1String(verdictName(verdict)), QString::fromLatin1(hex.toUpper()));
+        return "refused (%1): %2"_s.arg(QLatin1String(verdictName(verdict)),
+                                        QString::fromLatin1(hex.toUpper()));
     }
     const auto command = QByteArray(Controller::Commands).indexOf(request.command);
-    const QString text =
-        QString::fromLatin1("%1 %2 %3")
-            .arg(QLatin1String(commandNames[size_t(command)]),
-                 QString::fromLatin1(Memory::name(request.device)), QString::number(request.word));
+    const QString text = "%1 %2 %3"_s.arg(QLatin1String(commandNames[size_t(command)]),
+                                          QString::fromLatin1(Memory::name(request.device)),
+                                          QString::number(request.word));
     if (request.command == 'r')
-        return text + QString::fromLatin1(" x %1").arg(request.words);
+        return text + " x %1"_s.arg(request.words);
     if (request.command != 'w')
-        return text + QString::fromLatin1(" mask %1")
-                          .arg(QString::number(request.mask, 16).toUpper(), 4, QLatin1Char('0'));
+        return text +
+               " mask %1"_s.arg(QString::number(request.mask, 16).toUpper(), 4, QLatin1Char('0'));
     QString values;
     for (const quint16 value : request.values)
-        values += QString::fromLatin1(" %1").arg(value);
-    return text + QLatin1String(" =") + values;
+        values += " %1"_s.arg(value);
+    return text + " ="_s + values;
 }
 
 }  // namespace plc

@@ -1,6 +1,5 @@
 // The simulated controller's counts and single requests as text.
-#ifndef PLC_REPORT_H
-#define PLC_REPORT_H
+#pragma once
 
 #include "plc/answering.h"
 #include "plc/faults.h"
@@ -23,5 +22,3 @@ QString countsText(const Controller::Counts &counts, const Faults &faults);
 QString requestText(const Request &request, Verdict verdict);
 
 }  // namespace plc
-
-#endif

@@ -1,6 +1,5 @@
 // Process signals as events of the Qt loop.
-#ifndef PLC_SIGNALS_H
-#define PLC_SIGNALS_H
+#pragma once
 
 #include <QtCore/QObject>
 
@@ -24,5 +23,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,5 +1,6 @@
 // Accepting and serving the host's connection.
 #include "plc/tcp_door.h"
+#include "plc/literals.h"
 
 namespace plc {
 
@@ -19,14 +20,13 @@ QString TcpDoor::open(const QHostAddress &address, quint16 port)
 {
     if (m_server.listen(address, port))
         return QString();
-    return QStringLiteral("cannot listen on port %1: %2")
-        .arg(QString::number(port), m_server.errorString());
+    return "cannot listen on port %1: %2"_s.arg(QString::number(port), m_server.errorString());
 }
 
 QString TcpDoor::name() const
 {
-    return QStringLiteral("%1:%2").arg(m_server.serverAddress().toString(),
-                                       QString::number(m_server.serverPort()));
+    return "%1:%2"_s.arg(m_server.serverAddress().toString(),
+                         QString::number(m_server.serverPort()));
 }
 
 void TcpDoor::send(const QByteArray &bytes)

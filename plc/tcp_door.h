@@ -1,6 +1,5 @@
 // A TCP port in place of a serial one, as a serial device server offers it.
-#ifndef PLC_TCP_DOOR_H
-#define PLC_TCP_DOOR_H
+#pragma once
 
 #include "plc/door.h"
 
@@ -35,5 +34,3 @@ private:
 };
 
 }  // namespace plc
-
-#endif

@@ -1,6 +1,5 @@
 // The command line as every command reads it: its own name, --help, and one way to refuse.
-#ifndef TOLVANE_HOST_COMMAND_LINE_H
-#define TOLVANE_HOST_COMMAND_LINE_H
+#pragma once
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QJsonDocument>
@@ -40,5 +39,3 @@ private:
 void printJson(const QJsonDocument &document);
 
 }  // namespace host
-
-#endif

@@ -1,7 +1,6 @@
 // The commands of tolvane-host: each takes the program's whole argument list and returns the exit
 // status. Bad input and failures are thrown as Failure.
-#ifndef TOLVANE_HOST_COMMANDS_H
-#define TOLVANE_HOST_COMMANDS_H
+#pragma once
 
 #include <QtCore/QStringList>
 
@@ -20,5 +19,3 @@ int watchCommand(const QStringList &arguments);
 int writeCommand(const QStringList &arguments);
 
 }  // namespace host
-
-#endif

@@ -1,9 +1,9 @@
 // tolvane-host demo: the tour against a simulated controller.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/demo/tour.h"
-#include "host/failure.h"
 #include "host/line/serial_settings.h"
+#include "host/output/failure.h"
+#include "host/tour/tour.h"
 
 namespace host {
 
@@ -25,27 +25,25 @@ int runTour(const QString &driverPath, QTextStream &out)
 
     Report report(out);
     report.line(
-        QStringLiteral("A tour of the driver: what a panel does, against a simulated "
-                       "controller."));
+        "A tour of the driver: what a panel does, against a simulated "
+        "controller."_s);
     report.line(
-        QStringLiteral("-> is a request, <- its reply: the bytes, and what they say. "
-                       "\"ok\" is a result that was checked."));
+        "-> is a request, <- its reply: the bytes, and what they say. "
+        "\"ok\" is a result that was checked."_s);
     report.line();
-    report.item(QStringLiteral("library"), driverPath);
-    report.item(QStringLiteral("device"),
-                QStringLiteral("a simulated controller, in simulated time, at the pace of %1")
-                    .arg(identity.serialLine));
+    report.item("library"_s, driverPath);
+    report.item("device"_s, "a simulated controller, in simulated time, at the pace of %1"_s.arg(
+                                identity.serialLine));
     Tour tour(driver, identity, line, report);
     for (const auto step : Steps)
         step(tour);
 
     report.line();
     if (report.wrong() > 0) {
-        report.line(
-            QStringLiteral("%1 of %2 checks went WRONG.").arg(report.wrong()).arg(report.checks()));
+        report.line("%1 of %2 checks went WRONG."_s.arg(report.wrong()).arg(report.checks()));
         return SomethingFailed;
     }
-    report.line(QStringLiteral("All %1 checks were right.").arg(report.checks()));
+    report.line("All %1 checks were right."_s.arg(report.checks()));
     return AllRight;
 }
 
@@ -54,9 +52,9 @@ int runTour(const QString &driverPath, QTextStream &out)
 int demoCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
-        QStringLiteral("demo"),
-        QStringLiteral("A tour of the driver against a simulated controller, every step checked.\n"
-                       "Exit status 0 only if every result was right."));
+        "demo"_s,
+        "A tour of the driver against a simulated controller, every step checked.\n"
+        "Exit status 0 only if every result was right."_s);
     commandLine.read(arguments);
     QTextStream out(stdout);
     return runTour(commandLine.driverPath(), out);

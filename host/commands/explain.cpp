@@ -1,9 +1,9 @@
 // tolvane-host explain: frames in plain words, and what is wrong with them.
+#include "host/frames/explain.h"
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/explain/frames.h"
-#include "host/failure.h"
-#include "host/table.h"
+#include "host/output/failure.h"
+#include "host/output/table.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -32,7 +32,7 @@ void printWrapped(QString text, QTextStream &out)
     while (text.size() > width) {
         const int blank = int(text.lastIndexOf(QLatin1Char(' '), width));
         out << Indent << text.left(blank) << '\n';
-        text = QLatin1String("  ") + text.mid(blank + 1);
+        text = "  "_s + text.mid(blank + 1);
     }
     out << Indent << text << '\n';
 }
@@ -63,7 +63,7 @@ void print(const ExplainedFrame &frame, QTextStream &out)
     }
     printBytes(frame, out);
     if (!frame.reading.fault.isEmpty())
-        printWrapped(QStringLiteral("wrong: ") + frame.reading.fault, out);
+        printWrapped("wrong: "_s + frame.reading.fault, out);
     if (!frame.reading.text.isEmpty())
         printWrapped(frame.reading.text, out);
     printWrapped(checksumText(frame.bytes), out);
@@ -74,14 +74,13 @@ QJsonObject toJson(const ExplainedFrame &frame)
 {
     const QJsonValue none;
     const FrameReading &reading = frame.reading;
-    return {
-        {QStringLiteral("time"), frame.time.isEmpty() ? none : QJsonValue(frame.time)},
-        {QStringLiteral("direction"), QLatin1String(frame.isRequest ? "request" : "reply")},
-        {QStringLiteral("bytes"), hexText(frame.bytes, int(frame.bytes.size()))},
-        {QStringLiteral("text"), reading.text},
-        {QStringLiteral("checksum"), checksumText(frame.bytes)},
-        {QStringLiteral("fault"), reading.fault.isEmpty() ? none : QJsonValue(reading.fault)},
-        {QStringLiteral("faultAt"), reading.fault.isEmpty() ? none : QJsonValue(reading.faultAt)}};
+    return {{"time"_s, frame.time.isEmpty() ? none : QJsonValue(frame.time)},
+            {"direction"_s, QLatin1String(frame.isRequest ? "request" : "reply")},
+            {"bytes"_s, hexText(frame.bytes, int(frame.bytes.size()))},
+            {"text"_s, reading.text},
+            {"checksum"_s, checksumText(frame.bytes)},
+            {"fault"_s, reading.fault.isEmpty() ? none : QJsonValue(reading.fault)},
+            {"faultAt"_s, reading.fault.isEmpty() ? none : QJsonValue(reading.faultAt)}};
 }
 
 }  // namespace
@@ -89,32 +88,32 @@ QJsonObject toJson(const ExplainedFrame &frame)
 int explainCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
-        QStringLiteral("explain"),
-        QStringLiteral(
-            "Frames in plain words, their checksums judged; ^^ points at what is wrong.\n"
-            "-> is a request, <- a reply; a reply is judged by the request before it.\n"
-            "Exit status 1 when a frame is wrong or a reply is missing."));
+        "explain"_s,
+        "Frames in plain words, their checksums judged; ^^ points at what is wrong.\n"
+        "-> is a request, <- a reply; a reply is judged by the request before it.\n"
+        "Exit status 1 when a frame is wrong or a reply is missing."_s);
     commandLine.addPositionalArgument(
-        QStringLiteral("frames"),
-        QStringLiteral("Bytes as hex pairs, with blanks or without, or a file that --trace or "
-                       "\"socat -x\" wrote; - for standard input."),
-        QStringLiteral("HEX...|FILE|-"));
-    const QCommandLineOption wrong(QStringLiteral("wrong"),
-                                   QStringLiteral("Print only frames that are wrong, and the "
-                                                  "requests of wrong or missing replies."));
+        "frames"_s,
+        "Bytes as hex pairs, with blanks or without, or a file that --trace or "
+        "\"socat -x\" wrote; - for standard input."_s,
+        "HEX...|FILE|-"_s);
+    const QCommandLineOption wrong("wrong"_s,
+                                   "Print only frames that are wrong, and the "
+                                   "requests of wrong or missing replies."_s);
     commandLine.addOptions({wrong});
     commandLine.addJsonOption("Print a JSON array, an object a frame.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     QStringList given = commandLine.positionalArguments().mid(1);
     if (given.isEmpty() && ::isatty(STDIN_FILENO) == 0)
-        given.append(QStringLiteral("-"));
+        given.append("-"_s);
     if (given.isEmpty())
-        throw Failure(QStringLiteral("nothing to explain; expected bytes as hex pairs, a trace "
-                                     "file, or - for standard input"),
-                      BadInput);
+        throw Failure(
+            "nothing to explain; expected bytes as hex pairs, a trace "
+            "file, or - for standard input"_s,
+            BadInput);
 
-    const bool isFile = given.size() == 1 &&
-                        (given.first() == QLatin1String("-") || QFileInfo(given.first()).isFile());
+    const bool isFile =
+        given.size() == 1 && (given.first() == "-"_s || QFileInfo(given.first()).isFile());
     const QVector<ExplainedFrame> frames =
         isFile ? framesFromFile(given.first()) : framesFromText(given);
     QTextStream out(stdout);
@@ -147,7 +146,7 @@ int explainCommand(const QStringList &arguments)
         printJson(QJsonDocument(array));
     } else {
         out << countText(frames.size() - missing, "frame") << ", "
-            << (faulty == 0 ? QStringLiteral("none") : QString::number(faulty)) << " wrong";
+            << (faulty == 0 ? "none"_s : QString::number(faulty)) << " wrong";
         if (missing > 0)
             out << "; " << countText(missing, "request") << " without a reply";
         out << '\n';

@@ -1,9 +1,9 @@
 // tolvane-host info: what the driver says of itself.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/failure.h"
-#include "host/identity.h"
-#include "host/table.h"
+#include "host/driver/identity.h"
+#include "host/output/failure.h"
+#include "host/output/table.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -23,30 +23,30 @@ QJsonObject toJson(const Identity &identity)
 {
     QJsonArray types;
     for (const RegisterType &type : identity.types)
-        types.append(QJsonObject{{QStringLiteral("name"), type.name},
-                                 {QStringLiteral("pattern"), type.pattern},
-                                 {QStringLiteral("first"), type.firstAddress},
-                                 {QStringLiteral("last"), type.lastAddress},
-                                 {QStringLiteral("width"), width(type)},
-                                 {QStringLiteral("access"), type.access}});
-    return {{QStringLiteral("name"), identity.name},
-            {QStringLiteral("version"), identity.version},
-            {QStringLiteral("serial"), identity.serialLine},
-            {QStringLiteral("network"), identity.networkLine},
-            {QStringLiteral("types"), types}};
+        types.append(QJsonObject{{"name"_s, type.name},
+                                 {"pattern"_s, type.pattern},
+                                 {"first"_s, type.firstAddress},
+                                 {"last"_s, type.lastAddress},
+                                 {"width"_s, width(type)},
+                                 {"access"_s, type.access}});
+    return {{"name"_s, identity.name},
+            {"version"_s, identity.version},
+            {"serial"_s, identity.serialLine},
+            {"network"_s, identity.networkLine},
+            {"types"_s, types}};
 }
 
 void print(const Identity &identity, const QString &path, QTextStream &out)
 {
     Table head({{Table::Left, 8, 0}, {}});
-    head.add({QStringLiteral("driver"), identity.name + QLatin1Char(' ') + identity.version});
-    head.add({QStringLiteral("library"), path});
-    head.add({QStringLiteral("serial"), identity.serialLine + QLatin1String(" by default")});
-    head.add({QStringLiteral("network"), identity.networkLine + QLatin1String(" by default")});
+    head.add({"driver"_s, identity.name + QLatin1Char(' ') + identity.version});
+    head.add({"library"_s, path});
+    head.add({"serial"_s, identity.serialLine + " by default"_s});
+    head.add({"network"_s, identity.networkLine + " by default"_s});
     head.print(out);
     out << '\n';
     Table types({{Table::Left, 8, 0}, {}, {Table::Right, 6}, {Table::Right, 10}, {}, {}});
-    types.add(QString::fromLatin1("type,pattern,first,last,width,access").split(QLatin1Char(',')));
+    types.add("type,pattern,first,last,width,access"_s.split(QLatin1Char(',')));
     for (const RegisterType &type : identity.types)
         types.add({type.name, type.pattern, type.firstAddress, type.lastAddress, width(type),
                    type.access});
@@ -58,9 +58,9 @@ void print(const Identity &identity, const QString &path, QTextStream &out)
 int infoCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
-        QStringLiteral("info"),
-        QStringLiteral("The driver's name and version, its default line, and its register types.\n"
-                       "A pattern has a letter for each digit: D is a decimal one."));
+        "info"_s,
+        "The driver's name and version, its default line, and its register types.\n"
+        "A pattern has a letter for each digit: D is a decimal one."_s);
     commandLine.addJsonOption("Print a JSON object.");
     commandLine.read(arguments);
 

@@ -1,10 +1,10 @@
 // tolvane-host read: each address once.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/connection.h"
-#include "host/failure.h"
-#include "host/tag_reader.h"
-#include "host/tag_text.h"
+#include "host/exchange/connection.h"
+#include "host/output/failure.h"
+#include "host/tags/tag_reader.h"
+#include "host/tags/tag_text.h"
 
 #include <QtCore/QTextStream>
 
@@ -18,8 +18,7 @@ int read(const CommandLine &commandLine)
 {
     const QStringList addresses = commandLine.positionalArguments().mid(1);
     if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
-        throw Failure(QStringLiteral("nothing to read; expected ADDRESS... or --tags FILE"),
-                      BadInput);
+        throw Failure("nothing to read; expected ADDRESS... or --tags FILE"_s, BadInput);
     Connection connection(commandLine);
     const QVector<Tag> tags = parseTags(connection.driver(), connection.identity(), addresses,
                                         connection.stationNo(), commandLine.tagFiles());
@@ -52,13 +51,11 @@ int read(const CommandLine &commandLine)
 
 int readCommand(const QStringList &arguments)
 {
-    CommandLine commandLine(
-        QStringLiteral("read"),
-        QStringLiteral("Reads each address once. Exit status 1 when one has no good value."));
+    CommandLine commandLine("read"_s,
+                            "Reads each address once. Exit status 1 when one has no good value."_s);
     commandLine.addPositionalArgument(
-        QStringLiteral("addresses"),
-        QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
-        QStringLiteral("ADDRESS..."));
+        "addresses"_s, "Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."_s,
+        "ADDRESS..."_s);
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
     commandLine.addJsonOption("Print a JSON array, an object a tag.");

@@ -1,13 +1,13 @@
 // tolvane-host recipe: many values at once, from the controller to a file or the other way.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/failure.h"
-#include "host/output_file.h"
-#include "host/recipe_file.h"
-#include "host/recipe_transfer.h"
-#include "host/table.h"
-#include "host/tag_reader.h"
-#include "host/tag_text.h"
+#include "host/output/failure.h"
+#include "host/output/output_file.h"
+#include "host/output/table.h"
+#include "host/tags/recipe_file.h"
+#include "host/tags/recipe_transfer.h"
+#include "host/tags/tag_reader.h"
+#include "host/tags/tag_text.h"
 
 #include <QtCore/QTextStream>
 
@@ -67,9 +67,8 @@ QVector<Tag> tagsOf(const QVector<RecipeLine> &lines)
 QVector<RecipeLine> linesToPull(Connection &connection, const QString &path,
                                 const QStringList &addresses, const QStringList &tagFiles)
 {
-    if (addresses.isEmpty() && tagFiles.isEmpty() && path == QLatin1String("-"))
-        throw Failure(QStringLiteral("nothing to pull; expected ADDRESS... or --tags FILE"),
-                      BadInput);
+    if (addresses.isEmpty() && tagFiles.isEmpty() && path == "-"_s)
+        throw Failure("nothing to pull; expected ADDRESS... or --tags FILE"_s, BadInput);
     if (addresses.isEmpty() && tagFiles.isEmpty())
         return readRecipeFile(connection.driver(), connection.identity(), path,
                               connection.stationNo());
@@ -90,7 +89,7 @@ public:
     void write(const QJsonObject &object) { m_file.write(jsonLine(object)); }
 
 private:
-    OutputFile m_file{QStringLiteral("-"), OutputFile::Anew};
+    OutputFile m_file{"-"_s, OutputFile::Anew};
 };
 
 int pull(Connection &connection, const QString &path, const QStringList &addresses,
@@ -98,7 +97,7 @@ int pull(Connection &connection, const QString &path, const QStringList &address
 {
     QVector<RecipeLine> lines = linesToPull(connection, path, addresses, tagFiles);
     const RecipeTransfer pushable(connection, tagsOf(lines));  // throws where a push would
-    const ProgressBar bar(QStringLiteral("pull"));
+    const ProgressBar bar("pull"_s);
     const QVector<TagReading> readings = readTags(connection, tagsOf(lines), bar.progress());
     JsonLines json;
     for (int i = 0; asJson && i < int(lines.size()); ++i)
@@ -111,7 +110,7 @@ int pull(Connection &connection, const QString &path, const QStringList &address
         }
         lines[i].values = joinedValues(lines[i].tag, readings[i].units);
     }
-    if (!asJson || path != QLatin1String("-"))
+    if (!asJson || path != "-"_s)
         writeRecipeFile(path, lines);
     return connection.traceFailed() ? SomethingFailed : AllRight;
 }
@@ -119,11 +118,11 @@ int pull(Connection &connection, const QString &path, const QStringList &address
 QVector<QVector<int>> pushAndRead(RecipeTransfer &transfer, const QVector<QVector<int>> &values)
 {
     {
-        const ProgressBar bar(QStringLiteral("push"));
+        const ProgressBar bar("push"_s);
         transfer.progress = bar.progress();
         transfer.write(values);
     }
-    const ProgressBar bar(QStringLiteral("check"));
+    const ProgressBar bar("check"_s);
     transfer.progress = bar.progress();
     return transfer.read();
 }
@@ -157,8 +156,8 @@ int push(Connection &connection, const QString &path, bool asJson)
         differing += alike ? 0 : 1;
         if (asJson) {
             QJsonObject object = readingObject(connection, tag, {found[i], failure});
-            object.insert(QStringLiteral("wanted"), valueArray(formatValues(tag, wanted[i])));
-            object.insert(QStringLiteral("alike"), alike);
+            object.insert("wanted"_s, valueArray(formatValues(tag, wanted[i])));
+            object.insert("alike"_s, alike);
             json.write(object);
         }
         if (asJson || alike)
@@ -178,18 +177,16 @@ int recipe(const CommandLine &commandLine)
     const QString direction = given.value(0);
     const QString path = given.value(1);
     const QStringList addresses = given.mid(2);
-    const bool isPush = direction == QLatin1String("push");
-    if (!isPush && direction != QLatin1String("pull"))
-        throw Failure(QStringLiteral("recipe \"%1\": expected pull or push").arg(direction),
-                      BadInput);
+    const bool isPush = direction == "push"_s;
+    if (!isPush && direction != "pull"_s)
+        throw Failure("recipe \"%1\": expected pull or push"_s.arg(direction), BadInput);
     if (path.isEmpty())
-        throw Failure(QStringLiteral("no recipe file given; expected %1 FILE").arg(direction),
-                      BadInput);
+        throw Failure("no recipe file given; expected %1 FILE"_s.arg(direction), BadInput);
     const QStringList unasked = addresses + commandLine.tagFiles();
     if (isPush && !unasked.isEmpty())
-        throw Failure(QStringLiteral("unexpected \"%1\": push takes its addresses from the file")
-                          .arg(unasked.first()),
-                      BadInput);
+        throw Failure(
+            "unexpected \"%1\": push takes its addresses from the file"_s.arg(unasked.first()),
+            BadInput);
     Connection connection(commandLine);
     return isPush ? push(connection, path, commandLine.asJson())
                   : pull(connection, path, addresses, commandLine.tagFiles(), commandLine.asJson());
@@ -200,19 +197,16 @@ int recipe(const CommandLine &commandLine)
 int recipeCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
-        QStringLiteral("recipe"),
-        QStringLiteral("pull: reads the file's addresses, or those given, and writes the file with "
-                       "their values.\npush: writes the file's values, reads them back and "
-                       "compares.\nThe file is CSV: address,value,value,..."));
-    commandLine.addPositionalArgument(QStringLiteral("direction"), QStringLiteral("pull or push."),
-                                      QStringLiteral("pull|push"));
-    commandLine.addPositionalArgument(QStringLiteral("file"),
-                                      QStringLiteral("The recipe; - for pull to standard output."),
-                                      QStringLiteral("FILE"));
+        "recipe"_s,
+        "pull: reads the file's addresses, or those given, and writes the file with "
+        "their values.\npush: writes the file's values, reads them back and "
+        "compares.\nThe file is CSV: address,value,value,..."_s);
+    commandLine.addPositionalArgument("direction"_s, "pull or push."_s, "pull|push"_s);
+    commandLine.addPositionalArgument("file"_s, "The recipe; - for pull to standard output."_s,
+                                      "FILE"_s);
     commandLine.addPositionalArgument(
-        QStringLiteral("addresses"),
-        QStringLiteral("For pull, to begin a recipe: such as D_W:100x10:float or M_bit:20.5x8."),
-        QStringLiteral("[ADDRESS...]"));
+        "addresses"_s, "For pull, to begin a recipe: such as D_W:100x10:float or M_bit:20.5x8."_s,
+        "[ADDRESS...]"_s);
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
     commandLine.addJsonOption(

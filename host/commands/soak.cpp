@@ -1,12 +1,12 @@
 // tolvane-host soak: random traffic on a line with faults, and a verdict.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/connection_options.h"
-#include "host/failure.h"
-#include "host/interrupt.h"
+#include "host/exchange/connection_options.h"
 #include "host/line/serial_line.h"
 #include "host/line/tcp_line.h"
 #include "host/line/virtual_line.h"
+#include "host/output/failure.h"
+#include "host/output/interrupt.h"
 #include "host/soak/report.h"
 
 #include "plc/report.h"
@@ -32,10 +32,10 @@ qint64 wholeNumber(const CommandLine &commandLine, const char *option, qint64 lo
     bool isNumber = false;
     const qint64 number = text.toLongLong(&isNumber);
     if (!isNumber || number < lowest || number > highest)
-        throw Failure(QStringLiteral("--%1 \"%2\": expected a number from %3 to %4")
-                          .arg(QLatin1String(option), text, QString::number(lowest),
-                               QString::number(highest)),
-                      BadInput);
+        throw Failure(
+            "--%1 \"%2\": expected a number from %3 to %4"_s.arg(
+                QLatin1String(option), text, QString::number(lowest), QString::number(highest)),
+            BadInput);
     return number;
 }
 
@@ -85,13 +85,13 @@ int soakSimulated(const SoakRun &run, const Driver &driver, const Identity &iden
     soak.judge(imageOf(line.memory()));
     return conclude(run, soak,
                     plc::countsText(line.controller().counts(), line.faults()) +
-                        QStringLiteral("\nunheard: total=%1").arg(line.requestsLost()));
+                        "\nunheard: total=%1"_s.arg(line.requestsLost()));
 }
 
 int soakReal(const SoakRun &run, const Driver &driver, const Identity &identity, Line &line)
 {
     if (!line.open())
-        throw Failure(QStringLiteral("cannot open %1: %2").arg(run.setup.line, line.errorText()));
+        throw Failure("cannot open %1: %2"_s.arg(run.setup.line, line.errorText()));
     catchInterrupts();
     const QVector<Point> places = Soak::places();
     MemoryImage start;
@@ -120,26 +120,27 @@ SoakRun readOptions(const CommandLine &commandLine, const Identity &identity)
     run.setup.faults = given("faults");
     const QString wrong = plc::FaultPlan::parse(run.setup.faults, &run.faults);
     if (!wrong.isEmpty())
-        throw Failure(QStringLiteral("--faults: %1").arg(wrong), BadInput);
+        throw Failure("--faults: %1"_s.arg(wrong), BadInput);
 
     const bool isReal = !run.device.isEmpty() || !run.server.isEmpty();
-    if (isReal && !commandLine.isSet(QStringLiteral("overwrite")))
-        throw Failure(QStringLiteral("it would write at random to D 50-249, M 8-23 and TX 16-135 "
-                                     "of that controller; expected --overwrite if it may"),
-                      BadInput);
+    if (isReal && !commandLine.isSet("overwrite"_s))
+        throw Failure(
+            "it would write at random to D 50-249, M 8-23 and TX 16-135 "
+            "of that controller; expected --overwrite if it may"_s,
+            BadInput);
     if (!run.device.isEmpty() && !run.server.isEmpty())
-        throw Failure(QStringLiteral("more than one line; expected --port or --tcp"), BadInput);
-    if (isReal && commandLine.isSet(QStringLiteral("faults")))
-        throw Failure(QStringLiteral("--faults: a real line has its own; expected neither --port "
-                                     "nor --tcp beside it"),
-                      BadInput);
+        throw Failure("more than one line; expected --port or --tcp"_s, BadInput);
+    if (isReal && commandLine.isSet("faults"_s))
+        throw Failure(
+            "--faults: a real line has its own; expected neither --port "
+            "nor --tcp beside it"_s,
+            BadInput);
     if (isReal)
-        run.setup.faults = QStringLiteral("the line's own");
-    run.setup.line =
-        isReal ? run.device + run.server
-               : QStringLiteral("a simulated controller, in simulated time, ") +
-                     (run.pace.none ? QStringLiteral("without a pace")
-                                    : QStringLiteral("%1 baud").arg(run.pace.settings.baudRate));
+        run.setup.faults = "the line's own"_s;
+    run.setup.line = isReal ? run.device + run.server
+                            : "a simulated controller, in simulated time, "_s +
+                                  (run.pace.none ? "without a pace"_s
+                                                 : "%1 baud"_s.arg(run.pace.settings.baudRate));
     return run;
 }
 
@@ -148,31 +149,24 @@ SoakRun readOptions(const CommandLine &commandLine, const Identity &identity)
 int soakCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
-        QStringLiteral("soak"),
-        QStringLiteral(
-            "Monitors, writes and reads at random through the driver, on a line whose "
-            "replies get lost,\nlate or damaged; then lets the line heal and proves the "
-            "end state. In simulated time, so it\ntakes as long as its computing and "
-            "comes out the same for the same seed; with --port or --tcp a real line, "
-            "in real time.\nExit status 0 only if the controller's memory and all that was "
-            "read are right."));
+        "soak"_s,
+        "Monitors, writes and reads at random through the driver, on a line whose "
+        "replies get lost,\nlate or damaged; then lets the line heal and proves the "
+        "end state. In simulated time, so it\ntakes as long as its computing and "
+        "comes out the same for the same seed; with --port or --tcp a real line, "
+        "in real time.\nExit status 0 only if the controller's memory and all that was "
+        "read are right."_s);
     addConnectionOptions(
-        commandLine, {QStringLiteral("port"), QStringLiteral("tcp"), QStringLiteral("serial"),
-                      QStringLiteral("pace"), QStringLiteral("timeout"), QStringLiteral("quiet"),
-                      QStringLiteral("listen")});
+        commandLine, {"port"_s, "tcp"_s, "serial"_s, "pace"_s, "timeout"_s, "quiet"_s, "listen"_s});
     commandLine.addOptions({
-        {QStringLiteral("exchanges"),
-         QStringLiteral("Requests to send while the line is bad (default: 100000)."),
-         QStringLiteral("n"), QStringLiteral("100000")},
-        {QStringLiteral("faults"),
-         QStringLiteral("Faults of replies and their shares, as tolvane-plc takes them (default: "
-                        "%1). One of 100 requests gets lost besides.")
-             .arg(QLatin1String(DefaultFaults)),
-         QStringLiteral("list"), QLatin1String(DefaultFaults)},
-        {QStringLiteral("seed"), QStringLiteral("Start of all dice (default: 1)."),
-         QStringLiteral("n"), QStringLiteral("1")},
-        {QStringLiteral("overwrite"),
-         QStringLiteral("Allow random values in that controller: D 50-249, M 8-23, TX 16-135.")},
+        {"exchanges"_s, "Requests to send while the line is bad (default: 100000)."_s, "n"_s,
+         "100000"_s},
+        {"faults"_s,
+         "Faults of replies and their shares, as tolvane-plc takes them (default: "
+         "%1). One of 100 requests gets lost besides."_s.arg(QLatin1String(DefaultFaults)),
+         "list"_s, QLatin1String(DefaultFaults)},
+        {"seed"_s, "Start of all dice (default: 1)."_s, "n"_s, "1"_s},
+        {"overwrite"_s, "Allow random values in that controller: D 50-249, M 8-23, TX 16-135."_s},
     });
     commandLine.addJsonOption("Print the result as JSON.");
     commandLine.read(arguments);

@@ -2,12 +2,12 @@
 #include "host/watch/watch.h"
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/connection.h"
-#include "host/failure.h"
-#include "host/interrupt.h"
+#include "host/exchange/connection.h"
+#include "host/output/failure.h"
+#include "host/output/interrupt.h"
 #include "host/watch/line_use.h"
-#include "host/watch/screen.h"
-#include "host/watch/value_log.h"
+#include "host/watch/sinks/screen.h"
+#include "host/watch/sinks/value_log.h"
 
 #include <QtCore/QTextStream>
 
@@ -70,8 +70,7 @@ LineTime durationOption(const QString &text)
     bool isNumber = false;
     const double seconds = text.toDouble(&isNumber);
     if (!isNumber || !(seconds > 0) || seconds > 1e9)
-        throw Failure(QStringLiteral("--for \"%1\": expected seconds, above 0 and up to 1000000000")
-                          .arg(text),
+        throw Failure("--for \"%1\": expected seconds, above 0 and up to 1000000000"_s.arg(text),
                       BadInput);
     return std::chrono::duration_cast<LineTime>(std::chrono::duration<double>(seconds));
 }
@@ -87,15 +86,15 @@ Wishes readWishes(const QCommandLineParser &parser)
 {
     const auto isSet = [&](const char *name) { return parser.isSet(QLatin1String(name)); };
     Wishes wishes;
-    wishes.csv = parser.value(QStringLiteral("csv"));
+    wishes.csv = parser.value("csv"_s);
     wishes.json = isSet("json");
-    const bool csvToStdout = wishes.csv == QLatin1String("-");
+    const bool csvToStdout = wishes.csv == "-"_s;
     if (wishes.json && csvToStdout)
-        throw Failure(QStringLiteral("--json and --csv - both want standard output"), BadInput);
+        throw Failure("--json and --csv - both want standard output"_s, BadInput);
     wishes.table = isTerminal() && !wishes.json && !csvToStdout;
     wishes.tables = isSet("stats");
     if (isSet("for"))
-        wishes.duration = durationOption(parser.value(QStringLiteral("for")));
+        wishes.duration = durationOption(parser.value("for"_s));
     wishes.watch.poll = intervalOption(parser, "poll");
     wishes.watch.every = intervalOption(parser, "every");
     wishes.watch.setAside = !isSet("no-demotion");
@@ -110,9 +109,9 @@ std::vector<ValueLog> openLogs(const Wishes &wishes, Zone zone, const QVector<Wa
     if (!wishes.csv.isEmpty())
         logs.emplace_back(wishes.csv, csv, zone, values);
     if (wishes.json)
-        logs.emplace_back(QStringLiteral("-"), ValueLog::JsonLines, zone, values);
+        logs.emplace_back("-"_s, ValueLog::JsonLines, zone, values);
     else if (logs.empty() && !wishes.table)
-        logs.emplace_back(QStringLiteral("-"), ValueLog::Columns, zone, values);
+        logs.emplace_back("-"_s, ValueLog::Columns, zone, values);
     return logs;
 }
 
@@ -156,7 +155,7 @@ int close(Connection &connection, const Watch &watch, const Wishes &wishes, Line
     if (!failures.isEmpty())
         err << "failures: " << failures << '\n';
     if (wishes.tables && json)
-        json->write({{QStringLiteral("statistics"), watch.statistics().object(now)}});
+        json->write({{"statistics"_s, watch.statistics().object(now)}});
     else if (wishes.tables)
         watch.statistics().print(err << '\n', now);
     const QStringList notGood = watch.notGood();
@@ -170,16 +169,14 @@ int close(Connection &connection, const Watch &watch, const Wishes &wishes, Line
 int watchCommand(const QStringList &arguments)
 {
     CommandLine commandLine(
-        QStringLiteral("watch"),
-        QStringLiteral(
-            "Polls addresses: a live table on a terminal (changed, read: time since the value\n"
-            "changed and since its last good read), elsewhere a line per change of value or\n"
-            "quality. Ctrl-C ends it with the counts. Exit status 1 when a tag had no good value\n"
-            "at the end."));
+        "watch"_s,
+        "Polls addresses: a live table on a terminal (changed, read: time since the value\n"
+        "changed and since its last good read), elsewhere a line per change of value or\n"
+        "quality. Ctrl-C ends it with the counts. Exit status 1 when a tag had no good value\n"
+        "at the end."_s);
     commandLine.addPositionalArgument(
-        QStringLiteral("addresses"),
-        QStringLiteral("Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."),
-        QStringLiteral("ADDRESS..."));
+        "addresses"_s, "Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."_s,
+        "ADDRESS..."_s);
     commandLine.addTagFileOption();
     addConnectionOptions(commandLine);
     const auto add = [&](const char *name, const char *help, const char *value = nullptr) {
@@ -202,8 +199,7 @@ int watchCommand(const QStringList &arguments)
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList addresses = commandLine.positionalArguments().mid(1);
     if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
-        throw Failure(QStringLiteral("nothing to watch; expected ADDRESS... or --tags FILE"),
-                      BadInput);
+        throw Failure("nothing to watch; expected ADDRESS... or --tags FILE"_s, BadInput);
     Wishes wishes = readWishes(commandLine);
 
     Connection connection(commandLine);

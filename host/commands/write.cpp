@@ -1,9 +1,9 @@
 // tolvane-host write: values to addresses, each with what came of it.
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
-#include "host/connection.h"
-#include "host/failure.h"
-#include "host/tag_text.h"
+#include "host/exchange/connection.h"
+#include "host/output/failure.h"
+#include "host/tags/tag_text.h"
 
 #include <QtCore/QTextStream>
 
@@ -42,14 +42,13 @@ QVector<Assignment> parseAssignments(const Connection &connection, const QString
         const QString target = argument.left(equals);
         if (equals < 1 || !target.contains(QLatin1Char(':')))
             throw Failure(
-                QStringLiteral("argument %1: \"%2\": expected ADDRESS=VALUE, such as D_W:100=5")
-                    .arg(i + 1)
-                    .arg(argument),
+                "argument %1: \"%2\": expected ADDRESS=VALUE, such as D_W:100=5"_s.arg(i + 1).arg(
+                    argument),
                 BadInput);
         const int nameEnd = int(target.indexOf(QLatin1Char('=')));
-        const Tag tag = parseTag(connection.driver(), connection.identity(),
-                                 target.left(qMax(0, nameEnd)), target.mid(nameEnd + 1),
-                                 connection.stationNo(), QStringLiteral("argument %1").arg(i + 1));
+        const Tag tag =
+            parseTag(connection.driver(), connection.identity(), target.left(qMax(0, nameEnd)),
+                     target.mid(nameEnd + 1), connection.stationNo(), "argument %1"_s.arg(i + 1));
         assignments.append({tag, parseValues(tag, argument.mid(equals + 1))});
     }
     return assignments;
@@ -64,10 +63,9 @@ QString failureOf(const Driver &driver, const QVector<Piece> &pieces, bool withS
         texts += pieces.size() == 1
                      ? piece.failure
                      : pointText(driver, piece.block, withStation) +
-                           (piece.failure.isEmpty() ? QLatin1String(" acknowledged")
-                                                    : QLatin1String(": ") + piece.failure);
+                           (piece.failure.isEmpty() ? " acknowledged"_s : ": "_s + piece.failure);
     }
-    return failed ? texts.join(QLatin1String("; ")) : QString();
+    return failed ? texts.join("; "_s) : QString();
 }
 
 Result carry(Connection &connection, const Assignment &assignment)
@@ -91,27 +89,26 @@ Result carry(Connection &connection, const Assignment &assignment)
     connection.observer = nullptr;
     result.failure = failureOf(connection.driver(), result.pieces, assignment.tag.stationNamed);
     if (!lost.isEmpty())
-        result.failure += result.pieces.isEmpty() ? lost : QLatin1String("; ") + lost;
+        result.failure += result.pieces.isEmpty() ? lost : "; "_s + lost;
     return result;
 }
 
 QJsonObject objectOf(const Driver &driver, const Assignment &assignment, const Result &result)
 {
     QJsonObject object = tagObject(driver, assignment.tag);
-    object.insert(QStringLiteral("values"),
-                  valueArray(formatValues(assignment.tag, assignment.units)));
-    object.insert(QStringLiteral("acknowledged"), result.failure.isEmpty());
+    object.insert("values"_s, valueArray(formatValues(assignment.tag, assignment.units)));
+    object.insert("acknowledged"_s, result.failure.isEmpty());
     if (!result.failure.isEmpty())
-        object.insert(QStringLiteral("reason"), result.failure);
+        object.insert("reason"_s, result.failure);
     QJsonArray blocks;
     for (const Piece &piece : result.pieces) {
         QJsonObject block = blockObject(driver, piece.block, assignment.tag.stationNamed);
-        block.insert(QStringLiteral("acknowledged"), piece.failure.isEmpty());
+        block.insert("acknowledged"_s, piece.failure.isEmpty());
         if (!piece.failure.isEmpty())
-            block.insert(QStringLiteral("reason"), piece.failure);
+            block.insert("reason"_s, piece.failure);
         blocks.append(block);
     }
-    object.insert(QStringLiteral("blocks"), blocks);
+    object.insert("blocks"_s, blocks);
     return object;
 }
 
@@ -119,7 +116,7 @@ int write(const CommandLine &commandLine)
 {
     const QStringList given = commandLine.positionalArguments().mid(1);
     if (given.isEmpty())
-        throw Failure(QStringLiteral("nothing to write; expected ADDRESS=VALUE..."), BadInput);
+        throw Failure("nothing to write; expected ADDRESS=VALUE..."_s, BadInput);
 
     Connection connection(commandLine);
     const Driver &driver = connection.driver();
@@ -136,11 +133,10 @@ int write(const CommandLine &commandLine)
     QJsonArray array;
     int failed = 0;
     for (const Assignment &assignment : assignments) {
-        const Result result =
-            !closed.isEmpty() ? Result{{}, closed}
-            : connection.line().isOpen()
-                ? carry(connection, assignment)
-                : Result{{}, QStringLiteral("not sent: %1").arg(connection.line().errorText())};
+        const Result result = !closed.isEmpty() ? Result{{}, closed}
+                              : connection.line().isOpen()
+                                  ? carry(connection, assignment)
+                                  : Result{{}, "not sent: %1"_s.arg(connection.line().errorText())};
         failed += result.failure.isEmpty() ? 0 : 1;
         array.append(objectOf(driver, assignment, result));
         if (commandLine.asJson()) {
@@ -150,10 +146,8 @@ int write(const CommandLine &commandLine)
             continue;
         }
         out << columns.text(assignment.tag) << " = "
-            << formatValues(assignment.tag, assignment.units).join(QLatin1String(", ")) << "  "
-            << (result.failure.isEmpty() ? QStringLiteral("acknowledged")
-                                         : QLatin1String("FAILED: ") + result.failure)
-            << '\n'
+            << formatValues(assignment.tag, assignment.units).join(", "_s) << "  "
+            << (result.failure.isEmpty() ? "acknowledged"_s : "FAILED: "_s + result.failure) << '\n'
             << Qt::flush;
     }
     if (commandLine.asJson())
@@ -165,14 +159,12 @@ int write(const CommandLine &commandLine)
 
 int writeCommand(const QStringList &arguments)
 {
-    CommandLine commandLine(
-        QStringLiteral("write"),
-        QStringLiteral("Writes values and waits until the controller has acknowledged each.\n"
-                       "Exit status 1 when the driver gave one up."));
+    CommandLine commandLine("write"_s,
+                            "Writes values and waits until the controller has acknowledged each.\n"
+                            "Exit status 1 when the driver gave one up."_s);
     commandLine.addPositionalArgument(
-        QStringLiteral("assignments"),
-        QStringLiteral("Such as D_W:100=5, M_bit:20.5=1, D_W:100x3=1,2,3 or D_W:200:float=1.5."),
-        QStringLiteral("ADDRESS=VALUE..."));
+        "assignments"_s, "Such as D_W:100=5, M_bit:20.5=1, D_W:100x3=1,2,3 or D_W:200:float=1.5."_s,
+        "ADDRESS=VALUE..."_s);
     addConnectionOptions(commandLine);
     commandLine.addJsonOption("Print a JSON array, an object a tag.");
     commandLine.read(arguments, std::numeric_limits<int>::max());

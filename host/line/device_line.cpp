@@ -1,7 +1,7 @@
 // Blocking transfers that notice a lost device.
 #include "host/line/device_line.h"
 
-#include "host/interrupt.h"
+#include "host/output/interrupt.h"
 
 #include <QtCore/QDeadlineTimer>
 

@@ -1,6 +1,5 @@
 // What a serial port and a TCP connection have in common as lines: blocking transfers in real time.
-#ifndef TOLVANE_HOST_DEVICE_LINE_H
-#define TOLVANE_HOST_DEVICE_LINE_H
+#pragma once
 
 #include "host/line/serial_settings.h"
 
@@ -50,5 +49,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

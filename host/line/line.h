@@ -1,10 +1,10 @@
 // A byte line to one controller. Everything above it works alike over any kind of line, and in
 // simulated time: the line tells the time, and lets it pass.
-#ifndef TOLVANE_HOST_LINE_H
-#define TOLVANE_HOST_LINE_H
+#pragma once
+
+#include "plc/literals.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QString>
 
 #include <chrono>
 
@@ -46,5 +46,3 @@ public:
 };
 
 }  // namespace host
-
-#endif

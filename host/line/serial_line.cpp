@@ -1,7 +1,7 @@
 // The port's settings and its errors.
 #include "host/line/serial_line.h"
 
-#include "host/port_device.h"
+#include "host/line/port_device.h"
 
 namespace host {
 
@@ -35,8 +35,7 @@ bool SerialLine::timedOut()
 // Of a device that was pulled out the system often says nothing that fits.
 QString SerialLine::deviceError() const
 {
-    return m_port.isOpen() ? QStringLiteral("the device has gone")
-                           : portTrouble(m_device, m_port.errorString());
+    return m_port.isOpen() ? "the device has gone"_s : portTrouble(m_device, m_port.errorString());
 }
 
 }  // namespace host

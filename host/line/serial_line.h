@@ -1,6 +1,5 @@
 // A serial port, or a pseudo-terminal, as the line to the controller.
-#ifndef TOLVANE_HOST_SERIAL_LINE_H
-#define TOLVANE_HOST_SERIAL_LINE_H
+#pragma once
 
 #include "host/line/device_line.h"
 
@@ -26,5 +25,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -1,7 +1,7 @@
 // The text form of the settings, and what a byte takes on the wire.
 #include "host/line/serial_settings.h"
 
-#include "host/failure.h"
+#include "host/output/failure.h"
 
 #include <QtCore/QStringList>
 
@@ -13,8 +13,8 @@ constexpr qint64 MicrosecondsPerSecond = 1000 * 1000;
 
 Failure refuse(const QString &text, const char *part, const QString &found, const QString &expected)
 {
-    return Failure(QStringLiteral("serial settings \"%1\": %2 \"%3\", expected %4")
-                       .arg(text, QLatin1String(part), found, expected),
+    return Failure("serial settings \"%1\": %2 \"%3\", expected %4"_s.arg(text, QLatin1String(part),
+                                                                          found, expected),
                    BadInput);
 }
 
@@ -36,8 +36,7 @@ SerialSettings SerialSettings::parse(const QString &text)
     SerialSettings settings;
     settings.baudRate = parts[0].toInt();
     if (settings.baudRate < 1 || settings.baudRate > HighestBaud)
-        throw refuse(text, "baud rate", parts[0],
-                     QStringLiteral("a number from 1 to %1").arg(HighestBaud));
+        throw refuse(text, "baud rate", parts[0], "a number from 1 to %1"_s.arg(HighestBaud));
 
     const int dataBits = parts[1].toInt();
     if (dataBits < 5 || dataBits > 8)
@@ -51,9 +50,9 @@ SerialSettings SerialSettings::parse(const QString &text)
     else if (!isParity(parts[2], "NONE"))
         throw refuse(text, "parity", parts[2], "NONE, EVEN or ODD, or N, E or O");
 
-    if (parts[3] == QLatin1String("2"))
+    if (parts[3] == "2"_s)
         settings.stopBits = QSerialPort::TwoStop;
-    else if (parts[3] != QLatin1String("1"))
+    else if (parts[3] != "1"_s)
         throw refuse(text, "stop bits", parts[3], "1 or 2");
     return settings;
 }

@@ -1,6 +1,5 @@
 // The settings of a serial line, which give its pace.
-#ifndef TOLVANE_HOST_SERIAL_SETTINGS_H
-#define TOLVANE_HOST_SERIAL_SETTINGS_H
+#pragma once
 
 #include "host/line/line.h"
 
@@ -32,5 +31,3 @@ struct SerialSettings
 };
 
 }  // namespace host
-
-#endif

@@ -1,7 +1,7 @@
 // Connecting to a device server, and how its end is noticed.
 #include "host/line/tcp_line.h"
 
-#include "host/failure.h"
+#include "host/output/failure.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -22,8 +22,7 @@ TcpLine::TcpLine(const QString &server, const LinePace &pace) : DeviceLine(m_soc
     const int colon = int(server.lastIndexOf(QLatin1Char(':')));
     const int port = server.mid(colon + 1).toInt();
     if (colon < 1 || port < 1 || port > HighestPort)
-        throw Failure(QStringLiteral("--tcp \"%1\": expected HOST:PORT, such as 192.168.1.100:8000")
-                          .arg(server),
+        throw Failure("--tcp \"%1\": expected HOST:PORT, such as 192.168.1.100:8000"_s.arg(server),
                       BadInput);
     m_host = server.left(colon);
     m_port = quint16(port);

@@ -1,6 +1,5 @@
 // A serial device server on the network, or a simulated controller behind a TCP port, as the line.
-#ifndef TOLVANE_HOST_TCP_LINE_H
-#define TOLVANE_HOST_TCP_LINE_H
+#pragma once
 
 #include "host/line/device_line.h"
 
@@ -28,5 +27,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -33,7 +33,7 @@ bool VirtualLine::open()
 
 QString VirtualLine::errorText() const
 {
-    return m_isOpen ? QString() : QStringLiteral("the device has gone");
+    return m_isOpen ? QString() : "the device has gone"_s;
 }
 
 void VirtualLine::pause(LineTime duration)

@@ -1,7 +1,6 @@
 // A simulated controller in this process as the line, in simulated time: an hour on it takes as
 // long as its computing, and comes out the same every time.
-#ifndef TOLVANE_HOST_VIRTUAL_LINE_H
-#define TOLVANE_HOST_VIRTUAL_LINE_H
+#pragma once
 
 #include "host/line/line.h"
 
@@ -73,5 +72,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

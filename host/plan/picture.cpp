@@ -1,9 +1,8 @@
-// Draws the plan: a title, the rows of all lanes, the legend.
+// Writes the waterfall down as SVG, from top to bottom.
 #include "host/plan/picture.h"
 
-#include "host/plan/page.h"
-#include "host/plan/svg.h"
-#include "host/table.h"
+#include "host/output/table.h"
+#include "host/plan/text.h"
 
 #include <algorithm>
 
@@ -13,278 +12,222 @@ namespace {
 
 using std::chrono::microseconds;
 
-constexpr double TitleHeight = 62;
-constexpr double LegendHeight = 56;
-constexpr double LabelTurn = -60;
-constexpr double LabelSize = 10.5;
-constexpr double AddressSpacing = 46;  // between addresses on the axis
-constexpr double RoomForTime = 74;     // of a block that is named with its wire time
-constexpr double RoomForNumber = 14;
+// In pixels.
+constexpr double PageWidth = 960;
+constexpr double Margin = 20;
+constexpr double NumberWidth = 22;
+constexpr double PlotLeft = 330;
+constexpr double PlotWidth = PageWidth - 90 - PlotLeft;  // right of it stands the last row's time
+constexpr double HeadHeight = 94;
+constexpr double AxisHeight = 26;
+constexpr double RowHeight = 36;
+constexpr double BarHeight = 16;
+constexpr double ChartSpacing = 20;
+constexpr double LegendLetter = 5.9;  // rough, for nobody knows the fonts of whoever looks at it
+constexpr double TickSpacing = 70;
 
-constexpr const char *Colours[] = {"#deebf7", "#b3d0e8", "#7fb2d9", "#3f86bf", "#0d4f8b"};
-constexpr int ColourCount = 5;
-constexpr int FirstDarkColour = 3;
-const char Grey[] = "#777";
+constexpr int RowsPerChart = 25;
+constexpr int LongestNames = 40;  // letters; so wide may 300 pixels be
 
-QString text(const char *latin1)
+// A light page with its own dark clothes: what is around it says which it wears.
+const char Style[] = R"(<style>
+text{font:11px "DejaVu Sans",Verdana,Arial,sans-serif;fill:#1f2328}
+.title{font-size:17px;font-weight:bold}.block{font-weight:bold}.end{text-anchor:end}
+.middle{text-anchor:middle}.soft{fill:#59636e;font-weight:normal}
+.page{fill:#fff}.band{fill:#f3f5f8}.grid{fill:#d1d9e0}
+.request{fill:#17436f}.turnaround{fill:#8c959f}.reply{fill:#4f9bdc}.unused{fill:#f2a93b}
+@media(prefers-color-scheme:dark){text{fill:#e6edf3}.soft{fill:#9da7b3}
+.page{fill:#0d1117}.band{fill:#161b22}.grid{fill:#30363d}
+.request{fill:#b6d9ff}.turnaround{fill:#7d8590}.reply{fill:#3479b8}.unused{fill:#e09b2d}}
+</style>
+)";
+
+// As XML takes it: of the control characters, which a name may hold, it knows hardly any.
+QString escaped(QString text)
 {
-    return QString::fromLatin1(latin1);
+    for (QChar &sign : text)
+        if (sign.category() == QChar::Other_Control || sign.unicode() >= 0xFFFE)
+            sign = QChar::ReplacementCharacter;
+    return text.toHtmlEscaped();
 }
 
-// Wire times in classes of equal width, a colour each.
-class Scale
+// As many of the block's names as there is room for.
+QString shortNames(const QStringList &names)
 {
-public:
-    explicit Scale(const Plan &plan)
-    {
-        for (const Block &block : plan.blocks) {
-            const qint64 time = plan.line.wireTime(block.bytes()).count();
-            m_lowest = m_lowest < 0 ? time : std::min(m_lowest, time);
-            m_highest = std::max(m_highest, time);
-        }
-    }
-
-    int classes() const { return m_highest > m_lowest ? ColourCount : 1; }
-    microseconds lowerBound(int index) const
-    {
-        return microseconds(m_lowest + (m_highest - m_lowest) * index / classes());
-    }
-    int classOf(microseconds time) const
-    {
-        const qint64 range = std::max<qint64>(1, m_highest - m_lowest);
-        return int(std::min<qint64>(classes() - 1, (time.count() - m_lowest) * classes() / range));
-    }
-
-private:
-    qint64 m_lowest = -1;
-    qint64 m_highest = 0;
-};
-
-// The widest part of a block without a bridged gap.
-Extent widestColoured(const Bar &bar)
-{
-    Extent widest;
-    double from = bar.place.left;
-    const auto consider = [&](double to) {
-        if (to - from > widest.width())
-            widest = Extent{from, to};
-    };
-    for (const Extent &gap : bar.gaps) {
-        consider(gap.left);
-        from = gap.right;
-    }
-    consider(bar.place.right);
-    return widest;
+    QString text = names.value(0);
+    if (text.size() > LongestNames)
+        text = text.left(LongestNames - 1) + QChar(0x2026);
+    int named = 1;
+    while (named < int(names.size()) && text.size() + 2 + names[named].size() <= LongestNames)
+        text += ", "_s + names[named++];
+    const int left = int(names.size()) - named;
+    return left > 0 ? text + " +%1"_s.arg(left) : text;
 }
 
 class Picture
 {
 public:
-    Picture(const Driver &driver, const Plan &plan, const QVector<Shelf> &shelves, double height)
-        : m_driver(driver), m_plan(plan), m_scale(plan), m_svg(PageWidth, height + LegendHeight)
+    Picture(const Driver &driver, const Plan &plan)
+        : m_driver(driver), m_plan(plan), m_out(&m_document)
     {
-        drawTitle();
-        for (const Shelf &shelf : shelves)
-            for (const Shelf::Place &place : shelf.places)
-                drawRow(shelf, place);
-        drawLegend(height + 8);
+        m_out.setRealNumberNotation(QTextStream::FixedNotation);
+        m_out.setRealNumberPrecision(2);
+        m_begins.append(microseconds(0));
+        for (const Block &block : plan.blocks)
+            m_begins.append(m_begins.last() + plan.line.time(costsOf({block})));
+        for (int first = 0; first < rows(); first += RowsPerChart)
+            m_longest = std::max(m_longest, m_begins[endOf(first)] - m_begins[first]);
     }
 
-    QByteArray finish() { return m_svg.finish(); }
+    QByteArray draw()
+    {
+        const int charts = (rows() + RowsPerChart - 1) / RowsPerChart;
+        const double height =
+            HeadHeight + charts * (AxisHeight + ChartSpacing) + rows() * RowHeight;
+        m_out << R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" << PageWidth
+              << R"(" height=")" << height << R"(" viewBox="0 0 )" << PageWidth << ' ' << height
+              << "\">\n"
+              << Style << R"(<clipPath id="names"><rect width=")" << PlotLeft - 8 << R"(" height=")"
+              << height << "\"/></clipPath>\n";
+        rectangle("page", 0, 0, PageWidth, height);
+        drawHead();
+        m_top = HeadHeight;
+        for (int first = 0; first < rows(); first += RowsPerChart)
+            drawChart(first);
+        m_out << "</svg>\n";
+        m_out.flush();
+        return m_document.toUtf8();
+    }
 
 private:
-    void drawTitle()
+    int rows() const { return int(m_plan.blocks.size()); }
+    int endOf(int firstRow) const { return std::min(rows(), firstRow + RowsPerChart); }
+    double width(microseconds time) const
     {
-        TextStyle style;
-        style.size = 17;
-        style.bold = true;
-        m_svg.text(
-            {16, 28},
-            QStringLiteral("One poll cycle: %1, %2, %3")
-                .arg(countText(m_plan.tags.size(), "tag"),
-                     countText(m_plan.costs.requests, "request"), timeText(m_plan.costs.time)),
-            style);
-        m_svg.text({16, 48}, settingsText(m_plan));
+        return PlotWidth * static_cast<double>(time.count()) /
+               static_cast<double>(m_longest.count());
     }
 
-    void drawRow(const Shelf &shelf, const Shelf::Place &place)
+    void rectangle(const char *kind, double x, double y, double width, double height)
     {
-        m_left = place.left;
-        TextStyle style;
-        style.size = 14;
-        style.bold = true;
-        const double nameAt = m_left - LaneNameWidth;
-        m_svg.text({nameAt, shelf.blocks + 10}, place.row.lane.regName, style);
-        style = TextStyle();
-        style.size = 10;
-        m_svg.text({nameAt, shelf.blocks + 23},
-                   place.continued ? QStringLiteral("continued")
-                                   : QStringLiteral("station %1").arg(place.row.lane.stationNo),
-                   style);
-        drawTags(place.row, shelf);
-        for (const Bar &bar : place.row.blocks)
-            drawBlock(bar, shelf.blocks);
-        drawAxis(place.row, shelf.axis, shelf.blocks - 2);
+        m_out << "<rect class=\"" << kind << "\" x=\"" << x << "\" y=\"" << y << "\" width=\""
+              << width << "\" height=\"" << height << "\"/>\n";
     }
 
-    void drawTags(const Row &row, const Shelf &shelf)
+    void text(const char *kind, double x, double y, const QString &text)
     {
-        TextStyle style;
-        style.size = LabelSize;
-        style.turn = LabelTurn;
-        const int named = int(row.tags.size()) - row.tagsUnnamed;
-        for (int i = 0; i < int(row.tags.size()); ++i) {
-            const Bar &bar = row.tags[i];
-            const Tag &tag = m_plan.tags[bar.index];
-            const double y = shelf.tags + bar.level * TagHeight;
-            m_svg.rectangle(
-                QRectF(m_left + bar.place.left, y, bar.place.width() - 0.6, TagHeight - 1.5),
-                text("#444"), text("none"), tag.name);
-            if (i >= named)
-                continue;
-            m_svg.path({QPointF(m_left + bar.labelAt, shelf.labels),
-                        QPointF(m_left + bar.place.middle(), shelf.tags - 2),
-                        QPointF(m_left + bar.place.middle(), y)},
-                       text("#aaa"), 0.7);
-            const bool standsForRest = row.tagsUnnamed > 0 && i == named - 1;
-            m_svg.text({m_left + bar.labelAt + 3, shelf.labels - 2},
-                       standsForRest ? QStringLiteral("and %1 more").arg(row.tagsUnnamed + 1)
-                                     : labelText(tag),
-                       style);
-        }
+        m_out << "<text class=\"" << kind << "\" x=\"" << x << "\" y=\"" << y << "\">"
+              << escaped(text) << "</text>\n";
     }
 
-    void drawBlock(const Bar &bar, double top)
+    void drawHead()
     {
-        const Block &block = m_plan.blocks[bar.index];
-        const microseconds time = m_plan.line.wireTime(block.bytes());
-        const int colour = m_scale.classOf(time);
-        const double width = bar.place.width();
-        const QRectF place(m_left + bar.place.left + 0.5, top + bar.level * BlockHeight, width - 1,
-                           BlockHeight - 3);
-        m_svg.rectangle(place, text(Colours[colour]), text("#333"),
-                        QStringLiteral("%1: %2, %3 + %4 bytes, %5")
-                            .arg(pointText(m_driver, block.point), countText(block.words, "word"))
-                            .arg(block.requestBytes)
-                            .arg(block.replyBytes)
-                            .arg(timeText(time)));
-        for (const Extent &gap : bar.gaps)
-            m_svg.rectangle(
-                QRectF(m_left + gap.left, place.top() + 0.5, gap.width(), place.height() - 1),
-                text(Svg::Hatch), text("none"));
-        nameBlock(bar, place, time, text(colour >= FirstDarkColour ? "#fff" : "#111"));
-    }
-
-    void nameBlock(const Bar &bar, const QRectF &place, microseconds time, const QString &colour)
-    {
-        const Extent free = widestColoured(bar);
-        TextStyle style;
-        style.size = 10;
-        style.anchor = text("middle");
-        style.colour = colour;
-        QPointF at(m_left + free.middle(), place.center().y() + 3.6);
-        const QString number = QString::number(bar.index + 1);
-        const bool isPatched = free.width() < RoomForNumber && place.width() >= RoomForTime;
-        if (isPatched) {  // gaps everywhere: make room in the middle
-            at.setX(place.center().x());
-            style.colour = text("#111");
-            m_svg.rectangle(
-                QRectF(at.x() - RoomForTime / 2, place.top() + 3, RoomForTime, place.height() - 6),
-                text("#fff"), text("none"));
-        }
-        if (isPatched || free.width() >= RoomForTime)
-            m_svg.text(at, QStringLiteral("%1: %2").arg(number, timeText(time)), style);
-        else if (free.width() >= RoomForNumber)
-            m_svg.text(at, number, style);
-    }
-
-    void drawAxis(const Row &row, double y, double top)
-    {
-        double labelled = -AddressSpacing;
-        for (int i = 0; i < int(row.segments.size()); ++i) {
-            const Segment &segment = row.segments[i];
-            m_svg.path({QPointF(m_left + segment.left, y), QPointF(m_left + segment.right(), y)},
-                       text("#333"), 1);
-            drawTicks(segment, y, labelled);
-            if (i + 1 < int(row.segments.size()))
-                drawBreak((segment.right() + row.segments[i + 1].left) / 2, y, top);
-        }
-    }
-
-    // An address stands below the middle of its unit: the first of every segment, then round ones.
-    void drawTicks(const Segment &segment, double y, double &labelled)
-    {
-        int step = 1;
-        for (const int factor : {1, 2, 5, 10, 20, 50, 100})
-            if (step * segment.scale < AddressSpacing)
-                step = factor;
-        TextStyle style;
-        style.size = 10;
-        style.anchor = text("middle");
-        for (int unit = segment.units.first; unit < segment.units.end(); ++unit) {
-            const bool isFirst = unit == segment.units.first;
-            if (!isFirst && unit % step != 0)
-                continue;
-            const double x = segment.at(unit + 0.5);
-            const bool hasRoom = isFirst || x - labelled >= AddressSpacing * 0.8;
-            m_svg.path({QPointF(m_left + x, y), QPointF(m_left + x, y + (hasRoom ? 5 : 3))},
-                       text("#333"), 1);
-            if (!hasRoom)
-                continue;
-            m_svg.text({m_left + x, y + 16}, QString::number(unit), style);
-            labelled = x;
-        }
-    }
-
-    void drawBreak(double x, double y, double top)
-    {
-        const double at = m_left + x;
-        for (const double shift : {-3.0, 3.0})
-            m_svg.path({QPointF(at + shift - 3, y + 6), QPointF(at + shift + 3, y - 6)},
-                       text("#333"), 1.2);
-        for (int dash = 0; top + 6 * dash < y - 8; ++dash)
-            m_svg.path({QPointF(at, top + 6 * dash), QPointF(at, top + 6 * dash + 3)}, text("#bbb"),
-                       1);
-    }
-
-    void drawLegend(double top)
-    {
-        TextStyle style;
-        style.size = 10.5;
-        double x = 16;
-        const auto entry = [&](const QString &fill, const QString &label) {
-            m_svg.rectangle(QRectF(x, top, 22, 12), fill, text("#333"));
-            m_svg.text({x + 27, top + 10}, label, style);
-            x += 27 + textWidth(label) + 18;
+        text("title", Margin, 32,
+             "One poll cycle: %1, %2, %3"_s.arg(countText(m_plan.tags.size(), "tag"),
+                                                countText(rows(), "request"),
+                                                timeText(m_plan.line.time(m_plan.costs))));
+        text("soft", Margin, 52, settingsText(m_plan));
+        double x = Margin;
+        const auto entry = [&](const char *kind, const QString &label) {
+            rectangle(kind, x, 66, 20, 12);
+            text("", x + 26, 76, label);
+            x += 26 + LegendLetter * static_cast<double>(label.size()) + 22;
         };
-        for (int i = 0; i < m_scale.classes(); ++i)
-            entry(text(Colours[i]), m_scale.classes() == 1
-                                        ? timeText(m_scale.lowerBound(0)) + text(" on the wire")
-                                        : text(i == 0 ? "on the wire: from " : "from ") +
-                                              timeText(m_scale.lowerBound(i)));
-        entry(text(Svg::Hatch), text("bridged: read, no tag"));
-        style.colour = text(Grey);
-        m_svg.text({16, top + 32},
-                   text("Each block is one request, by its number in the order of sending. "
-                        "Addresses are words (contacts for TX and CX); // cuts out addresses that "
-                        "are not read."),
-                   style);
+        entry("request", "request"_s);
+        if (m_plan.line.turnaround.count() > 0)
+            entry("turnaround", "turnaround"_s);
+        entry("reply", "reply"_s);
+        entry("unused",
+              "unused words: no tag wants them, they are read along with their neighbours"_s);
+    }
+
+    void drawChart(int first)
+    {
+        const double bottom = m_top + AxisHeight + (endOf(first) - first) * RowHeight;
+        for (int row = first; row < endOf(first); row += 2)
+            rectangle("band", 0, m_top + AxisHeight + (row - first) * RowHeight, PageWidth,
+                      RowHeight);
+        drawAxis(m_begins[first], bottom);
+        m_top += AxisHeight;
+        for (int row = first; row < endOf(first); ++row, m_top += RowHeight)
+            drawRow(row, PlotLeft + width(m_begins[row] - m_begins[first]));
+        m_top += ChartSpacing;
+    }
+
+    void drawAxis(microseconds begin, double bottom)
+    {
+        qint64 step = 1;  // 1, 2, 5, 10, 20, 50 and so on, in microseconds
+        for (int i = 0; width(microseconds(step)) < TickSpacing; ++i)
+            step = i % 3 == 1 ? step / 2 * 5 : step * 2;
+        for (qint64 at = (begin.count() + step - 1) / step * step;
+             at <= (begin + m_longest).count(); at += step) {
+            const double x = PlotLeft + width(microseconds(at) - begin);
+            rectangle("grid", x - 0.5, m_top + AxisHeight - 6, 1, bottom - m_top - AxisHeight + 6);
+            text("soft middle", x, m_top + AxisHeight - 10,
+                 QString::number(static_cast<double>(at) / 1000, 'g', 12) + " ms"_s);
+        }
+    }
+
+    void drawRow(int row, double left)
+    {
+        const Block &block = m_plan.blocks[row];
+        QStringList names;
+        for (const int tag : block.tags)
+            names.append(m_plan.tags[tag].name);
+        const int words = block.point.count;
+        const QString address = pointText(m_driver, block.point, namesStations(m_plan.tags));
+        const QString size =
+            countText(words, "word") +
+            (block.unusedWords() == 0 ? QString() : ", %1 unused"_s.arg(block.unusedWords()));
+        const QString time = timeText(m_begins[row + 1] - m_begins[row]);
+
+        // Shown while a pointer rests on the row.
+        m_out << "<g><title>"
+              << escaped("%1: %2; from %3 on for %4: %5"_s.arg(
+                     address, size, timeText(m_begins[row]), time, names.join(", "_s)))
+              << "</title>\n";
+        text("soft end", Margin + NumberWidth, m_top + 15, QString::number(row + 1));
+        m_out << "<g clip-path=\"url(#names)\">\n<text class=\"block\" x=\""
+              << Margin + NumberWidth + 10 << "\" y=\"" << m_top + 15 << "\">" << escaped(address)
+              << " <tspan class=\"soft\">" << size << "</tspan></text>\n";
+        text("soft", Margin + NumberWidth + 10, m_top + 29, shortNames(names));
+        m_out << "</g>\n";
+
+        const double top = m_top + (RowHeight - BarHeight) / 2;
+        const double request = width(m_plan.line.wireTime(block.requestBytes));
+        const double turnaround = width(m_plan.line.turnaround);
+        const double reply = width(m_plan.line.wireTime(block.replyBytes));
+        rectangle("request", left, top, request, BarHeight);
+        left += request;
+        if (turnaround > 0)
+            rectangle("turnaround", left, top + BarHeight / 2 - 1, turnaround, 2);
+        left += turnaround;
+        rectangle("reply", left, top, reply, BarHeight);
+        for (int word = 0, end = 0; word < words; word = end) {
+            while (end < words && block.used[end] == block.used[word])
+                ++end;
+            if (!block.used[word])
+                rectangle("unused", left + reply * word / words, top, reply * (end - word) / words,
+                          BarHeight);
+        }
+        text("", left + reply + 6, m_top + RowHeight / 2 + 4, time);
+        m_out << "</g>\n";
     }
 
     const Driver &m_driver;
     const Plan &m_plan;
-    Scale m_scale;
-    Svg m_svg;
-    double m_left = 0;  // of the row that is being drawn
+    QVector<microseconds> m_begins;  // of every row, and the last one's end
+    microseconds m_longest{1};       // of the charts, which are of one scale
+    QString m_document;
+    QTextStream m_out;
+    double m_top = 0;  // of what is drawn next
 };
 
 }  // namespace
 
 QByteArray drawPlan(const Driver &driver, const Plan &plan)
 {
-    const QVector<Shelf> shelves = layOutPage(plan.blocks, plan.tags, TitleHeight);
-    const double height = shelves.isEmpty() ? TitleHeight : shelves.last().bottom;
-    return Picture(driver, plan, shelves, height).finish();
+    return Picture(driver, plan).draw();
 }
 
 }  // namespace host

@@ -1,17 +1,16 @@
 // The planned cycle as a picture.
-#ifndef TOLVANE_HOST_PLAN_PICTURE_H
-#define TOLVANE_HOST_PLAN_PICTURE_H
+#pragma once
 
-#include "host/plan/plan_text.h"
+#include "host/plan/cycle.h"
 
 namespace host {
 
 /**
- * An SVG document: a lane for each station and register type along the address axis, tags above,
- * blocks below in the colour of their wire time, bridged gaps hatched.
+ * An SVG document, for light and dark surroundings: a waterfall along time. Every request has a row
+ * with its block and tags, and holds the line from where its bar begins: request, turnaround, reply
+ * with the unused words where they lie in it. The chart is 25 rows long; more go on in charts
+ * below.
  */
 QByteArray drawPlan(const Driver &driver, const Plan &plan);
 
 }  // namespace host
-
-#endif

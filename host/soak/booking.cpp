@@ -1,5 +1,5 @@
 // How the soak books what came over the line, and what it compares with its books.
-#include "host/frame_text.h"
+#include "host/frames/frame_text.h"
 #include "host/soak/soak.h"
 
 #include <algorithm>
@@ -68,8 +68,7 @@ void Soak::checkReply(const Exchange &exchange)
     const VARIABLE &item = exchange.frame.var;
     const RegisterType *type = m_identity.type(item.regName);
     if (!type)
-        return report({Claim::ReadRight,
-                       QStringLiteral("a read of the unknown type \"%1\"").arg(item.regName)});
+        return report({Claim::ReadRight, "a read of the unknown type \"%1\""_s.arg(item.regName)});
     const Point point{item.stationNo, item.regName, item.startAddr, 1, type->isBit};
     WordAddress address = placeOf(point, 0).word;
     for (const int word : readReply(exchange.reply, exchange.request(), 0).words) {
@@ -84,7 +83,7 @@ void Soak::checkRecipe(const QVector<int> &firstUnits)
 {
     ++(m_recipe->written ? m_counts.recipesWritten : m_counts.recipesRead);
     if (m_session.recipeBusy())
-        return report({Claim::Accounted, QStringLiteral("a recipe transfer does not end")});
+        return report({Claim::Accounted, "a recipe transfer does not end"_s});
     if (m_recipe->failed) {
         ++m_counts.recipesFailed;
         return;
@@ -100,15 +99,15 @@ void Soak::checkRecipe(const QVector<int> &firstUnits)
             checkValues("a recipe", point, values);
     }
     if (m_recipe->written && m_recipe->acknowledged != expected)
-        report({Claim::Accounted, QStringLiteral("a recipe write ended with %1 of %2 values sent")
-                                      .arg(m_recipe->acknowledged)
-                                      .arg(expected)});
+        report({Claim::Accounted,
+                "a recipe write ended with %1 of %2 values sent"_s.arg(m_recipe->acknowledged)
+                    .arg(expected)});
 }
 
 void Soak::conditionReadEnded(bool done)
 {
     if (!m_conditionRead)
-        return report({Claim::Accounted, QStringLiteral("a condition read ended twice")});
+        return report({Claim::Accounted, "a condition read ended twice"_s});
     const Point point = *m_conditionRead;
     m_conditionRead.reset();
     m_counts.conditionReadsFailed += !done;
@@ -122,7 +121,7 @@ void Soak::checkValues(const char *how, const Point &point, const QVector<int> &
     for (int i = 0; i < point.count; ++i) {
         ++m_counts.valuesCompared;
         if (!m_model.allows(point, i, values[i]))
-            report({Claim::ReadRight, QStringLiteral("%1 brought %2 as %3, which it cannot be")
+            report({Claim::ReadRight, "%1 brought %2 as %3, which it cannot be"_s
                                           .arg(QLatin1String(how), nameOf(point, i))
                                           .arg(values[i])});
     }
@@ -138,11 +137,10 @@ void Soak::judge(const MemoryImage &memory)
             const int held = (memory.value(place.word) & place.mask) >> place.shift;
             ++m_counts.valuesCompared;
             if (shown.values[i] != held)
-                report(
-                    {Claim::ReadRight, QStringLiteral("%1 is read as %2, the controller holds %3")
-                                           .arg(nameOf(shown.point, i))
-                                           .arg(shown.values[i])
-                                           .arg(held)});
+                report({Claim::ReadRight,
+                        "%1 is read as %2, the controller holds %3"_s.arg(nameOf(shown.point, i))
+                            .arg(shown.values[i])
+                            .arg(held)});
         }
     }
 }

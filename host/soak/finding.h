@@ -1,6 +1,5 @@
 // What a soak claims, and what was found against it.
-#ifndef TOLVANE_HOST_SOAK_FINDING_H
-#define TOLVANE_HOST_SOAK_FINDING_H
+#pragma once
 
 #include <QtCore/QString>
 
@@ -23,5 +22,3 @@ struct Finding
 };
 
 }  // namespace host
-
-#endif

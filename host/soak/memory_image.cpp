@@ -1,8 +1,8 @@
 // Images of simulated and of real controllers.
 #include "host/soak/memory_image.h"
 
-#include "host/failure.h"
-#include "host/interrupt.h"
+#include "host/output/failure.h"
+#include "host/output/interrupt.h"
 
 namespace host {
 
@@ -54,13 +54,13 @@ MemoryImage readImage(const Driver &driver, Session &session, Line &line,
         session.readOnce(point);
         const bool done = loop.runUntilIdle(ReadPatience);
         if (interrupted())
-            throw Failure(QStringLiteral("interrupted while the controller's memory was read"));
+            throw Failure("interrupted while the controller's memory was read"_s);
         if (!done || loop.counters().errors > 0)
-            throw Failure(QStringLiteral("the controller's memory cannot be read: %1 of %2 words "
-                                         "or bits from number %3 on")
-                              .arg(point.regName)
-                              .arg(point.count)
-                              .arg(point.address));
+            throw Failure(
+                "the controller's memory cannot be read: %1 of %2 words "
+                "or bits from number %3 on"_s.arg(point.regName)
+                    .arg(point.count)
+                    .arg(point.address));
         const QVector<int> values = session.values(point);
         for (int i = 0; i < values.size(); ++i) {
             const Place place = placeOf(point, i);

@@ -1,10 +1,9 @@
 // The controller's memory as the soak books it: how it is given its start, and how it is found at
 // the end.
-#ifndef TOLVANE_HOST_SOAK_MEMORY_IMAGE_H
-#define TOLVANE_HOST_SOAK_MEMORY_IMAGE_H
+#pragma once
 
-#include "host/loop.h"
-#include "host/session.h"
+#include "host/driver/session.h"
+#include "host/exchange/loop.h"
 
 #include "plc/memory.h"
 
@@ -44,5 +43,3 @@ MemoryImage readImage(const Driver &driver, Session &session, Line &line,
                       const LoopSettings &settings, const QVector<Point> &points);
 
 }  // namespace host
-
-#endif

@@ -11,7 +11,7 @@ namespace {
 
 QString wordText(int value)
 {
-    return QStringLiteral("0x%1").arg(value, 4, 16, QLatin1Char('0'));
+    return "0x%1"_s.arg(value, 4, 16, QLatin1Char('0'));
 }
 
 QString bitList(int bits)
@@ -72,19 +72,18 @@ std::optional<Finding> MemoryModel::judge(const WordAddress &address, int value)
     const Word word = wordAt(address);
     if (word.possible.contains(value))
         return std::nullopt;
-    const QString name = QStringLiteral("%1 word %2").arg(address.first).arg(address.second);
+    const QString name = "%1 word %2"_s.arg(address.first).arg(address.second);
     const int start = m_start.value(address);
     const int strangeBits = (value ^ start) & ~word.writtenBits;
     if (strangeBits)
         return Finding{Claim::Untouched,
-                       QStringLiteral("%1 is %2: bits %3 changed, first %4")
-                           .arg(name, wordText(value), bitList(strangeBits), wordText(start))};
+                       "%1 is %2: bits %3 changed, first %4"_s.arg(
+                           name, wordText(value), bitList(strangeBits), wordText(start))};
     QStringList expected;
     for (const int possible : word.possible)
         expected.append(wordText(possible));
     return Finding{Claim::Kept,
-                   QStringLiteral("%1 is %2 instead of %3")
-                       .arg(name, wordText(value), expected.join(QLatin1String(" or ")))};
+                   "%1 is %2 instead of %3"_s.arg(name, wordText(value), expected.join(" or "_s))};
 }
 
 QVector<Finding> MemoryModel::judge(const MemoryImage &memory) const

@@ -1,8 +1,7 @@
 // What the controller's memory may hold, as far as a host can know that.
-#ifndef TOLVANE_HOST_SOAK_MEMORY_MODEL_H
-#define TOLVANE_HOST_SOAK_MEMORY_MODEL_H
+#pragma once
 
-#include "host/address.h"
+#include "host/driver/address.h"
 #include "host/soak/finding.h"
 #include "host/soak/memory_image.h"
 
@@ -50,5 +49,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -1,7 +1,7 @@
 // Lays the soak's result out in 100 columns, or as one JSON object.
 #include "host/soak/report.h"
 
-#include "host/table.h"
+#include "host/output/table.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -37,7 +37,7 @@ QStringList findingsAgainst(const Soak &soak, int claim)
 // "served: total=7 read=4" as {"served": {"total": 7, "read": 4}}
 QJsonObject countsOf(const QString &controllerReport)
 {
-    static const QRegularExpression pair(QStringLiteral("([a-z-]+)=([0-9]+)"));
+    static const QRegularExpression pair("([a-z-]+)=([0-9]+)"_s);
     QJsonObject counts;
     for (const QString &line : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         QJsonObject pairs;
@@ -67,53 +67,45 @@ void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
     out << "A soak of the driver: a panel at random on a line with faults, and what is left of it."
         << '\n';
     Table given = newTable();
-    given.add({QStringLiteral("library"), setup.driver});
-    given.add({QStringLiteral("line"), setup.line});
-    given.add({QStringLiteral("faults"),
-               QStringLiteral("%1, seed %2").arg(setup.faults).arg(setup.seed)});
+    given.add({"library"_s, setup.driver});
+    given.add({"line"_s, setup.line});
+    given.add({"faults"_s, "%1, seed %2"_s.arg(setup.faults).arg(setup.seed)});
     given.print(out);
 
     Table panel = newTable();
-    panel.add({QStringLiteral("monitored"),
-               countText(counts.registrations, "set") + QLatin1String(" of addresses")});
-    panel.add({QStringLiteral("wrote"),
-               QStringLiteral("%1 times: %2 acknowledged, %3 given up, %4 replaced by newer")
-                   .arg(writes.made)
+    panel.add({"monitored"_s, countText(counts.registrations, "set") + " of addresses"_s});
+    panel.add({"wrote"_s,
+               "%1 times: %2 acknowledged, %3 given up, %4 replaced by newer"_s.arg(writes.made)
                    .arg(writes.acknowledged)
                    .arg(writes.givenUp)
                    .arg(writes.replaced)});
-    panel.add({QStringLiteral("condition reads"), QStringLiteral("%1, of which %2 failed")
-                                                      .arg(counts.conditionReads)
-                                                      .arg(counts.conditionReadsFailed)});
-    panel.add({QStringLiteral("recipes"), QStringLiteral("%1 written, %2 read, of which %3 failed")
-                                              .arg(counts.recipesWritten)
-                                              .arg(counts.recipesRead)
-                                              .arg(counts.recipesFailed)});
+    panel.add(
+        {"condition reads"_s,
+         "%1, of which %2 failed"_s.arg(counts.conditionReads).arg(counts.conditionReadsFailed)});
+    panel.add({"recipes"_s, "%1 written, %2 read, of which %3 failed"_s.arg(counts.recipesWritten)
+                                .arg(counts.recipesRead)
+                                .arg(counts.recipesFailed)});
     panel.print(out << "\nWhat the panel did\n");
 
     Table its = newTable();
-    its.add({QStringLiteral("requests"),
-             QStringLiteral("%1 sent: %2 answered well, %3 to be repeated, %4 given up")
-                 .arg(counts.requests)
+    its.add({"requests"_s,
+             "%1 sent: %2 answered well, %3 to be repeated, %4 given up"_s.arg(counts.requests)
                  .arg(line.exchanges)
                  .arg(line.retries)
                  .arg(line.errors)});
-    its.add({QStringLiteral("set aside"),
-             QStringLiteral("%1 replies of other requests").arg(line.refused)});
-    its.add({QStringLiteral("took"),
-             QStringLiteral("%1 s of the line's time").arg(soak.seconds(), 0, 'f', 0)});
+    its.add({"set aside"_s, "%1 replies of other requests"_s.arg(line.refused)});
+    its.add({"took"_s, "%1 s of the line's time"_s.arg(soak.seconds(), 0, 'f', 0)});
     for (const QString &text : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        static const QRegularExpression none(QStringLiteral(" (?!total)[a-z-]+=0\\b"));
+        static const QRegularExpression none(" (?!total)[a-z-]+=0\\b"_s);
         its.add({text.section(QLatin1Char(':'), 0, 0),
                  text.section(QLatin1Char(':'), 1).remove(none).trimmed()});
     }
     its.print(out << "\nWhat the line did\n");
 
     Table verdict = newTable();
-    verdict.add({QStringLiteral("compared"),
-                 QStringLiteral("%1 words of replies, %2 values that the driver showed, "
-                                "the whole memory")
-                     .arg(counts.wordsCompared)
+    verdict.add({"compared"_s,
+                 "%1 words of replies, %2 values that the driver showed, "
+                 "the whole memory"_s.arg(counts.wordsCompared)
                      .arg(counts.valuesCompared)});
     verdict.print(out << "\nWhat came of it\n");
     for (int claim = 0; claim < ClaimCount; ++claim) {
@@ -136,28 +128,26 @@ void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
         claims[QLatin1String(ClaimNames[claim])] =
             QJsonArray::fromStringList(findingsAgainst(soak, claim));
     const QJsonObject result{
-        {QStringLiteral("right"), soak.findings().isEmpty()},
-        {QStringLiteral("faults"), setup.faults},
-        {QStringLiteral("seed"), qint64(setup.seed)},
-        {QStringLiteral("requests"), QJsonObject{{QStringLiteral("sent"), counts.requests},
-                                                 {QStringLiteral("good"), soak.line().exchanges},
-                                                 {QStringLiteral("repeated"), soak.line().retries},
-                                                 {QStringLiteral("givenUp"), soak.line().errors},
-                                                 {QStringLiteral("refused"), soak.line().refused}}},
-        {QStringLiteral("seconds"), std::round(soak.seconds() * 1000) / 1000},
-        {QStringLiteral("writes"),
-         QJsonObject{{QStringLiteral("made"), writes.made},
-                     {QStringLiteral("acknowledged"), writes.acknowledged},
-                     {QStringLiteral("givenUp"), writes.givenUp},
-                     {QStringLiteral("replaced"), writes.replaced}}},
-        {QStringLiteral("conditionReads"),
-         QJsonObject{{QStringLiteral("made"), counts.conditionReads},
-                     {QStringLiteral("failed"), counts.conditionReadsFailed}}},
-        {QStringLiteral("recipes"), QJsonObject{{QStringLiteral("written"), counts.recipesWritten},
-                                                {QStringLiteral("read"), counts.recipesRead},
-                                                {QStringLiteral("failed"), counts.recipesFailed}}},
-        {QStringLiteral("controller"), countsOf(controllerReport)},
-        {QStringLiteral("findings"), claims},
+        {"right"_s, soak.findings().isEmpty()},
+        {"faults"_s, setup.faults},
+        {"seed"_s, qint64(setup.seed)},
+        {"requests"_s, QJsonObject{{"sent"_s, counts.requests},
+                                   {"good"_s, soak.line().exchanges},
+                                   {"repeated"_s, soak.line().retries},
+                                   {"givenUp"_s, soak.line().errors},
+                                   {"refused"_s, soak.line().refused}}},
+        {"seconds"_s, std::round(soak.seconds() * 1000) / 1000},
+        {"writes"_s, QJsonObject{{"made"_s, writes.made},
+                                 {"acknowledged"_s, writes.acknowledged},
+                                 {"givenUp"_s, writes.givenUp},
+                                 {"replaced"_s, writes.replaced}}},
+        {"conditionReads"_s,
+         QJsonObject{{"made"_s, counts.conditionReads}, {"failed"_s, counts.conditionReadsFailed}}},
+        {"recipes"_s, QJsonObject{{"written"_s, counts.recipesWritten},
+                                  {"read"_s, counts.recipesRead},
+                                  {"failed"_s, counts.recipesFailed}}},
+        {"controller"_s, countsOf(controllerReport)},
+        {"findings"_s, claims},
     };
     out << QJsonDocument(result).toJson();
 }

@@ -1,6 +1,5 @@
 // What a soak came to, as text for people and as JSON for programs.
-#ifndef TOLVANE_HOST_SOAK_REPORT_H
-#define TOLVANE_HOST_SOAK_REPORT_H
+#pragma once
 
 #include "host/soak/soak.h"
 
@@ -26,5 +25,3 @@ void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                      const QString &controllerReport);
 
 }  // namespace host
-
-#endif

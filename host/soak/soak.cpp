@@ -1,8 +1,8 @@
 // What the panel does at random, and how the soak ends.
 #include "host/soak/soak.h"
 
-#include "host/failure.h"
-#include "host/interrupt.h"
+#include "host/output/failure.h"
+#include "host/output/interrupt.h"
 
 #include <algorithm>
 
@@ -73,9 +73,7 @@ MemoryImage Soak::startImage(quint32 seed)
 
 QVector<Point> Soak::places()
 {
-    return {{1, QStringLiteral("D_W"), 0, 300, false},
-            {1, QStringLiteral("M_W"), 0, 64, false},
-            {1, QStringLiteral("TX"), 0, 160, true}};
+    return {{1, "D_W"_s, 0, 300, false}, {1, "M_W"_s, 0, 64, false}, {1, "TX"_s, 0, 160, true}};
 }
 
 void Soak::run(qint64 requests, const std::function<void(qint64)> &progress)
@@ -192,14 +190,14 @@ void Soak::exchange()
 {
     const Outcome outcome = m_loop.exchange();
     if (interrupted())
-        throw Failure(QStringLiteral("interrupted after %1 requests: nothing is proved, and the "
-                                     "controller keeps what was written")
-                          .arg(m_counts.requests));
+        throw Failure(
+            "interrupted after %1 requests: nothing is proved, and the "
+            "controller keeps what was written"_s.arg(m_counts.requests));
     if (outcome == Outcome::LineLost)
-        throw Failure(QStringLiteral("the line to the controller was lost"));
+        throw Failure("the line to the controller was lost"_s);
     m_idle = outcome == Outcome::Idle ? m_idle + 1 : 0;
     if (m_idle > 1)
-        throw Failure(QStringLiteral("the driver has nothing to send, though it is to monitor"));
+        throw Failure("the driver has nothing to send, though it is to monitor"_s);
 }
 
 void Soak::settle()
@@ -210,7 +208,7 @@ void Soak::settle()
     for (int i = 0; i < PatientExchanges && m_polls < enough; ++i)
         exchange();
     if (m_polls < enough)
-        report({Claim::Accounted, QStringLiteral("on a good line the cyclic reads do not go on")});
+        report({Claim::Accounted, "on a good line the cyclic reads do not go on"_s});
     m_ledger.close();
     for (const Point &point : std::as_const(m_monitored))
         m_shown.append({point, m_session.values(point)});
@@ -227,8 +225,8 @@ void Soak::settle()
         for (int i = 0; i < PatientExchanges && m_conditionRead; ++i)
             exchange();
         if (m_conditionRead)
-            report({Claim::Accounted, QStringLiteral("a condition read of %1 does not end")
-                                          .arg(pointText(m_driver, *m_conditionRead))});
+            report({Claim::Accounted, "a condition read of %1 does not end"_s.arg(
+                                          pointText(m_driver, *m_conditionRead))});
         m_shown.append({all, m_session.values(all)});
     }
 }

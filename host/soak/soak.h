@@ -1,9 +1,8 @@
 // A panel's random day on a bad line, and the proof of what came of them.
-#ifndef TOLVANE_HOST_SOAK_SOAK_H
-#define TOLVANE_HOST_SOAK_SOAK_H
+#pragma once
 
-#include "host/loop.h"
-#include "host/session.h"
+#include "host/driver/session.h"
+#include "host/exchange/loop.h"
 #include "host/soak/write_ledger.h"
 
 #include <QtCore/QSet>
@@ -128,5 +127,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -9,7 +9,7 @@ namespace {
 
 QString rangeText(const QString &regName, int address, int count)
 {
-    return QStringLiteral("%1 address number %2 x%3").arg(regName).arg(address).arg(count);
+    return "%1 address number %2 x%3"_s.arg(regName).arg(address).arg(count);
 }
 
 }  // namespace
@@ -32,21 +32,19 @@ void WriteLedger::end(const Exchange &exchange)
     const QString ended = rangeText(item.regName, item.startAddr, item.count);
     const auto found = m_pending.find(item.kind);
     if (found == m_pending.end()) {
-        m_report({Claim::Accounted,
-                  QStringLiteral("a write of %1 ended that was not outstanding").arg(ended)});
+        m_report({Claim::Accounted, "a write of %1 ended that was not outstanding"_s.arg(ended)});
         return;
     }
     const Write write = *found;
     const QString made = rangeText(write.point.regName, write.point.address, write.point.count);
     if (ended != made)
-        m_report({Claim::Accounted,
-                  QStringLiteral("a write of %1 ended as one of %2").arg(made, ended)});
+        m_report({Claim::Accounted, "a write of %1 ended as one of %2"_s.arg(made, ended)});
 
     const bool acknowledged = exchange.outcome == Outcome::Good;
     ++(acknowledged ? m_counts.acknowledged : m_counts.givenUp);
     if (!acknowledged && exchange.errorText.isEmpty())
-        m_report({Claim::Accounted,
-                  QStringLiteral("a write of %1 was given up without an error text").arg(made)});
+        m_report(
+            {Claim::Accounted, "a write of %1 was given up without an error text"_s.arg(made)});
     // Given up while it read the words around its bits, a write has not begun.
     if (exchange.frame.readCount == 0)
         m_model.write(write.point, write.values, acknowledged);
@@ -69,10 +67,9 @@ bool WriteLedger::pendingIn(const Point &point) const
 void WriteLedger::close()
 {
     for (const Write &write : std::as_const(m_pending))
-        m_report(
-            {Claim::Accounted,
-             QStringLiteral("a write of %1 was neither acknowledged nor reported as failed")
-                 .arg(rangeText(write.point.regName, write.point.address, write.point.count))});
+        m_report({Claim::Accounted,
+                  "a write of %1 was neither acknowledged nor reported as failed"_s.arg(
+                      rangeText(write.point.regName, write.point.address, write.point.count))});
 }
 
 }  // namespace host

@@ -1,8 +1,7 @@
 // The writes that were handed to the driver, and what became of each.
-#ifndef TOLVANE_HOST_SOAK_WRITE_LEDGER_H
-#define TOLVANE_HOST_SOAK_WRITE_LEDGER_H
+#pragma once
 
-#include "host/loop.h"
+#include "host/exchange/loop.h"
 #include "host/soak/memory_model.h"
 
 #include <functional>
@@ -57,5 +56,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

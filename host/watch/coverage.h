@@ -1,8 +1,7 @@
 // Which of the watched words and bits a request reads.
-#ifndef TOLVANE_HOST_WATCH_COVERAGE_H
-#define TOLVANE_HOST_WATCH_COVERAGE_H
+#pragma once
 
-#include "host/tags.h"
+#include "host/tags/tags.h"
 
 #include <map>
 
@@ -29,5 +28,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -1,7 +1,7 @@
 // Works the counts of the loop out into rates.
 #include "host/watch/line_use.h"
 
-#include "host/table.h"
+#include "host/output/table.h"
 
 namespace host {
 
@@ -26,14 +26,13 @@ QString LineUse::shareText() const
 {
     // A pseudo-terminal without a pace, or a network, can carry more than the settings say.
     return share > FasterThanItsSettings
-               ? QStringLiteral("line faster than its settings")
-               : QStringLiteral("%1 % of the line's capacity used").arg(100 * share, 0, 'f', 1);
+               ? "line faster than its settings"_s
+               : "%1 % of the line's capacity used"_s.arg(100 * share, 0, 'f', 1);
 }
 
 QString LineUse::text() const
 {
-    return QStringLiteral("%1 in %2 s (%3/s), %4, %5 %6, %7")
-               .arg(countText(counters.exchanges, "exchange"))
+    return "%1 in %2 s (%3/s), %4, %5 %6, %7"_s.arg(countText(counters.exchanges, "exchange"))
                .arg(seconds, 0, 'f', 1)
                .arg(exchangesPerSecond(), 0, 'f', 1)
                .arg(countText(counters.wordsRead, "word"))

@@ -1,8 +1,7 @@
 // How much of the line a stretch of time has used.
-#ifndef TOLVANE_HOST_LINE_USE_H
-#define TOLVANE_HOST_LINE_USE_H
+#pragma once
 
-#include "host/loop.h"
+#include "host/exchange/loop.h"
 
 namespace host {
 
@@ -27,5 +26,3 @@ struct LineUse
 };
 
 }  // namespace host
-
-#endif

@@ -1,6 +1,5 @@
 // The pace of the polling: how long a cycle takes, and when the next one may begin.
-#ifndef TOLVANE_HOST_WATCH_POLL_PACE_H
-#define TOLVANE_HOST_WATCH_POLL_PACE_H
+#pragma once
 
 #include "host/line/line.h"
 
@@ -53,5 +52,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -1,7 +1,6 @@
 // Blocks that are given up again and again are set aside, so that one dead address does not slow
 // all others.
-#ifndef TOLVANE_HOST_WATCH_SET_ASIDE_H
-#define TOLVANE_HOST_WATCH_SET_ASIDE_H
+#pragma once
 
 #include "host/watch/coverage.h"
 #include "host/watch/poll_pace.h"
@@ -61,5 +60,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

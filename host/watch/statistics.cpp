@@ -1,8 +1,8 @@
 // Counts, and lays the counts out as tables and as JSON.
 #include "host/watch/statistics.h"
 
-#include "host/table.h"
-#include "host/tag_text.h"
+#include "host/output/table.h"
+#include "host/tags/tag_text.h"
 
 #include <algorithm>
 
@@ -20,22 +20,22 @@ QString numberText(LineTime time)
 QString lastGoodText(const ExchangeStatistics &statistics, LineTime now)
 {
     if (!statistics.lastGood)
-        return QStringLiteral("never");
+        return "never"_s;
     const std::chrono::duration<double> ago = now - *statistics.lastGood;
-    return QStringLiteral("%1 s ago").arg(ago.count(), 0, 'f', 1);
+    return "%1 s ago"_s.arg(ago.count(), 0, 'f', 1);
 }
 
 QStringList heading(const char *first)
 {
-    return {QLatin1String(first),     QStringLiteral("good"),      QStringLiteral("retries"),
-            QStringLiteral("errors"), QStringLiteral("last good"), QStringLiteral("min"),
-            QStringLiteral("mean"),   QStringLiteral("max ms"),    QStringLiteral("failures")};
+    return {QLatin1String(first), "good"_s, "retries"_s, "errors"_s,
+            "last good"_s,        "min"_s,  "mean"_s,    "max ms"_s,
+            "failures"_s};
 }
 
 QStringList row(const QString &first, const ExchangeStatistics &statistics, LineTime now)
 {
     const auto timeText = [&](LineTime time) {
-        return statistics.exchanges == 0 ? QStringLiteral("-") : numberText(time);
+        return statistics.exchanges == 0 ? "-"_s : numberText(time);
     };
     return {first,
             QString::number(statistics.exchanges),
@@ -69,16 +69,15 @@ QJsonObject objectOf(QJsonObject object, const ExchangeStatistics &statistics, L
     QJsonObject failures;
     for (auto reason = statistics.failures.cbegin(); reason != statistics.failures.cend(); ++reason)
         failures.insert(reason.key(), reason.value());
-    object.insert(QStringLiteral("good"), statistics.exchanges);
-    object.insert(QStringLiteral("retries"), statistics.retries);
-    object.insert(QStringLiteral("errors"), statistics.givenUp);
-    object.insert(QStringLiteral("failures"), failures);
-    object.insert(QStringLiteral("lastGoodMsAgo"),
+    object.insert("good"_s, statistics.exchanges);
+    object.insert("retries"_s, statistics.retries);
+    object.insert("errors"_s, statistics.givenUp);
+    object.insert("failures"_s, failures);
+    object.insert("lastGoodMsAgo"_s,
                   statistics.lastGood ? milliseconds(now - *statistics.lastGood) : QJsonValue());
-    object.insert(QStringLiteral("roundTripMs"),
-                  QJsonObject{{QStringLiteral("min"), milliseconds(statistics.shortest)},
-                              {QStringLiteral("mean"), milliseconds(statistics.mean())},
-                              {QStringLiteral("max"), milliseconds(statistics.longest)}});
+    object.insert("roundTripMs"_s, QJsonObject{{"min"_s, milliseconds(statistics.shortest)},
+                                               {"mean"_s, milliseconds(statistics.mean())},
+                                               {"max"_s, milliseconds(statistics.longest)}});
     return object;
 }
 
@@ -107,8 +106,8 @@ QString ExchangeStatistics::failuresText() const
                          return failures[left] > failures[right];
                      });
     for (QString &reason : reasons)
-        reason += QStringLiteral(" %1").arg(failures[reason]);
-    return reasons.join(QLatin1String(", "));
+        reason += " %1"_s.arg(failures[reason]);
+    return reasons.join(", "_s);
 }
 
 Statistics::Statistics(const Driver &driver, const QVector<Tag> &tags)
@@ -157,7 +156,7 @@ QJsonObject Statistics::object(LineTime now) const
     QJsonArray tags;
     for (int i = 0; i < int(m_list.size()); ++i)
         tags.append(objectOf(tagObject(m_driver, m_list[i]), m_tags[i], now));
-    return {{QStringLiteral("blocks"), blocks}, {QStringLiteral("tags"), tags}};
+    return {{"blocks"_s, blocks}, {"tags"_s, tags}};
 }
 
 }  // namespace host

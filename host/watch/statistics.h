@@ -1,6 +1,5 @@
 // What became of the exchanges, per block and per tag.
-#ifndef TOLVANE_HOST_WATCH_STATISTICS_H
-#define TOLVANE_HOST_WATCH_STATISTICS_H
+#pragma once
 
 #include "host/watch/coverage.h"
 #include "host/watch/poll_pace.h"
@@ -66,5 +65,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

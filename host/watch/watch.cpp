@@ -1,7 +1,7 @@
 // Tells values, counts, pace and dead blocks what has happened on the line.
 #include "host/watch/watch.h"
 
-#include "host/address.h"
+#include "host/driver/address.h"
 
 #include <numeric>
 
@@ -36,13 +36,12 @@ Watch::Watch(const Driver &driver, Session &session, const QVector<Tag> &tags,
       m_pace(settings.poll)
 {
     m_setAside.gone = [this](const Point &block) {
-        say(QStringLiteral(
-                "%1 (%2) was given up three times in a row; it is tried again every 10 s")
-                .arg(pointText(m_driver, block, namesStations(m_tags)), tagsIn(block)));
+        say("%1 (%2) was given up three times in a row; it is tried again every 10 s"_s.arg(
+            pointText(m_driver, block, namesStations(m_tags)), tagsIn(block)));
     };
     m_setAside.back = [this](const Point &block) {
-        say(QStringLiteral("%1 (%2) answers again")
-                .arg(pointText(m_driver, block, namesStations(m_tags)), tagsIn(block)));
+        say("%1 (%2) answers again"_s.arg(pointText(m_driver, block, namesStations(m_tags)),
+                                          tagsIn(block)));
     };
 }
 
@@ -128,7 +127,7 @@ QStringList Watch::notGood() const
         names[reasons.indexOf(value.reason)] += m_tags[value.tag].name;
     }
     for (int i = 0; i < int(reasons.size()); ++i)
-        reasons[i] += QLatin1String(": ") + names[i].join(QLatin1String(", "));
+        reasons[i] += ": "_s + names[i].join(", "_s);
     return reasons;
 }
 
@@ -160,7 +159,7 @@ QString Watch::tagsIn(const Point &block)
     QStringList names;
     for (const Coverage::Covered &covered : m_coverage.of(block))
         names += m_tags[covered.tag].name;
-    return names.join(QLatin1String(", "));
+    return names.join(", "_s);
 }
 
 }  // namespace host

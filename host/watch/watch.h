@@ -1,8 +1,7 @@
 // Watching: what the exchanges of a polled line mean for the values, and when to poll what.
-#ifndef TOLVANE_HOST_WATCH_WATCH_H
-#define TOLVANE_HOST_WATCH_WATCH_H
+#pragma once
 
-#include "host/loop.h"
+#include "host/exchange/loop.h"
 #include "host/watch/set_aside.h"
 #include "host/watch/statistics.h"
 #include "host/watch/watched_values.h"
@@ -71,5 +70,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

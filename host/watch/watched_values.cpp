@@ -1,7 +1,7 @@
 // Keeps what is known of each word and bit, and judges the values that are made of them.
 #include "host/watch/watched_values.h"
 
-#include "host/tag_text.h"
+#include "host/tags/tag_text.h"
 
 #include <algorithm>
 
@@ -40,7 +40,7 @@ WatchedValues::WatchedValues(const Driver &driver, const Session &session, const
             value.hasOwnName = host::hasOwnName(driver, tag);
             value.name = !value.hasOwnName ? value.address
                          : count == 1      ? tag.name
-                                           : QStringLiteral("%1[%2]").arg(tag.name).arg(i);
+                                           : "%1[%2]"_s.arg(tag.name).arg(i);
             value.reason = notYet;
             m_values.append(value);
         }
@@ -82,7 +82,7 @@ QVector<int> WatchedValues::loseLine()
     QVector<int> changed;
     for (Watched &watched : m_watched) {
         for (Unit &unit : watched.units)
-            unit.failure = QStringLiteral("line lost");
+            unit.failure = "line lost"_s;
         judge(watched, {0, int(watched.units.size())}, LineTime(0), changed);
     }
     return changed;
@@ -96,7 +96,7 @@ QVector<int> WatchedValues::age(LineTime limit, LineTime now)
         if (value.quality != Quality::Good || now - *value.readAt <= limit)
             continue;
         value.quality = Quality::Stale;
-        value.reason = QStringLiteral("not read for three cycles");
+        value.reason = "not read for three cycles"_s;
         changed.append(i);
     }
     return changed;

@@ -1,8 +1,7 @@
 // The values that are watched: what the polling brings of them, how good they are, and since when.
-#ifndef TOLVANE_HOST_WATCHED_VALUES_H
-#define TOLVANE_HOST_WATCHED_VALUES_H
+#pragma once
 
-#include "host/session.h"
+#include "host/driver/session.h"
 #include "host/watch/coverage.h"
 #include "host/watch/poll_pace.h"
 
@@ -87,5 +86,3 @@ private:
 };
 
 }  // namespace host
-
-#endif

@@ -17,6 +17,8 @@ void callbackRows()
         on D_W 10 do get D_W 10 : 0000; fail => D_W 10; write M_bit 3 = 01 => M_bit 3
         on M_bit 3 do get M_bit 3 : 00; fail => M_bit 3; write TX 5 = 01 => TX 5
         on TX 5 do get TX 5 : 00; fail => TX 5)");
+    row("the values show when a condition read is told", R"(condition D_W 10; plc D 10 = 3412
+        on done 0 do get D_W 10 : 3412; serve 1 : rD10 => done 0)");
     row("the new value shows when a bit's write is settled", R"(monitor M_bit 3 : 1
         write M_bit 3 = 01 => M_bit 3; on M_bit 3 do get M_bit 3 : 01; serve 1 : oM0 => M_bit 3)");
     row("a recipe unit is filled when it is announced, the next is not", R"(

@@ -25,6 +25,13 @@ void writeRows()
     row("a newer value takes the place of one that waits", R"(write D_W 1 = 0100
         write D_W 5 kind 1 = 0200; write D_W 6 = 0300; write D_W 5 kind 2 = 0400; serve 1 : wD1
         send : wa 0A00 00 02 0400; item : 2 1 D_W 5 x1; reply ok; serve 2 : wD6 -)");
+    row("lost in a full queue: a word shows until it changes, a bit until it does with none queued",
+        R"(
+        monitor M_bit 3, M_bit 7, D_W 900 : 2; flood write 513; write D_W 900 = 0900 => D_W 900
+        write M_bit 3 = 01 => M_bit 3; write D_W 901 = 0100; plc M 0 = 8000; plc D 900 = 0500
+        serve 22 : * => M_bit 7, D_W 900; get D_W 900 : 0500; get M_bit 3 x5 : 01 00 00 00 00
+        serve 560 : *; get M_bit 3 x5 : 01 00 00 00 00; plc M 0 = 0000; serve 2 : * => M_bit 7
+        get M_bit 3 : 00)");
     for (const char *const mode : {"1", "2", "-1"})
         row(QString("shown but not sent, mode %1").arg(mode), QString(R"(
         init 7#%1#0#3#64; monitor D_W 5 : 1; write D_W 5 = 0100 => D_W 5; serve 1 : rD5

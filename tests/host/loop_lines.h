@@ -3,10 +3,10 @@
 #ifndef LOOP_LINES_H
 #define LOOP_LINES_H
 
-#include "host/frame_text.h"
+#include "host/driver/session.h"
+#include "host/exchange/loop.h"
+#include "host/frames/frame_text.h"
 #include "host/line/virtual_line.h"
-#include "host/loop.h"
-#include "host/session.h"
 
 #include <map>
 

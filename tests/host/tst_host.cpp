@@ -1,9 +1,9 @@
 // The bench host without a line: frames in plain words and their explanation, line settings, ports
 // that cannot be opened, and whether every option is documented.
-#include "host/failure.h"
-#include "host/frame_text.h"
+#include "host/frames/frame_text.h"
+#include "host/line/port_device.h"
 #include "host/line/serial_line.h"
-#include "host/port_device.h"
+#include "host/output/failure.h"
 
 #include "program.h"
 

@@ -1,6 +1,6 @@
 // The loop in simulated time: what its guards let through on bad lines, what a healthy line costs,
 // and the words for each failure.
-#include "host/trace.h"
+#include "host/exchange/trace.h"
 #include "host/watch/line_use.h"
 #include "loop_lines.h"
 

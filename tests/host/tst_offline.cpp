@@ -1,17 +1,19 @@
 // What the bench host does with files and addresses, without a line: tags and their values, tag
 // files and recipes, a full disk, and what a plan and its picture must hold to.
-#include "host/controller_process.h"
-#include "host/failure.h"
-#include "host/plan/page.h"
-#include "host/recipe_file.h"
-#include "host/recipe_transfer.h"
-#include "host/tags.h"
-#include "host/whole_file.h"
+#include "host/exchange/controller_process.h"
+#include "host/output/failure.h"
+#include "host/output/whole_file.h"
+#include "host/plan/picture.h"
+#include "host/tags/recipe_file.h"
+#include "host/tags/recipe_transfer.h"
+#include "host/tags/tags.h"
 
 #include "program.h"
 
 #include <QtCore/QRandomGenerator>
+#include <QtCore/QRectF>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QXmlStreamReader>
 
 using namespace host;
 
@@ -43,12 +45,12 @@ private slots:
     void recipesKeepTheirComments();
     void incompleteRecipeReadIsNone();
     void fullDiskKeepsTheOldFile();
-    void everyTagIsReadAndNothingOverlaps();
+    void everyTagIsPlannedAndDrawn();
 
 private:
     QString file(const char *name) const { return m_folder.filePath(QString(name)); }
     void save(const char *name, const QByteArray &text) const;
-    void checkLayout(int reach, int blockLimit);
+    void checkPlan(int reach, int blockLimit);
     Tag tag(const QString &text) const
     {
         return parseTags(m_driver, m_identity, {text}, 0).first();
@@ -205,92 +207,95 @@ void TestOffline::fullDiskKeepsTheOldFile()
     QCOMPARE(result.err.count(full), 3);  // head says it, too
 }
 
-void TestOffline::everyTagIsReadAndNothingOverlaps()
+void TestOffline::everyTagIsPlannedAndDrawn()
 {
-    for (const int reach : {20, 300, 2000})  // of the addresses
+    for (const int reach : {20, 300, 9000})  // of the addresses
         for (const int blockLimit : {1, 16, 127})
-            checkLayout(reach, blockLimit);
+            checkPlan(reach, blockLimit);
 }
 
-void TestOffline::checkLayout(int reach, int blockLimit)
+void TestOffline::checkPlan(int reach, int blockLimit)
 {
     QRandomGenerator dice(static_cast<quint32>(reach + blockLimit));
-    QStringList texts{"N_W:0x80", "L_W:0x300", "2/L_W:5"};
-    for (int i = 0; i < 90; ++i)  // more labels than a row has room for, all at its right end
-        texts += QString("N_W:%1").arg(80 + i / 2);
+    QVector<Tag> tags{tag("L_W:0x300"), tag("2/L_W:5"), tag("N_W:0x80"), tag("N_W:90")};
     for (int i = 0; i < 150; ++i) {
-        const char *type[] = {"D_W:%1x%2", "M_bit:%1.7x%2", "TX:%1x%2", "2/TX:%1x%2"};
+        const char *type[] = {"D_W:%1x%2", "M_bit:%1.7x%2", "2/D_W:%1x%2", "TX:%1x%2"};
+        const int most = i % 2 == 0 ? reach : std::min(reach, 2000);
         const int longest = i % 50 == 0 ? 40 : 3;
-        texts +=
-            QString(type[dice.bounded(4)]).arg(dice.bounded(reach)).arg(1 + dice.bounded(longest));
+        tags += tag(QString(type[i % 4]).arg(dice.bounded(most)).arg(1 + dice.bounded(longest)));
     }
-    QVector<Tag> tags;
-    QVector<Point> points;
-    for (const QString &text : std::as_const(texts)) {
-        tags += tag(text);
-        points += tags.last().point;
+    tags[0].name = "<b>&\"%1]]>\x01\x1B[2J" + QString(300, 'W');
+    const QString shown = "<b>&\"%1]]>\uFFFD\uFFFD[2J" + QString(300, 'W');
+    PlannedLine line;
+    line.serial = SerialSettings::parse("9600,8,EVEN,1");
+    line.turnaround = std::chrono::milliseconds(7);
+    const Plan plan = planCycle(m_driver, tags, line, blockLimit, false);
+
+    QStringList titles;
+    QHash<QString, QVector<QRectF>> bars;  // of the rows, by their colour
+    QXmlStreamReader picture(drawPlan(m_driver, plan));
+    while (!picture.atEnd()) {
+        picture.readNext();
+        const auto attribute = [&](const char *name) {
+            return picture.attributes().value(QString(name)).toString();
+        };
+        if (picture.isStartElement() && picture.name() == QString("title"))
+            titles += picture.readElementText();
+        else if (picture.isStartElement() && picture.name() == QString("rect") && !titles.isEmpty())
+            bars[attribute("class")] +=
+                QRectF(attribute("x").toDouble(), attribute("y").toDouble(),
+                       attribute("width").toDouble(), attribute("height").toDouble());
     }
-    Session session(m_driver, SessionSettings{1, 3, blockLimit});
-    QVector<Block> blocks = walkCycle(m_driver, session, m_identity, points);
-    assignTags(blocks, tags);
+    QVERIFY2(!picture.hasError(), qPrintable(picture.errorString()));
+    QCOMPARE(titles.size(), plan.blocks.size());
+    for (const char *kind : {"request", "turnaround", "reply"})
+        QCOMPARE(bars[kind].size(), plan.blocks.size());
+    // The scale, by the first of the charts, which are of 25 rows.
+    const QVector<Block> chart = plan.blocks.mid(0, 25);
+    const double begin = bars["request"][0].left();
+    const double scale = (bars["reply"][chart.size() - 1].right() - begin) /
+                         static_cast<double>(line.time(costsOf(chart)).count());
+    const auto near = [](double left, double right) { return std::abs(left - right) < 0.05; };
 
     QVector<int> unread(tags.size(), 1);
-    for (const Block &block : blocks) {
-        QVERIFY(!block.tags.isEmpty());
-        for (const int index : block.tags)
-            unread[index] = 0;
+    double at = begin;
+    double top = 0;
+    for (int i = 0; i < int(plan.blocks.size()); ++i) {
+        const Block &block = plan.blocks[i];
+        for (int index = 0; index < int(tags.size()); ++index) {
+            const bool reads = partInside(tags[index].point, block.point).count > 0;
+            QCOMPARE(block.tags.contains(index), reads);
+            unread[index] &= !reads;
+            QVERIFY(!reads || titles[i].contains(index == 0 ? shown : tags[index].name));
+        }
+
+        if (i % 25 == 0)
+            at = begin;
+        const std::pair<QRectF, std::chrono::microseconds> expected[] = {
+            {bars["request"][i], line.wireTime(block.requestBytes)},
+            {bars["turnaround"][i], line.turnaround},
+            {bars["reply"][i], line.wireTime(block.replyBytes)}};
+        for (const auto &[bar, time] : expected) {
+            QVERIFY(near(bar.left(), at));
+            at += scale * static_cast<double>(time.count());
+            QVERIFY(near(bar.right(), at) && at < 900 && bar.top() > top);
+        }
+        const QRectF reply = bars["reply"][i];
+        top = reply.bottom();
+        for (int word = 0; word < block.point.count; ++word) {
+            Point unit = block.point;
+            unit.address += word;
+            unit.count = 1;
+            const QPointF middle(reply.left() + reply.width() * (word + 0.5) / block.point.count,
+                                 reply.center().y());
+            QVERIFY(
+                std::any_of(block.tags.begin(), block.tags.end(),
+                            [&](int tag) { return partInside(tags[tag].point, unit).count > 0; }) !=
+                std::any_of(bars["unused"].begin(), bars["unused"].end(),
+                            [&](const QRectF &bar) { return bar.contains(middle); }));
+        }
     }
     QCOMPARE(unread.count(1), 0);
-
-    int drawn = 0;
-    QVector<Row> rows;
-    double bottom = 0;
-    for (const Shelf &shelf : layOutPage(blocks, tags, 0)) {
-        double right = 0;
-        for (const Shelf::Place &place : shelf.places) {
-            const Row &row = place.row;
-            QVERIFY(place.left - LaneNameWidth > right);  // a label of the row before
-            for (const Bar &bar : row.tags) {
-                const double length = textWidth(labelText(tags[bar.index]));
-                right = std::max(right, place.left + bar.labelAt + 0.5 * length);
-                QVERIFY(shelf.labels - 0.87 * length > bottom);
-            }
-            const bool goesOn = !rows.isEmpty() && rows.last().lane.regName == row.lane.regName &&
-                                rows.last().lane.stationNo == row.lane.stationNo;
-            QCOMPARE(place.continued, goesOn);
-            rows += row;
-        }
-        bottom = shelf.bottom;
-    }
-    for (const Row &row : std::as_const(rows)) {
-        drawn += int(row.blocks.size());
-        for (int i = 1; i < int(row.segments.size()); ++i) {
-            QVERIFY(row.segments[i].left > row.segments[i - 1].right());
-            QVERIFY(row.segments[i].units.first - row.segments[i - 1].units.end() > 8);
-        }
-        int end = 1 << 20;  // what no block has read for so long is cut out, however long it is
-        for (const Bar &bar : row.blocks) {
-            const Point &block = blocks[bar.index].point;
-            const auto cut = std::count_if(
-                row.segments.begin(), row.segments.end(),
-                [&](const Segment &segment) { return segment.units.first == block.address; });
-            QVERIFY(block.address - end <= 8 || cut == 1);
-            QCOMPARE(block.stationNo, row.lane.stationNo);
-            end = std::max(end > 1 << 19 ? 0 : end, block.address + block.count);
-        }
-        QVERIFY(row.segments.last().right() <= 920 + 1);
-        QVERIFY(row.tagsUnnamed == 0 || row.blocks.size() == 1);
-        for (const Bar &bar : row.tags)
-            QVERIFY(bar.labelAt > -0.01 && bar.labelAt < 920 + 0.01);
-        for (int i = 1; i < int(row.tags.size()) - row.tagsUnnamed; ++i)
-            QVERIFY(row.tags[i].labelAt - row.tags[i - 1].labelAt > LabelStep - 0.01);
-        for (const QVector<Bar> &bars : {row.blocks, row.tags})
-            for (int i = 0; i < int(bars.size()); ++i)
-                for (int k = 0; k < i; ++k)
-                    QVERIFY(bars[i].level != bars[k].level ||
-                            bars[i].place.left >= bars[k].place.right - 0.1);
-    }
-    QCOMPARE(drawn, int(blocks.size()));
 }
 
 QTEST_GUILESS_MAIN(TestOffline)

@@ -1,5 +1,5 @@
 // Watching in simulated time: what becomes of values, counts and logs when the line misbehaves.
-#include "host/line/reopening.h"
+#include "host/exchange/reopening.h"
 #include "host/line/virtual_line.h"
 #include "host/watch/watch.h"
 

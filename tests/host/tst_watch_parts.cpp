@@ -1,9 +1,9 @@
 // The parts of watching that need no line: which blocks are set aside, how the table fits, and logs
 // that are gone on with.
-#include "host/failure.h"
-#include "host/output_file.h"
-#include "host/watch/screen.h"
+#include "host/output/failure.h"
+#include "host/output/output_file.h"
 #include "host/watch/set_aside.h"
+#include "host/watch/sinks/screen.h"
 
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>

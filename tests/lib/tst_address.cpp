@@ -170,6 +170,7 @@ private slots:
         // Outcome: the result code and what stands in the number, 77 before.
         table({"asked", "outcome"},
               {{"as many as an int holds", "D_W 1 2147483647 word", "2 1"},
+               {"beyond the last, but no values", "D_W 32768 0 word", "0 32768"},
                {"leading zeros", "D_W 00002047 1 word", "0 2047"},
                {"bit 16", "M_bit 20.16 1 bit", "4 77"},
                {"bit -5", "M_bit 3.-5 1 bit", "4 77"},

@@ -5,7 +5,6 @@
 #include "plc/answering.h"
 #include "plc/image.h"
 #include "plc/motion.h"
-#include "plc/report.h"
 
 using namespace plc;
 
@@ -95,33 +94,6 @@ private slots:
         QCOMPARE(controller.counts().of(Verdict::Served), qint64(0));
         QCOMPARE(saveImage(memory), saveImage(Memory()));
         QCOMPARE(controller.receive(readD0), zeroReply);
-    }
-
-    void tells()
-    {
-        Memory memory;
-        Controller controller(memory);
-        QStringList told;
-        controller.setObserver([&](const Request &request, Verdict verdict, const QByteArray &) {
-            told += requestText(request, verdict);
-        });
-        for (const char *text :
-             {"raC800000A", "waC80000041000FFFF", "oi1400000800", "nl040000F7FF"})
-            controller.receive(framed(text));
-        controller.receive("\x02ra\x03z");
-        QCOMPARE(told,
-                 (QStringList{"read D 100 x 5", "write D 100 = 16 65535", "set M 10 mask 0008",
-                              "clear TX 2 mask FFF7", "refused (layout): 02 72 61 03"}));
-        FaultPlan plan;
-        FaultPlan::parse("loss=100%", &plan);
-        Faults faults(plan, 1);
-        faults.transmit(zeroReply, 0);
-        const QString counts = countsText(controller.counts(), faults);
-        QVERIFY2(counts.startsWith("served: total=4 read=1 write=1 set=1 clear=1\n"
-                                   "refused: total=1 unfinished=0 too-long=0 layout=1 ") &&
-                     counts.endsWith(" mask=0\nfaults: total=1 loss=1 cut=0 flip=0 late=0 double=0 "
-                                     "noise=0 mute=0\nstray bytes: 1\n"),
-                 qPrintable(counts));
     }
 
     void deviceEnds()

@@ -7,35 +7,47 @@ counts what came; SIGUSR2 ends the faults.
   D_W:5 = 7  FAILED: no reply within 60 ms
   [1]
   $ await counts disturbed; kill -USR2 $!
-  $ tolvane-host write --port plc M_bit:1.2=1
+  $ tolvane-host write --port plc M_bit:1.2=1 D_W:100x2=16,65535
   M_bit:1.2 = 1  acknowledged
-  $ end TERM
+  D_W:100x2 = 16, 65535  acknowledged
+  $ printf '\002ra\003z' > plc; tolvane-host read --port plc D_W:4x2
+  D_W:4x2  0, 7
+  $ tolvane-host write --port plc TX:35=0 --json > /dev/null; end TERM
   $ cat counts image.csv
   write D 5 = 7
       its reply is disturbed: loss
   set M 1 mask 0004
-  served: total=2 read=0 write=1 set=1 clear=0
-  refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
+  write D 100 = 16 65535
+  refused (layout): 02 72 61 03
+  read D 4 x 2
+  clear TX 2 mask FFF7
+  served: total=5 read=1 write=2 set=1 clear=1
+  refused: total=1 unfinished=0 too-long=0 layout=1 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
   faults: total=1 loss=1 cut=0 flip=0 late=0 double=0 noise=0 mute=0
-  stray bytes: 0
+  stray bytes: 1
   device,word,value
   M,1,4
   D,5,7
+  D,100,16
+  D,101,65535
   $ ls plc
   ls: cannot access 'plc': No such file or directory
   [2]
-  $ controller --tcp 0
+  $ controller --tcp 0; echo ${place%:*}
+  127.0.0.1
   $ tolvane-plc --tcp ${place#*:} 2>&1 | sed 's/[0-9][0-9]*/N/'
   tolvane-plc: cannot listen on port N: The bound address is already in use
   $ end INT
   $ tolvane-plc --version
   tolvane-plc 2.0.0.0
 
-One host after the other: what one left half sent is nothing to the next. SIGUSR1 asks for the counts.
+One host after the other, a shell first: what one left half sent is nothing to the next. SIGUSR1 asks
+for the counts.
 
-  $ for line in port tcp; do
+  $ controller --link moving; for line in port tcp; do
   >     controller --still $(over $line)
   >     [ $line = tcp ] && end=/dev/tcp/$(echo $place | tr : /) || end=$place
+  >     timeout 9 bash -c "exec 3<> $end; printf '\002ra0000000255\003' >&3; head -c 9 <&3 | cut -c 2-8"
   >     for host in 1 2 3; do
   >         tolvane-host read --$line $place D_W:0
   >         bash -c "printf '\002raC8' > $end"
@@ -44,7 +56,16 @@ One host after the other: what one left half sent is nothing to the next. SIGUSR
   > done > told; sort told | uniq -c
         6 D_W:0  0
         2 [0]
-        4 served: total=3 read=3 write=0 set=0 clear=0
+        2 r000032
+        4 served: total=4 read=4 write=0 set=0 clear=0
+  $ tolvane-host read --port moving D_W:100 | awk '{ print ($2 < 600) }'
+  1
+
+Over TCP the latest host is served, and the one before it is not kept.
+
+  $ controller --tcp 0; tolvane-host watch --tcp $place D_W:0 > log 2> said & first=$!
+  $ await log D_W; tolvane-host read --tcp $place D_W:0; await said lost; kill $first
+  D_W:0  0
 
 A link is given up as it was taken: one that leads nowhere is replaced, one that was replaced stays.
 

@@ -1,0 +1,262 @@
+// Collects frames and reads each, a reply with the request before it.
+#include "host/frames/explain.h"
+
+#include "host/output/failure.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+
+#include <climits>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+constexpr char Stx = 0x02;
+constexpr char Etx = 0x03;
+constexpr char Eot = 0x04;
+constexpr char Ack = 0x06;
+
+bool opens(char byte)
+{
+    return byte == Stx || byte == Ack;
+}
+
+bool closes(char byte)
+{
+    return byte == Etx || byte == Eot;
+}
+
+// Reads frames in the order in which they travelled; replies belong to the request before them.
+class Reader
+{
+public:
+    /** refused: why the host took the frame for no reply; empty where it did. */
+    void add(const QString &time, bool isRequest, const QByteArray &bytes,
+             const QString &refused = QString())
+    {
+        ExplainedFrame frame;
+        frame.time = time;
+        frame.isRequest = isRequest;
+        frame.bytes = bytes;
+        frame.request = isRequest ? -1 : m_request;
+        frame.reading =
+            isRequest
+                ? readRequest(bytes, INT_MAX)
+                : readReply(bytes,
+                            m_request < 0 || m_answered ? QByteArray() : m_frames[m_request].bytes,
+                            INT_MAX);
+        if (frame.reading.fault.isEmpty() && !refused.isEmpty())
+            frame.reading.fault = "refused by the host: "_s + refused;
+        // A request counts for one good reply.
+        m_answered = !isRequest && (m_answered || frame.reading.fault.isEmpty());
+        if (isRequest)
+            m_request = int(m_frames.size());
+        m_frames.append(frame);
+    }
+
+    /** Nothing came for the last request, if there was one. */
+    void addMissingReply()
+    {
+        if (m_request == int(m_frames.size()) - 1 && m_request >= 0)
+            add(QString(), false, QByteArray());
+    }
+
+    const QVector<ExplainedFrame> &frames() const { return m_frames; }
+
+private:
+    QVector<ExplainedFrame> m_frames;
+    int m_request = -1;       // place of the latest
+    bool m_answered = false;  // it was
+};
+
+// Empty when the text is no hex pairs.
+QByteArray bytesOf(const QString &text)
+{
+    static const QRegularExpression pairs("^\\s*(?:[0-9A-Fa-f]{2}\\s*)+$"_s);
+    return pairs.match(text).hasMatch() ? QByteArray::fromHex(text.toLatin1()) : QByteArray();
+}
+
+// A closing byte ends a frame only where another frame opens behind it: a frame that is wrong
+// inside stays whole.
+QList<QByteArray> split(const QByteArray &bytes)
+{
+    QList<QByteArray> frames;
+    int begin = 0;
+    for (int i = 1; i < int(bytes.size()); ++i) {
+        if (closes(bytes[i - 1]) && opens(bytes[i])) {
+            frames.append(bytes.mid(begin, i - begin));
+            begin = i;
+        }
+    }
+    frames.append(bytes.mid(begin));
+    return frames;
+}
+
+/** Reads what listened on a line, line by line. */
+class Listing
+{
+public:
+    /** Returns false when the line is none that is known. */
+    bool take(const QString &line)
+    {
+        static const QRegularExpression traced(
+            "^(\\S+)\\s+(->|<-)\\s+(-|[0-9A-F]{2}(?: [0-9A-F]{2})*)"
+            "(?:  (?:refused: (.*)|.*))?$"_s);
+        static const QRegularExpression socatHead(
+            "^([<>]) (\\S+ \\S+)  length=[0-9]+ from=[0-9]+ to=[0-9]+$"_s);
+        static const QRegularExpression socatNews("^\\S+ \\S+ socat\\["_s);
+        static const QRegularExpression hexLine(
+            "^ ?([0-9A-Fa-f]{2}(?: ?[0-9A-Fa-f]{2})*) ?(?:  .*)?$"_s);
+        if (line.trimmed().isEmpty() || line == "--"_s || socatNews.match(line).hasMatch())
+            return true;
+        QRegularExpressionMatch match = traced.match(line);
+        if (match.hasMatch()) {
+            flush();
+            m_reader.add(match.captured(1), match.captured(2) == "->"_s, bytesOf(match.captured(3)),
+                         match.captured(4));
+            return true;
+        }
+        match = socatHead.match(line);
+        if (match.hasMatch()) {
+            const QChar arrow = match.captured(1).at(0);
+            if (arrow != m_arrow)
+                flush();
+            m_arrow = arrow;
+            m_time = match.captured(2);
+            m_chunkBegins = true;
+            return true;
+        }
+        match = hexLine.match(line);
+        if (match.hasMatch())
+            takeBytes(bytesOf(match.captured(1)));
+        return match.hasMatch();
+    }
+
+    /** A last line that breaks off: the bytes that it still holds, if any. */
+    void takeCut(const QString &line)
+    {
+        static const QRegularExpression traced("^(\\S+)\\s+(->|<-)((?:\\s+[0-9A-F]{2}\\b)*)"_s);
+        static const QRegularExpression pairs("^((?: ?[0-9A-Fa-f]{2})+) ?[0-9A-Fa-f]?$"_s);
+        flush();
+        const QRegularExpressionMatch match = traced.match(line);
+        const QString hex = match.hasMatch() ? match.captured(3) : pairs.match(line).captured(1);
+        const QByteArray bytes = bytesOf(hex);
+        const bool isRequest =
+            match.hasMatch() ? match.captured(2) == "->"_s : !bytes.startsWith(Ack);
+        if (bytes.isEmpty())
+            return;
+        m_reader.add(match.captured(1), isRequest, bytes);
+    }
+
+    /** All frames; isCut: the last line had no end. */
+    QVector<ExplainedFrame> frames(bool isCut)
+    {
+        flush();
+        QVector<ExplainedFrame> frames = m_reader.frames();
+        if (isCut && !frames.isEmpty() && !frames.last().reading.fault.isEmpty())
+            frames.last().reading.fault += " (the last line is cut)"_s;
+        return frames;
+    }
+
+private:
+    // Frames travel in pieces: a piece goes on with the frame before it unless that has ended or
+    // this opens one.
+    void takeBytes(const QByteArray &bytes)
+    {
+        const bool isPasted = m_arrow.isNull();
+        if ((m_chunkBegins || isPasted) && !m_run.isEmpty() &&
+            (closes(m_run.back()) || opens(bytes.front())))
+            flush();
+        m_chunkBegins = false;
+        if (m_run.isEmpty())
+            m_runTime = m_time;
+        m_run += bytes;
+    }
+
+    void flush()
+    {
+        if (m_run.isEmpty())
+            return;
+        for (const QByteArray &frame : split(m_run)) {
+            if (frame[0] == Stx)
+                m_requestArrow = m_arrow;
+            const bool isRequest =
+                frame[0] == Stx || (frame[0] != Ack && m_arrow == m_requestArrow);
+            if (isRequest)
+                m_reader.addMissingReply();
+            m_reader.add(m_runTime, isRequest, frame);
+        }
+        m_run.clear();
+    }
+
+    Reader m_reader;
+    QByteArray m_run;  // bytes in one direction that are no frames yet
+    QString m_runTime;
+    QString m_time;  // of the latest piece
+    QChar m_arrow;   // its direction
+    QChar m_requestArrow = QLatin1Char('>');
+    bool m_chunkBegins = false;
+};
+
+}  // namespace
+
+QVector<ExplainedFrame> framesFromText(const QStringList &arguments)
+{
+    QList<QByteArray> runs;
+    bool joins = false;  // the argument before was a single byte
+    for (const QString &argument : arguments) {
+        const QByteArray bytes = bytesOf(argument);
+        if (bytes.isEmpty())
+            throw Failure(
+                "\"%1\" is no frame; expected bytes as hex pairs, such as "
+                "\"02 72 61\", or a trace file"_s.arg(argument),
+                BadInput);
+        const bool single = bytes.size() == 1;
+        if (single && joins)
+            runs.last() += bytes;
+        else
+            runs.append(bytes);
+        joins = single;
+    }
+    Reader reader;
+    for (const QByteArray &run : std::as_const(runs))
+        for (const QByteArray &frame : split(run))
+            reader.add(QString(), frame[0] != Ack, frame);
+    return reader.frames();
+}
+
+QVector<ExplainedFrame> framesFromFile(const QString &path)
+{
+    const bool isInput = path == "-"_s;
+    QFile file(path);
+    if (!(isInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly)))
+        throw Failure("cannot read %1: %2"_s.arg(path, file.errorString()), BadInput);
+    Listing listing;
+    const QByteArray all = file.readAll();
+    const QByteArrayList lines = all.split('\n');
+    for (int i = 0; i < int(lines.size()); ++i) {
+        QString line = QString::fromUtf8(lines[i]);
+        while (line.endsWith(QLatin1Char('\r')) || line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        const bool isCut = i + 1 == int(lines.size());  // no line's end behind it
+        if (listing.take(line))
+            continue;
+        if (!isCut || i == 0)
+            throw Failure(
+                "%1:%2: \"%3\": expected what --trace or socat -x writes, "
+                "or bytes as hex pairs"_s.arg(isInput ? "standard input"_s : path)
+                    .arg(i + 1)
+                    .arg(line.left(60)),
+                BadInput);
+        listing.takeCut(line);
+    }
+    const QVector<ExplainedFrame> frames = listing.frames(!all.isEmpty() && !all.endsWith('\n'));
+    if (frames.isEmpty())
+        throw Failure("there is no frame in %1"_s.arg(isInput ? "standard input"_s : path),
+                      BadInput);
+    return frames;
+}
+
+}  // namespace host

@@ -1,0 +1,144 @@
+// The words for what went wrong with a reply.
+#include "host/frames/reply_fault.h"
+
+#include "host/frames/frame_text.h"
+#include "host/output/table.h"
+
+#include <QtCore/QStringList>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr char Ack = 0x06;  // opens a reply
+constexpr char Eot = 0x04;  // closes it
+constexpr int ShortestReply = 5;
+
+QString hexByte(int byte)
+{
+    return QString::number(byte, 16).toUpper().rightJustified(2, QLatin1Char('0'));
+}
+
+QString milliseconds(LineTime time)
+{
+    const double ms = double(time.count()) * 1e-6;
+    return "%1 ms"_s.arg(ms, 0, 'f', ms < 10 ? 1 : 0);
+}
+
+ReplyFault byteFault(ReplyFault::Reason reason, int got, int expected)
+{
+    ReplyFault fault;
+    fault.reason = reason;
+    fault.got = got & 0xFF;
+    fault.expected = expected;
+    return fault;
+}
+
+}  // namespace
+
+const char *ReplyFault::name(Reason reason)
+{
+    constexpr const char *names[ReasonCount] = {
+        "good",      "no-reply",  "too-short", "too-long",  "wrong-checksum", "first-byte",
+        "last-byte", "not-asked", "echo",      "too-early", "line-lost"};
+    return names[reason];
+}
+
+QString ReplyFault::text() const
+{
+    switch (reason) {
+        case None:
+            return QString();
+        case NoReply:
+            return "no reply within %1"_s.arg(milliseconds(waited));
+        case TooShort:
+            return "too short: %1 instead of %2"_s.arg(countText(got, "byte")).arg(expected);
+        case TooLong:
+            return "too long: %1 instead of %2"_s.arg(countText(got, "byte")).arg(expected);
+        case Checksum:
+            return "wrong checksum: %1 instead of %2"_s.arg(detail, hexByte(expected));
+        case FirstByte:
+            return "not a reply: first byte %1 instead of %2"_s.arg(hexByte(got),
+                                                                    hexByte(expected));
+        case LastByte:
+            return "not a reply: last byte %1 instead of %2"_s.arg(hexByte(got), hexByte(expected));
+        case NotAsked:
+            return "not the reply to this request"_s;
+        case Echo:
+            return "the request's own echo"_s;
+        case TooEarly:
+            return "too early: after %1, when both frames take %2"_s.arg(
+                milliseconds(waited), milliseconds(expectedTime));
+        case LineLost:
+            return "line lost: %1"_s.arg(detail);
+    }
+    return QString();
+}
+
+QString ReplyFault::hint() const
+{
+    if (reason == Echo)
+        return "see to the wiring: what is sent comes straight back"_s;
+    if (reason == TooEarly)
+        return "--pace none if nothing paces the line"_s;
+    return QString();
+}
+
+QString faultsText(const QVector<ReplyFault> &tries)
+{
+    if (tries.isEmpty())
+        return QString();
+    const ReplyFault &last = tries.constLast();
+    const bool alike = std::all_of(tries.cbegin(), tries.cend(), [&](const ReplyFault &fault) {
+        return fault.reason == last.reason;
+    });
+    QString text;
+    if (tries.size() == 1) {
+        text = last.text();
+    } else if (alike && last.reason == ReplyFault::NoReply) {
+        text = "no reply to %1 requests of %2 each"_s.arg(QString::number(tries.size()),
+                                                          milliseconds(last.waited));
+    } else if (alike) {
+        text = "%1 requests: %2"_s.arg(QString::number(tries.size()), last.text());
+    } else {
+        QStringList texts;
+        for (const ReplyFault &fault : tries)
+            texts.append(fault.text());
+        text = texts.join("; then "_s);
+    }
+    return last.hint().isEmpty() ? text : "%1 (%2)"_s.arg(text, last.hint());
+}
+
+ReplyFault formFault(const QByteArray &reply)
+{
+    const int size = int(reply.size());
+    if (size > 0 && reply.at(0) != Ack)
+        return byteFault(ReplyFault::FirstByte, reply.at(0), Ack);
+    if (size > 0 && reply.at(size - 1) != Eot)
+        return byteFault(ReplyFault::LastByte, reply.at(size - 1), Eot);
+    if (size < ShortestReply) {
+        ReplyFault fault;
+        fault.reason = ReplyFault::TooShort;
+        fault.got = size;
+        fault.expected = ShortestReply;
+        return fault;
+    }
+    int sum = 0;
+    for (const char byte : reply.mid(1, size - 4))
+        sum += static_cast<unsigned char>(byte);
+    const QByteArray carried = reply.mid(size - 3, 2);
+    const QString right = hexByte(sum & 0xFF);  // in capitals, and so it must be
+    if (carried == right.toLatin1())
+        return ReplyFault();
+    ReplyFault fault;
+    fault.reason = ReplyFault::Checksum;
+    fault.expected = sum & 0xFF;
+    bool isHex = false;
+    carried.toInt(&isHex, 16);
+    fault.detail = isHex ? QString::fromLatin1(carried) : "bytes "_s + hexText(carried, 2);
+    return fault;
+}
+
+}  // namespace host

@@ -1,0 +1,15 @@
+// Points in time as logs, JSON and traces write them.
+#pragma once
+
+#include <QtCore/QDateTime>
+
+namespace host {
+
+enum class Zone {
+    Utc,   ///< "2026-11-22T22:41:05.123Z"
+    Local  ///< "2026-11-22T23:41:05.123+01:00"
+};
+
+QString timeText(const QDateTime &time, Zone zone);
+
+}  // namespace host

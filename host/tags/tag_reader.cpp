@@ -1,0 +1,78 @@
+// Polls the tags for one cycle.
+#include "host/tags/tag_reader.h"
+
+#include "host/output/time_text.h"
+#include "host/tags/tag_text.h"
+
+namespace host {
+
+namespace {
+
+constexpr std::chrono::seconds LostLinePatience(10);
+
+}  // namespace
+
+QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags,
+                             const std::function<void(int, int, int)> &progress)
+{
+    const QString closed = connection.tryToOpen(Purpose::Reading);
+    if (!closed.isEmpty())
+        return QVector<TagReading>(tags.size(), {{}, closed});
+    QVector<Point> points;
+    int allUnits = 0;
+    for (const Tag &tag : tags) {
+        points.append(tag.point);
+        allUnits += tag.point.count;
+    }
+    Session &session = connection.session();
+    QVector<TagReading> readings(tags.size());
+    QVector<int> unread;  // words or bits of each tag
+    for (const Tag &tag : tags)
+        unread.append(tag.point.count);
+    int left = session.monitor(points);
+    int blocks = 0;
+    int units = 0;
+    connection.observer = [&](const Exchange &exchange) {
+        if (exchange.outcome != Outcome::Good && exchange.outcome != Outcome::GivenUp)
+            return;
+        --left;
+        ++blocks;
+        const Point block = blockOf(exchange.frame.var);
+        for (int i = 0; i < int(tags.size()); ++i) {
+            const int count = partInside(tags[i].point, block).count;
+            units += count;
+            unread[i] -= count;
+            if (count > 0 && exchange.outcome == Outcome::GivenUp)
+                readings[i].error = faultsText(exchange.tries);
+        }
+        if (progress)
+            progress(blocks, units, allUnits);
+    };
+    const Line &line = connection.line();
+    LineTime deadline = line.now() + LostLinePatience;
+    while (left > 0 && line.now() < deadline)
+        if (connection.step() != Outcome::LineLost)
+            deadline = line.now() + LostLinePatience;
+    connection.observer = nullptr;
+    for (int i = 0; i < int(tags.size()); ++i) {
+        readings[i].units = session.values(tags[i].point);
+        if (unread[i] > 0 && readings[i].error.isEmpty())
+            readings[i].error = "line lost: %1"_s.arg(line.errorText());
+    }
+    session.monitor({});
+    return readings;
+}
+
+QJsonObject readingObject(const Connection &connection, const Tag &tag, const TagReading &reading)
+{
+    const bool good = reading.error.isEmpty();
+    QJsonObject object = tagObject(connection.driver(), tag);
+    object.insert("time"_s, timeText(QDateTime::currentDateTimeUtc(), connection.zone()));
+    object.insert("values"_s, valueArray(good ? formatValues(tag, reading.units) : QStringList()));
+    object.insert("quality"_s, QLatin1String(good ? "good" : "bad"));
+    if (!good)
+        object.insert("reason"_s, reading.error);
+    return object;
+}
+
+}  // namespace host

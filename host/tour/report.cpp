@@ -1,0 +1,104 @@
+// Lays the demo's output out in 100 columns.
+#include "host/tour/report.h"
+
+#include "host/frames/frame_text.h"
+#include "host/output/table.h"
+
+namespace host {
+
+namespace {
+
+constexpr int FrameBytesShown = 14;  // a whole read request
+constexpr int HexColumn = 3 * FrameBytesShown - 1;
+constexpr int NameColumn = 9;
+constexpr int RowColumns = 96;
+constexpr int Indent = 3;
+constexpr int CellColumn = 12;
+constexpr int MeaningColumn = 51;
+constexpr int ValuesShown = 8;
+constexpr int WordsInRequest = 2;
+constexpr int WordsInReply = 4;
+
+}  // namespace
+
+QString Report::valueText(const QVector<int> &values)
+{
+    QStringList texts;
+    for (const int value : values.mid(0, ValuesShown))
+        texts.append(QString::number(value));
+    const QString text = texts.join(", "_s);
+    return values.size() <= ValuesShown ? text
+                                        : "%1, ... (%2 values)"_s.arg(text).arg(values.size());
+}
+
+void Report::step(const QString &title, const QString &intent)
+{
+    m_out << '\n' << ++m_steps << ". " << title << '\n' << "   " << intent << '\n' << Qt::flush;
+}
+
+void Report::line(const QString &text)
+{
+    m_out << (text.isEmpty() ? text : QString(Indent, QLatin1Char(' ')) + text) << '\n'
+          << Qt::flush;
+}
+
+void Report::item(const QString &name, const QString &text)
+{
+    QString row = name.leftJustified(NameColumn - 1);
+    for (const QString &word : text.split(QLatin1Char(' '))) {
+        if (row.size() + 1 + word.size() > RowColumns) {
+            line(row);
+            row = QString(NameColumn - 1, QLatin1Char(' '));
+        }
+        row += QLatin1Char(' ') + word;
+    }
+    line(row);
+}
+
+void Report::exchange(const Exchange &exchange)
+{
+    if (!exchange.stale.isEmpty())
+        line("thrown away before sending: %1 that nobody waits for any more"_s.arg(
+            countText(exchange.stale.size(), "byte")));
+    const QByteArray request = exchange.request();
+    frame("->", request, readRequest(request, WordsInRequest).text);
+    for (const RefusedReply &refused : exchange.refused)
+        frame("<-", refused.bytes, refused.fault.text());
+    if (exchange.reply.isEmpty())
+        line("<- "_s + exchange.fault.text());
+    else
+        frame("<-", exchange.reply,
+              exchange.fault ? exchange.fault.text()
+                             : readReply(exchange.reply, request, WordsInReply).text);
+}
+
+void Report::table(const QVector<QStringList> &rows)
+{
+    QVector<Table::Column> columns(rows.first().size(), {Table::Right, CellColumn, 0});
+    columns.first() = {Table::Left, CellColumn, Indent};
+    Table table(columns);
+    for (const QStringList &row : rows)
+        table.add(row);
+    table.print(m_out);
+}
+
+void Report::frame(const char *arrow, const QByteArray &bytes, const QString &meaning)
+{
+    const QString text =
+        meaning.size() <= MeaningColumn ? meaning : meaning.left(MeaningColumn - 3) + "..."_s;
+    line("%1 %2  %3"_s.arg(QLatin1String(arrow),
+                           hexText(bytes, FrameBytesShown).leftJustified(HexColumn), text));
+}
+
+void Report::verdict(const QString &what, bool right, const QString &expected, const QString &got)
+{
+    ++m_checks;
+    if (right) {
+        line("ok     "_s + what);
+        return;
+    }
+    ++m_wrong;
+    line("WRONG  %1: expected %2, got %3"_s.arg(what, expected, got));
+}
+
+}  // namespace host
