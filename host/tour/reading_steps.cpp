@@ -1,6 +1,9 @@
 // The steps of the tour that identify, check and read.
 #include "host/output/failure.h"
 #include "host/tour/tour.h"
+#include "plc/memory.h"
+
+#include <QtCore/QSet>
 
 #include <algorithm>
 
@@ -56,8 +59,11 @@ void identifyDriver(Tour &tour)
     tour.report.item("bits"_s, "up to "_s + typesText(identity, true));
     tour.report.check("it is the driver that this host is made for"_s, identity.name,
                       "tolvane_link"_s);
-    tour.report.check("18 register types, with their last addresses"_s, int(identity.types.size()),
-                      18);
+    QSet<QString> areas;
+    for (const auto &type : identity.types)
+        areas.insert(type.name.section('_', 0, 0));
+    tour.report.check("register types for all devices of the controller"_s, int(areas.size()),
+                      int(plc::Memory::devices().size()));
 }
 
 void checkAddresses(Tour &tour)

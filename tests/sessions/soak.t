@@ -14,7 +14,7 @@ Another controller's driver is found out.
      words    up to HR_W:65535
      bits     up to HR_bit:65535.15, CO:65535
      WRONG  it is the driver that this host is made for: expected tolvane_link, got modbus_rtu
-     WRONG  18 register types, with their last addresses: expected 18, got 3
+     WRONG  register types for all devices of the controller: expected 13, got 2
   
   2. Checking addresses
     HR_W, HR_bit, CO
