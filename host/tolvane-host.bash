@@ -11,7 +11,7 @@ _tolvane_host()
         fi
     done
     local line="--port --tcp --simulate --serial --pace --station --retries
-        --block-limit --timeout --quiet --listen --trace --local"
+        --block-limit --timeout --grace --listen --trace --local"
     if [[ $COMP_CWORD == 1 ]]; then
         candidates="check demo explain info plan read recipe soak watch write
             --help --version -v"
@@ -39,7 +39,7 @@ _tolvane_host()
         mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word")
         return
         ;;
-    --tcp | --station | --retries | --block-limit | --timeout | --quiet | --listen | \
+    --tcp | --station | --retries | --block-limit | --timeout | --grace | --listen | \
         --turnaround | --for | --every | --poll | --exchanges | --seed)
         return
         ;;
@@ -51,9 +51,9 @@ _tolvane_host()
         candidates="--serial --turnaround --block-limit --station --suggest --svg --json"
         ;;
     read) candidates="$line --tags --json" ;;
-    write) candidates="$line --json" ;;
+    write) candidates="$line --verify --json" ;;
     watch)
-        candidates="$line --tags --csv --json --every --poll --for --stats --no-demotion"
+        candidates="$line --tags --csv --json --every --poll --for --stats --never-set-aside"
         ;;
     recipe)
         candidates="$line --tags --json"
@@ -63,7 +63,7 @@ _tolvane_host()
         ;;
     soak)
         candidates="--exchanges --faults --seed --overwrite --port --tcp --serial --pace --timeout
-            --quiet --listen --json"
+            --grace --listen --json"
         ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates --driver --help" -- "$word")

@@ -157,7 +157,7 @@ int soakCommand(const QStringList &arguments)
         "in real time.\nExit status 0 only if the controller's memory and all that was "
         "read are right."_s);
     addConnectionOptions(
-        commandLine, {"port"_s, "tcp"_s, "serial"_s, "pace"_s, "timeout"_s, "quiet"_s, "listen"_s});
+        commandLine, {"port"_s, "tcp"_s, "serial"_s, "pace"_s, "timeout"_s, "grace"_s, "listen"_s});
     commandLine.addOptions({
         {"exchanges"_s, "Requests to send while the line is bad (default: 100000)."_s, "n"_s,
          "100000"_s},

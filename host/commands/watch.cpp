@@ -98,7 +98,7 @@ Wishes readWishes(const QCommandLineParser &parser)
         wishes.duration = durationOption(parser.value("for"_s));
     wishes.watch.poll = intervalOption(parser, "poll");
     wishes.watch.every = intervalOption(parser, "every");
-    wishes.watch.setAside = !isSet("no-demotion");
+    wishes.watch.setAside = !isSet("never-set-aside");
     return wishes;
 }
 
@@ -186,7 +186,8 @@ int watchCommand(const QStringList &arguments)
     addConnectionOptions(commandLine);
     const auto add = [&](const char *name, const char *help, const char *value = nullptr) {
         commandLine.addOption(
-            QCommandLineOption(QLatin1String(name), QLatin1String(help), QLatin1String(value)));
+            QCommandLineOption(QString(QLatin1String(name)).split(QLatin1Char(',')),
+                               QLatin1String(help), QLatin1String(value)));
     };
     add("csv",
         "Write time,name,address,value,quality,reason of each change to a file, behind what is "
@@ -200,7 +201,8 @@ int watchCommand(const QStringList &arguments)
     add("poll", "Begin a poll cycle no sooner than so long after the one before.", "ms");
     add("for", "End after so many seconds.", "seconds");
     add("stats", "Print what became of the exchanges, block by block, at the end.");
-    add("no-demotion", "Poll blocks that are given up three times in a row as often as others.");
+    add("never-set-aside,no-demotion",
+        "Poll blocks that are given up three times in a row as often as others.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     const QStringList addresses = commandLine.positionalArguments().mid(1);
     if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())

@@ -4,6 +4,7 @@
 #include "host/exchange/connection.h"
 #include "host/output/csv.h"
 #include "host/output/failure.h"
+#include "host/tags/tag_reader.h"
 #include "host/tags/tag_text.h"
 
 #include <QtCore/QTextStream>
@@ -149,8 +150,7 @@ int write(const CommandLine &commandLine)
         array.append(objectOf(driver, assignment, result));
         if (commandLine.asJson()) {
             if (!result.failure.isEmpty())
-                QTextStream(stderr)
-                    << "tolvane-host: " << assignment.tag.name << ": " << result.failure << '\n';
+                tell("%1: %2"_s.arg(assignment.tag.name, result.failure));
             continue;
         }
         out << columns.text(assignment.tag) << " = "
@@ -158,6 +158,21 @@ int write(const CommandLine &commandLine)
             << (result.failure.isEmpty() ? "acknowledged"_s : "FAILED: "_s + result.failure) << '\n'
             << Qt::flush;
     }
+    const QVector<TagReading> held = commandLine.isSet("verify"_s) && closed.isEmpty()
+                                         ? readTags(connection, tags)
+                                         : QVector<TagReading>();
+    for (int i = 0; i < int(held.size()); ++i) {
+        const QString difference = differenceText(tags[i], assignments[i].units, held[i]);
+        failed += difference.isEmpty() ? 0 : 1;
+        QJsonObject object = array[i].toObject();
+        object.insert("held"_s, valueArray(formatValues(tags[i], held[i].units)));
+        object.insert("alike"_s, difference.isEmpty());
+        array[i] = object;
+        if (!difference.isEmpty())
+            tell(difference);
+    }
+    if (!commandLine.asJson() && !held.isEmpty() && failed == 0)
+        out << "all read back alike\n";
     if (commandLine.asJson())
         printJson(QJsonDocument(array));
     return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
@@ -167,13 +182,15 @@ int write(const CommandLine &commandLine)
 
 int writeCommand(const QStringList &arguments)
 {
-    CommandLine commandLine("write"_s,
-                            "Writes values and waits until the controller has acknowledged each.\n"
-                            "Exit status 1 when the driver gave one up."_s);
+    CommandLine commandLine(
+        "write"_s,
+        "Writes values and waits until the controller has acknowledged each.\n"
+        "Exit status 1 when the driver gave one up, or one is read back otherwise."_s);
     commandLine.addPositionalArgument(
         "assignments"_s, "Such as D_W:100=5, M_bit:20.5=1, D_W:100x3=1,2,3 or D_W:200:float=1.5."_s,
         "ADDRESS=VALUE..."_s);
     addConnectionOptions(commandLine);
+    commandLine.addOption({"verify"_s, "Read every value back, and compare."_s});
     commandLine.addJsonOption("Print a JSON array, an object a tag.");
     commandLine.read(arguments, std::numeric_limits<int>::max());
     return write(commandLine);
