@@ -75,7 +75,7 @@ const host::Command Commands[] = {
      Json::Object,
      {},
      nullptr,
-     "serial pace timeout quiet listen",
+     "serial pace timeout grace listen",
      {{"exchanges", "Requests to send while the line is bad", "n", "100000"},
       {"faults",
        "Faults of replies and their shares, as tolvane-plc takes them; one of 100 requests gets "
@@ -129,17 +129,19 @@ const host::Command Commands[] = {
       {"poll", "Begin a poll cycle no sooner than so long after the one before", "ms"},
       {"for", "End after so many seconds", "seconds"},
       {"stats", "Print what became of the exchanges, block by block, at the end"},
-      {"no-demotion", "Poll blocks that are given up three times in a row as often as others"}}},
+      {"never-set-aside,no-demotion",
+       "Poll blocks that are given up three times in a row as often as others"}}},
     {"write",
      "values to addresses, and what came of each",
      "Writes values and waits until the controller has acknowledged each.\n"
-     "Exit status 1 when the driver gave one up.",
+     "Exit status 1 when the driver gave one up, or one is read back otherwise.",
      host::writeCommand,
      Json::Array,
      {{"ADDRESS=VALUE...",
        "Such as D_W:100=5, M_bit:20.5=1, D_W:100x3=1,2,3 or D_W:200:float=1.5."}},
      "nothing to write; expected ADDRESS=VALUE...",
-     ""},
+     "",
+     {{"verify", "Read every value back, and compare"}}},
 };
 
 QString usage()

@@ -31,7 +31,8 @@ CommandLine::CommandLine(const Command &command, const QStringList &arguments)
         const QString preset = QLatin1String(option.preset);
         const QString help = QLatin1String(option.help) +
                              (preset.isEmpty() ? "."_s : " (default: %1)."_s.arg(preset));
-        addOption({QLatin1String(option.name), help, QLatin1String(option.value), preset});
+        addOption({QString(QLatin1String(option.name)).split(QLatin1Char(',')), help,
+                   QLatin1String(option.value), preset});
     }
     if (command.json != Json::None)
         addOption({"json"_s, "Print %1."_s.arg(command.json == Json::Object  ? "a JSON object"_s

@@ -13,7 +13,7 @@ enum class Json { None, Object, Array, Lines };
 
 struct Option
 {
-    const char *name;
+    const char *name;              ///< or several, with commas between
     const char *help;              ///< a full stop, and the default, are put behind it
     const char *value = nullptr;   ///< what it is called in the help; null: it takes none
     const char *preset = nullptr;  ///< its default

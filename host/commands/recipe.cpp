@@ -97,9 +97,9 @@ int push(Connection &connection, const QString &path, bool asJson)
     JsonLines json;
     int differing = 0;
     for (int i = 0; i < int(wanted.size()); ++i) {
-        const RecipeRow &row = recipe.rows[i];
-        const Tag &tag = row.tag;
-        const bool alike = found[i] == wanted[i];
+        const Tag &tag = recipe.rows[i].tag;
+        const QString difference = differenceText(tag, wanted[i], {found[i], failure});
+        const bool alike = difference.isEmpty();
         differing += alike ? 0 : 1;
         if (asJson) {
             QJsonObject object = readingObject(connection, tag, {found[i], failure});
@@ -107,11 +107,8 @@ int push(Connection &connection, const QString &path, bool asJson)
             object.insert("alike"_s, alike);
             json.write(object);
         }
-        if (asJson || alike)
-            continue;
-        out << row.address << ": wrote " << row.values.join(QLatin1Char(','))
-            << ", the controller holds " << formatValues(tag, found[i]).join(QLatin1Char(','))
-            << '\n';
+        if (!asJson && !alike)
+            out << difference << '\n';
     }
     if (!asJson)
         out << wanted.size() - differing << " of " << wanted.size()

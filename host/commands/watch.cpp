@@ -96,7 +96,7 @@ Wishes readWishes(const QCommandLineParser &parser)
         wishes.duration = durationOption(parser.value("for"_s));
     wishes.watch.poll = intervalOption(parser, "poll");
     wishes.watch.every = intervalOption(parser, "every");
-    wishes.watch.setAside = !isSet("no-demotion");
+    wishes.watch.setAside = !isSet("never-set-aside");
     return wishes;
 }
 

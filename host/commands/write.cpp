@@ -3,6 +3,7 @@
 #include "host/exchange/connection.h"
 #include "host/output/csv.h"
 #include "host/output/failure.h"
+#include "host/tags/tag_reader.h"
 #include "host/tags/tag_text.h"
 
 #include <QtCore/QTextStream>
@@ -144,8 +145,7 @@ int writeCommand(const CommandLine &commandLine)
         array.append(objectOf(driver, assignment, result));
         if (commandLine.asJson()) {
             if (!result.failure.isEmpty())
-                QTextStream(stderr)
-                    << "tolvane-host: " << assignment.tag.name << ": " << result.failure << '\n';
+                tell("%1: %2"_s.arg(assignment.tag.name, result.failure));
             continue;
         }
         out << columns.text(assignment.tag) << " = "
@@ -153,6 +153,21 @@ int writeCommand(const CommandLine &commandLine)
             << (result.failure.isEmpty() ? "acknowledged"_s : "FAILED: "_s + result.failure) << '\n'
             << Qt::flush;
     }
+    const QVector<TagReading> held = commandLine.isSet("verify"_s) && closed.isEmpty()
+                                         ? readTags(connection, tags)
+                                         : QVector<TagReading>();
+    for (int i = 0; i < int(held.size()); ++i) {
+        const QString difference = differenceText(tags[i], assignments[i].units, held[i]);
+        failed += difference.isEmpty() ? 0 : 1;
+        QJsonObject object = array[i].toObject();
+        object.insert("held"_s, valueArray(formatValues(tags[i], held[i].units)));
+        object.insert("alike"_s, difference.isEmpty());
+        array[i] = object;
+        if (!difference.isEmpty())
+            tell(difference);
+    }
+    if (!commandLine.asJson() && !held.isEmpty() && failed == 0)
+        out << "all read back alike\n";
     if (commandLine.asJson())
         printJson(QJsonDocument(array));
     return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;

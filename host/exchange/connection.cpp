@@ -63,6 +63,8 @@ void Connection::open(Purpose purpose)
 
 QString Connection::tryToOpen(Purpose purpose)
 {
+    if (m_line && m_line->isOpen())
+        return QString();
     try {
         open(purpose);
     } catch (const Failure &failure) {

@@ -35,7 +35,8 @@ public:
      */
     void open(Purpose purpose);
 
-    /** As open(), but returns why a line that is named could not be opened; empty: it is open. */
+    /** As open(), unless it is; returns why a line that is named could not be; empty: it is open.
+     */
     QString tryToOpen(Purpose purpose);
 
     const Driver &driver() const { return m_driver; }

@@ -43,8 +43,9 @@ void addConnectionOptions(QCommandLineParser &parser, const QStringList &names)
 {
     const auto add = [&](const char *name, const char *help, const char *value = nullptr,
                          const char *preset = nullptr) {
-        if (names.isEmpty() || names.contains(QLatin1String(name)))
-            parser.addOption(QCommandLineOption(QLatin1String(name), QLatin1String(help),
+        const QStringList spellings = QString(QLatin1String(name)).split(QLatin1Char(','));
+        if (names.isEmpty() || names.contains(spellings.first()))
+            parser.addOption(QCommandLineOption(spellings, QLatin1String(help),
                                                 QLatin1String(value), QLatin1String(preset)));
     };
     add("port", "The serial port, or pseudo-terminal, that leads to the controller.", "device");
@@ -65,7 +66,7 @@ void addConnectionOptions(QCommandLineParser &parser, const QStringList &names)
         "words", "64");
     add("timeout", "How long the controller may think, in milliseconds (default: 500).", "ms",
         "500");
-    add("quiet",
+    add("grace,quiet",
         "How much later than the time-out a reply may still come: after a failure so much silence "
         "proves that none is coming (default: the time-out).",
         "ms");
@@ -105,8 +106,8 @@ LoopSettings loopOptions(const QCommandLineParser &parser)
 {
     LoopSettings loop;
     loop.replyTimeout = timeOption(parser, "timeout", 1);
-    if (parser.isSet(optionName("quiet")))
-        loop.quietTime = timeOption(parser, "quiet", 1);
+    if (parser.isSet(optionName("grace")))
+        loop.quietTime = timeOption(parser, "grace", 1);
     loop.listenFirst = timeOption(parser, "listen", 0);
     return loop;
 }

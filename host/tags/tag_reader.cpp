@@ -53,6 +53,18 @@ QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags)
     return readings;
 }
 
+QString differenceText(const Tag &tag, const QVector<int> &written, const TagReading &held)
+{
+    if (!held.error.isEmpty())
+        return "%1: not read back: %2"_s.arg(tag.name, held.error);
+    const auto text = [&](const QVector<int> &units) {
+        return formatValues(tag, units).join(QLatin1Char(','));
+    };
+    return held.units == written ? QString()
+                                 : "%1: wrote %2, the controller holds %3"_s.arg(
+                                       tag.name, text(written), text(held.units));
+}
+
 QJsonObject readingObject(const Connection &connection, const Tag &tag, const TagReading &reading)
 {
     const bool good = reading.error.isEmpty();
