@@ -38,8 +38,11 @@ install(FILES
 # What a package says of itself, where Debian's policy looks for it.
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link/docs FILES_MATCHING
-    PATTERN "*.md" PATTERN "*.svg" PATTERN "*.csv"
+    PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN "*.csv"
     PATTERN "*.service")
+
+install(DIRECTORY examples/panel DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link/examples
+    COMPONENT development)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tolvane-link)
