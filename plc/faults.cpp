@@ -16,9 +16,14 @@ constexpr int LongestMs = 3600 * 1000;
 const std::array<const char *, FaultCount> names = {"loss",   "cut",   "flip", "late",
                                                     "double", "noise", "mute"};
 
-bool hasTime(Fault fault)
+bool needsTime(Fault fault)
 {
     return fault == Fault::Late || fault == Fault::Mute;
+}
+
+bool mayHaveTime(Fault fault)
+{
+    return needsTime(fault) || fault == Fault::Double;
 }
 
 /** Reads "12.5%" in millionths, up to four decimals; -1 when it is none. */
@@ -72,13 +77,13 @@ QString parseShare(const QString &text, FaultPlan *plan)
     if (share.ofMillion != 0)
         return "\"%1\" is named twice"_s.arg(faultText);
     share.ofMillion = ofMillion;
-    if (hasTime(fault) == timeText.isEmpty()) {
-        return hasTime(fault)
+    if (timeText.isEmpty() ? needsTime(fault) : !mayHaveTime(fault)) {
+        return needsTime(fault)
                    ? "\"%1\" lacks its time, expected one like %2=1%:300ms"_s.arg(
                          text, QLatin1String(*name))
                    : "\"%1\" has a time, expected none: %2=1%"_s.arg(text, QLatin1String(*name));
     }
-    if (!hasTime(fault))
+    if (timeText.isEmpty())
         return QString();
     share.ms = readTime(timeText.section(".."_s, 0, 0));
     share.longestMs = readTime(timeText.section(".."_s, -1));
@@ -169,7 +174,7 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
         case Fault::Late:
             return {{lastsMs, reply}};
         case Fault::Double:
-            return {{0, reply}, {0, reply}};
+            return {{0, reply}, {lastsMs, reply}};
         case Fault::Noise:
             for (int count = 1 + dice.roll(8); count > 0; --count)
                 bytes.prepend(char(dice.roll(256)));

@@ -15,7 +15,7 @@ enum class Fault {
     Cut,     ///< only the first part of the reply
     Flip,    ///< one bit of the reply turned over
     Late,    ///< the whole reply, but later
-    Double,  ///< the reply twice, one after the other
+    Double,  ///< the reply twice, one after the other, or the copy so much later
     Noise,   ///< 1 to 8 random bytes before the reply
     Mute,    ///< neither this reply nor any other for a while
 };
@@ -24,13 +24,13 @@ constexpr int FaultCount = int(Fault::Mute) + 1;
 /** The fault as written in a plan, such as "loss". */
 const char *faultName(Fault fault);
 
-/** How often each fault happens and, for Late and Mute, how long it lasts. */
+/** How often each fault happens and, for Late, Double and Mute, how long it lasts. */
 struct FaultPlan
 {
     struct Share
     {
         int ofMillion = 0;  ///< replies that meet the fault
-        int ms = 0;         ///< delay of Late, silence of Mute: at least
+        int ms = 0;         ///< delay of Late and of a copy, silence of Mute: at least
         int longestMs = 0;  ///< and at most; each length is as likely
     };
     std::array<Share, FaultCount> shares{};
@@ -38,8 +38,8 @@ struct FaultPlan
     /**
      * Reads a list such as "loss=2%,late=0.5%:300ms,mute=0.1%:2s" into `*plan`. Shares have up to
      * four decimals and add up to 100 % at most; late and mute need a time of 1 ms to 1 h, or two
-     * with ".." between: any time from the first to the second. Returns an empty text, or what is
-     * wrong; the plan is then of no use.
+     * with ".." between: any time from the first to the second; double may have one. Returns an
+     * empty text, or what is wrong; the plan is then of no use.
      */
     static QString parse(const QString &list, FaultPlan *plan);
 };

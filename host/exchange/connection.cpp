@@ -12,12 +12,10 @@
 
 namespace host {
 
-using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 namespace {
 
-constexpr milliseconds IdlePause(5);
 constexpr seconds LostLinePatience(10);
 
 Driver driverOf(const QCommandLineParser &parser)
@@ -49,9 +47,9 @@ void Connection::open(Purpose purpose)
         throw Failure("no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate"_s,
                       BadInput);
     m_line = makeLine();
-    m_reopening = std::make_unique<Reopening>(*m_line, m_place);
-    m_reopening->say = [this](const QString &text) { say(text); };
     m_loop = std::make_unique<Loop>(m_driver, *m_line, m_options.loop);
+    m_loop->place = m_place;
+    m_loop->say = [this](const QString &text) { say(text); };
     m_loop->observer = [this](const Exchange &exchange) {
         trace(exchange);
         if (exchange.outcome == Outcome::GivenUp)
@@ -101,16 +99,6 @@ std::unique_ptr<Line> Connection::makeLine()
             "talking to a simulated controller on %1"_s.arg(m_place));
     }
     return std::make_unique<SerialLine>(m_place, m_options.pace);
-}
-
-Outcome Connection::step()
-{
-    if (!m_reopening->ready())
-        return Outcome::LineLost;
-    const Outcome outcome = m_loop->exchange();
-    if (outcome == Outcome::Idle)
-        m_line->pause(IdlePause);
-    return outcome;
 }
 
 QStringList Connection::finish()

@@ -1,5 +1,4 @@
 // Watching in simulated time: what becomes of values, counts and logs when the line misbehaves.
-#include "host/exchange/reopening.h"
 #include "host/line/virtual_line.h"
 #include "host/watch/watch.h"
 
@@ -40,7 +39,6 @@ struct Story
         : driver(loadDriver(DRIVER_LIBRARY)),
           session(driver, SessionSettings()),
           line(stillLine()),
-          reopening(line, "it"),
           loop(driver, line, LoopSettings()),
           watch(driver, session, parseTags(driver, identify(driver), Tags, 1), withFloor(settings))
     {
@@ -56,7 +54,7 @@ struct Story
                     texts.insert(value.name + QLatin1Char('=') + value.text);
             }
         };
-        watch.say = reopening.say = [this](const QString &text) { said += text; };
+        watch.say = loop.say = [this](const QString &text) { said += text; };
         loop.observer = [this](const Exchange &exchange) { watch.take(exchange, line.now()); };
         line.open();
     }
@@ -78,7 +76,7 @@ struct Story
     void run(int length, QMap<int, Action> actions = {})
     {
         const auto step = [this] {
-            return reopening.ready() ? loop.exchange() : Outcome::LineLost;
+            return loop.step();
         };
         const auto act = [&] {
             while (!actions.isEmpty() && line.now() >= seconds(actions.firstKey()))
@@ -91,7 +89,6 @@ struct Story
     Driver driver;
     Session session;
     LineWithDeadAddress line;
-    Reopening reopening;
     Loop loop;
     Watch watch;
     QMap<QString, QString> events;  // names by second and quality
