@@ -24,6 +24,7 @@ namespace {
 const char DefaultFaults[] =
     "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s";
 constexpr int LostRequests = 10000;  // of a million
+constexpr int Standstills = 20000;
 
 qint64 wholeNumber(const CommandLine &commandLine, const char *option, qint64 lowest,
                    qint64 highest)
@@ -71,6 +72,7 @@ int soakSimulated(const SoakRun &run, const Driver &driver, const Identity &iden
     settings.line.baud = run.pace.none ? 0 : run.pace.settings.baudRate;
     settings.faults = run.faults;
     settings.lostRequests = LostRequests;
+    settings.standstills = Standstills;
     settings.seed = run.setup.seed;
     settings.moving = false;
     VirtualLine line(settings);
@@ -163,7 +165,8 @@ int soakCommand(const QStringList &arguments)
          "100000"_s},
         {"faults"_s,
          "Faults of replies and their shares, as tolvane-plc takes them (default: "
-         "%1). One of 100 requests gets lost besides."_s.arg(QLatin1String(DefaultFaults)),
+         "%1). One of 100 requests gets lost besides, and at two the host stands still, for up to 50 ms."_s
+             .arg(QLatin1String(DefaultFaults)),
          "list"_s, QLatin1String(DefaultFaults)},
         {"seed"_s, "Start of all dice (default: 1)."_s, "n"_s, "1"_s},
         {"overwrite"_s, "Allow random values in that controller: D 50-249, M 8-23, TX 16-135."_s},

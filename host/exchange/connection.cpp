@@ -8,6 +8,8 @@
 
 #include <QtCore/QTextStream>
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace host {
@@ -52,6 +54,8 @@ void Connection::open(Purpose purpose)
     m_loop->say = [this](const QString &text) { say(text); };
     m_loop->observer = [this](const Exchange &exchange) {
         trace(exchange);
+        m_proven = exchange.earlier.step == Step::Proven;
+        m_outOfStep = m_outOfStep || exchange.earlier.step > Step::Proven;
         if (exchange.outcome == Outcome::GivenUp)
             m_givenUp.append(faultsText(exchange.tries));
         if (observer)
@@ -99,6 +103,20 @@ std::unique_ptr<Line> Connection::makeLine()
             "talking to a simulated controller on %1"_s.arg(m_place));
     }
     return std::make_unique<SerialLine>(m_place, m_options.pace);
+}
+
+bool Connection::prove(const Point &near)
+{
+    constexpr int Attempts = 3;
+    const auto notify = std::exchange(observer, nullptr);
+    m_proven = false;
+    for (int i = 0; i < Attempts && !m_proven; ++i) {
+        m_session->readOnce(provingPart(near, m_loop->provingWords()));
+        if (!finish().isEmpty())
+            break;
+    }
+    observer = notify;
+    return !std::exchange(m_outOfStep, false) && m_proven;
 }
 
 QStringList Connection::finish()

@@ -63,6 +63,15 @@ public:
     /** One step of the loop; that the line is gone and that it is back is said once. */
     Outcome step() { return m_loop->step(); }
 
+    /** See Loop::wantedWords(). */
+    int wantedWords() const { return m_loop->wantedWords(); }
+
+    /**
+     * Reads a word or two at the point, which proves the exchanges since the call before this one.
+     * Returns false when one of their replies may have been another request's, or no proof comes.
+     */
+    bool prove(const Point &near);
+
     /**
      * Goes on until the driver has nothing left to send. Returns why the requests failed that it
      * gave up. Throws Failure when a lost line stays away.
@@ -84,6 +93,8 @@ private:
     std::unique_ptr<Loop> m_loop;
     QString m_place;  // what the line leads to, for messages
     QStringList m_givenUp;
+    bool m_outOfStep = false;  // since the last proof
+    bool m_proven = false;
 };
 
 }  // namespace host

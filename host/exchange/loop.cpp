@@ -36,6 +36,8 @@ LoopCounters LoopCounters::operator-(const LoopCounters &earlier) const
     difference.retries = retries - earlier.retries;
     difference.errors = errors - earlier.errors;
     difference.refused = refused - earlier.refused;
+    difference.doubted = doubted - earlier.doubted;
+    difference.askedTwice = askedTwice - earlier.askedTwice;
     difference.bytesSent = bytesSent - earlier.bytesSent;
     difference.bytesReceived = bytesReceived - earlier.bytesReceived;
     difference.wordsRead = wordsRead - earlier.wordsRead;
@@ -178,10 +180,12 @@ void Loop::settleLine(bool sameRequest)
                 break;
             m_guard.setAside(reply, m_owed);
         }
-        if (whole < int(stale.size()) || whole == MostKept)
+        if (whole < int(stale.size()) || whole == MostKept) {
+            m_guard.missed();
             until = std::max<LineTime>(until, m_line.now() + m_settings.quietTime);
-        else if (m_owed)
+        } else if (m_owed) {
             noteLateness();
+        }
     }
 }
 
@@ -276,6 +280,7 @@ void Loop::sortReplies()
         } else if (m_exchange.reply.isEmpty()) {
             m_exchange.reply = reply;
             m_proven = m_guard.proven();
+            m_counters.doubted += !m_proven;
         } else if (m_exchange.reply != reply && !std::exchange(m_differing, true)) {
             m_guard.setAside(m_exchange.reply, m_owed);
         }
@@ -288,9 +293,12 @@ LineTime Loop::patience(LineTime lastCame) const
 {
     const int replyLen = m_exchange.frame.replyLen;
     if (m_exchange.reply.isEmpty()) {
-        // What is early is somebody else's, and nobody knows of what length: to its end, then.
-        const bool open = beginsReply(m_arriving, 0) && m_guard.early();
-        return int(m_arriving.size()) >= replyLen && !open ? LineTime(0) : m_replyUntil;
+        if (int(m_arriving.size()) < replyLen)
+            return m_replyUntil;
+        if (!beginsReply(m_arriving, 0))
+            return LineTime(0);
+        // A longer one, somebody else's: to its end, then.
+        return std::min<LineTime>(m_replyUntil, lastCame + Moment);
     }
     const LineTime until = m_proven ? LineTime(0) : m_guard.listenUntil();
     if (!beginsReply(m_arriving, 0))

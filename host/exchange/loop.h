@@ -74,6 +74,7 @@ struct LoopCounters
     int retries = 0;     ///< requests that were to be sent again
     int errors = 0;      ///< requests given up
     int refused = 0;     ///< whole replies that could not be the answer
+    int doubted = 0;     ///< exchanges that listened on for another reply
     int askedTwice = 0;  ///< read steps that were sent once more, to make sure
     qint64 bytesSent = 0;
     qint64 bytesReceived = 0;  ///< stale bytes and refused replies not included
@@ -121,9 +122,10 @@ public:
 
     const LoopCounters &counters() const { return m_counters; }
 
-    /** Accepted replies have waited for their proof: a read of provingWords() would bring it. */
-    bool lengthWanted() const { return m_guard.lengthWanted(m_line.now()); }
+    /** Words, 1 or 2, whose read would prove the replies accepted so far. */
     int provingWords() const { return m_guard.provingWords(); }
+    /** The same when they have waited long enough for their proof, else 0. */
+    int wantedWords() const { return m_guard.lengthWanted(m_line.now()) ? provingWords() : 0; }
 
 private:
     bool reopen();

@@ -124,16 +124,18 @@ void StepGuard::accept(const QByteArray &reply, bool proven, LineTime now)
 StepGuard::Verdict StepGuard::verdict()
 {
     const Verdict verdict{m_found, m_foundSince};
+    m_everProven = m_everProven || m_found == Step::Proven;
     if (m_found > Step::Proven && m_since && *m_since == m_foundSince)
         m_since.reset();  // the exchange itself came to nothing
     m_found = Step::Unproven;
     return verdict;
 }
 
+// The very first is wanted at once: nobody is to wait for his first value.
 bool StepGuard::lengthWanted(LineTime now) const
 {
-    return m_since && now - *m_since >=
-                          std::max<LineTime>(ProveEvery, LinePartToProve * m_travel(ProvingBytes));
+    const LineTime every = std::max<LineTime>(ProveEvery, LinePartToProve * m_travel(ProvingBytes));
+    return m_since && (!m_everProven || now - *m_since >= every);
 }
 
 int StepGuard::provingWords() const

@@ -110,6 +110,7 @@ private:
     LineTime m_foundSince{0};
     bool m_strangers = false;  // since the last accepted one
     bool m_disturbed = false;  // there were some, ever
+    bool m_everProven = false;
 };
 
 }  // namespace host

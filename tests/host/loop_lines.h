@@ -64,22 +64,23 @@ public:
             const int bit = i / 20 % 2;
             if (writes && i % 20 == 10)
                 m_session.write({1, "M_bit", 16 * 40 + 14, 4, true}, {bit, !bit, bit, !bit});
-            if (loop.lengthWanted() && !std::exchange(m_proving, true))
-                m_session.readOnce(provingPart(words("D_W", 0, 1), loop.provingWords()));
+            const int wanted = loop.wantedWords();
+            if (wanted > 0 && !std::exchange(m_proving, true))
+                m_session.readOnce(provingPart(words("D_W", 0, 1), wanted));
             loop.exchange();
         }
     }
 
     VirtualLine line;
     Loop loop;
-    bool writes = true;
+    bool writes = true;   ///< else there are replies of one length alone
     int wrongValues = 0;  ///< replies with a value of another address
-    int wrongOld = 0;
-    int wrongProven = 0;
-    int lost = 0;
-    int unsure = 0;
-    int wrongAcks = 0;    ///< acknowledged writes that the controller does not hold
-    int wrongBits = 0;    ///< exchanges behind which bits have changed that nobody writes
+    int wrongOld = 0;     ///< of these, a second behind the first
+    int wrongProven = 0;  ///< of these, said to be right
+    int timesLost = 0;    ///< verdicts
+    int timesUnsure = 0;
+    int wrongAcks = 0;  ///< acknowledged writes that the controller does not hold
+    int wrongBits = 0;  ///< exchanges behind which bits have changed that nobody writes
 
 private:
     static quint16 valueOf(int word) { return quint16(word * 7 + 1); }
@@ -91,8 +92,8 @@ private:
         if (exchange.earlier.step != Step::Unproven) {
             if (exchange.earlier.step == Step::Proven)
                 wrongProven += m_wrongUnproven;
-            lost += exchange.earlier.step == Step::Lost;
-            unsure += exchange.earlier.step == Step::Unsure;
+            timesLost += exchange.earlier.step == Step::Lost;
+            timesUnsure += exchange.earlier.step == Step::Unsure;
             m_wrongUnproven = 0;
         }
         if (exchange.outcome != Outcome::Good || item.regName != QLatin1String("D_W"))
