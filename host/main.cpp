@@ -79,7 +79,7 @@ const host::Command Commands[] = {
      {{"exchanges", "Requests to send while the line is bad", "n", "100000"},
       {"faults",
        "Faults of replies and their shares, as tolvane-plc takes them; one of 100 requests gets "
-       "lost besides",
+       "lost besides, and at two the host stands still, for up to 50 ms",
        "list", SoakFaults},
       {"seed", "Start of all dice", "n", "1"}}},
     {"read",

@@ -16,14 +16,15 @@ constexpr int LongestMs = 3600 * 1000;
 
 struct Kind
 {
+    Fault fault;
     const char *name;
     const char *usual;
     const char *effect;
 
-    bool hasTime() const { return std::strchr(usual, ':') != nullptr; }
+    bool needsTime() const { return std::strchr(usual, ':') != nullptr; }
 };
 
-#define PLC_FAULT_KIND(name, text, usual, effect) {text, usual, effect},
+#define PLC_FAULT_KIND(name, text, usual, effect) {Fault::name, text, usual, effect},
 const std::array<Kind, FaultCount> kinds = {{PLC_FAULTS(PLC_FAULT_KIND)}};
 
 /** Reads "12.5%" in millionths, up to four decimals; -1 when it is none. */
@@ -78,13 +79,14 @@ QString parseShare(const QString &text, FaultPlan *plan)
     if (share.ofMillion != 0)
         return "\"%1\" is named twice"_s.arg(faultText);
     share.ofMillion = ofMillion;
-    if (kind->hasTime() == timeText.isEmpty()) {
-        return kind->hasTime() ? "\"%1\" lacks its time, expected one like %2=1%:300ms"_s.arg(
-                                     text, QLatin1String(kind->name))
-                               : "\"%1\" has a time, expected none: %2=1%"_s.arg(
-                                     text, QLatin1String(kind->name));
+    const bool mayHaveTime = kind->needsTime() || kind->fault == Fault::Double;
+    if (timeText.isEmpty() ? kind->needsTime() : !mayHaveTime) {
+        return kind->needsTime() ? "\"%1\" lacks its time, expected one like %2=1%:300ms"_s.arg(
+                                       text, QLatin1String(kind->name))
+                                 : "\"%1\" has a time, expected none: %2=1%"_s.arg(
+                                       text, QLatin1String(kind->name));
     }
-    if (!kind->hasTime())
+    if (timeText.isEmpty())
         return QString();
     share.ms = readTime(timeText.section(".."_s, 0, 0));
     share.longestMs = readTime(timeText.section(".."_s, -1));
@@ -188,7 +190,7 @@ QVector<Transmission> Faults::transmit(const QByteArray &reply, qint64 nowMs)
         case Fault::Late:
             return {{lastsMs, reply}};
         case Fault::Double:
-            return {{0, reply}, {0, reply}};
+            return {{0, reply}, {lastsMs, reply}};
         case Fault::Noise:
             for (int count = 1 + dice.roll(8); count > 0; --count)
                 bytes.prepend(char(dice.roll(256)));

@@ -20,7 +20,7 @@ namespace plc {
     FAULT(Cut,    "cut",    "1%",       "only its first part is sent") \
     FAULT(Flip,   "flip",   "1%",       "one of its bits is turned") \
     FAULT(Late,   "late",   "1%:300ms", "it is sent later by a time (ms or s, or 2s..5s)") \
-    FAULT(Double, "double", "1%",       "it is sent twice") \
+    FAULT(Double, "double", "1%",       "it is sent twice; with a time, the copy so much later") \
     FAULT(Noise,  "noise",  "1%",       "1 to 8 random bytes go before it") \
     FAULT(Mute,   "mute",   "0.1%:2s",  "no reply is sent for a time, beginning with this one")
 // clang-format on
@@ -36,13 +36,13 @@ const char *faultName(Fault fault);
 /** A plan with all faults, and a line for each that says what it does, for a help text. */
 QString faultsHelp();
 
-/** How often each fault happens and, for Late and Mute, how long it lasts. */
+/** How often each fault happens and, for Late, Double and Mute, how long it lasts. */
 struct FaultPlan
 {
     struct Share
     {
         int ofMillion = 0;  ///< replies that meet the fault
-        int ms = 0;         ///< delay of Late, silence of Mute: at least
+        int ms = 0;         ///< delay of Late and of a copy, silence of Mute: at least
         int longestMs = 0;  ///< and at most; each length is as likely
     };
     std::array<Share, FaultCount> shares{};
@@ -50,8 +50,8 @@ struct FaultPlan
     /**
      * Reads a list such as "loss=2%,late=0.5%:300ms,mute=0.1%:2s" into `*plan`. Shares have up to
      * four decimals and add up to 100 % at most; late and mute need a time of 1 ms to 1 h, or two
-     * with ".." between: any time from the first to the second. Returns an empty text, or what is
-     * wrong; the plan is then of no use.
+     * with ".." between: any time from the first to the second; double may have one. Returns an
+     * empty text, or what is wrong; the plan is then of no use.
      */
     static QString parse(const QString &list, FaultPlan *plan);
 };

@@ -10,9 +10,6 @@ namespace {
 constexpr qint64 NsPerMs = 1000000;
 constexpr qint64 NsPerSecond = 1000 * NsPerMs;
 
-// Bytes reach a host in pieces like those that a UART's buffer hands over.
-constexpr int PieceBytes = 16;
-
 // A request whose bytes stop coming for so long is given up.
 constexpr qint64 SilenceNs = NsPerSecond;
 
@@ -27,7 +24,8 @@ Pacing::Pacing(Controller &controller, Faults &faults, const LineSettings &setti
     : m_controller(controller),
       m_faults(faults),
       m_byteNs(settings.baud > 0 ? 10 * NsPerSecond / settings.baud : 0),
-      m_turnaroundNs(settings.turnaroundMs * NsPerMs)
+      m_turnaroundNs(settings.turnaroundMs * NsPerMs),
+      m_pieceBytes(settings.pieceBytes)
 {
 }
 
@@ -80,7 +78,7 @@ QByteArray Pacing::transmit(qint64 nowNs)
             head.sent = left;
         }
         if (left < size) {
-            const qint64 nextPieceNs = head.startNs + m_byteNs * qMin(size, left + PieceBytes);
+            const qint64 nextPieceNs = head.startNs + m_byteNs * qMin(size, left + m_pieceBytes);
             m_nextNs = m_nextNs < 0 ? nextPieceNs : qMin(m_nextNs, nextPieceNs);
             break;
         }

@@ -14,6 +14,7 @@ struct LineSettings
 {
     int baud = 0;          ///< bits a second, 10 bits a byte; 0: bytes take no time
     int turnaroundMs = 0;  ///< from the end of a request to the start of its reply
+    int pieceBytes = 16;   ///< bytes of a reply that are handed over at a time
 };
 
 /**
@@ -49,6 +50,7 @@ private:
     Faults &m_faults;
     qint64 m_byteNs;
     qint64 m_turnaroundNs;
+    int m_pieceBytes;
     qint64 m_inputEndNs = 0;       ///< when the last byte taken in has arrived
     qint64 m_outputEndNs = 0;      ///< when the last transmission finished has left
     qint64 m_silenceNs = -1;       ///< when the request under way is given up, or -1

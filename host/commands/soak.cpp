@@ -13,6 +13,7 @@ namespace host {
 namespace {
 
 constexpr int LostRequests = 10000;  // of a million
+constexpr int Standstills = 20000;
 constexpr int MostExchanges = 1000000000;
 
 }  // namespace
@@ -36,6 +37,7 @@ int soakCommand(const CommandLine &commandLine)
         throw Failure("--faults: %1"_s.arg(wrong), BadInput);
     settings.line.baud = pace.none ? 0 : pace.settings.baudRate;
     settings.lostRequests = LostRequests;
+    settings.standstills = Standstills;
     settings.seed = setup.seed;
     settings.moving = false;
     VirtualLine line(settings);

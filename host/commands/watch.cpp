@@ -135,10 +135,7 @@ LineTime poll(Connection &connection, Watch &watch, LineTime duration,
         }
         return !interrupted();
     };
-    connection.observer = [&](const Exchange &exchange) {
-        if (!interrupted())  // it was cut short, and failed for no other reason
-            watch.take(exchange, line.now());
-    };
+    connection.observer = [&](const Exchange &exchange) { watch.take(exchange, line.now()); };
     watch.run(
         line, [&] { return connection.step(); }, duration, goOn);
     connection.observer = nullptr;
@@ -187,12 +184,16 @@ int watchCommand(const CommandLine &commandLine)
         catchHangUps();
     connection.open(Purpose::Reading);
     std::optional<Screen> screen;
-    watch.report = [&](const QVector<int> &which, LineTime at) {
+    const auto timeOf = [&](LineTime at) {
         const auto ago = std::chrono::duration_cast<milliseconds>(connection.line().now() - at);
-        const QDateTime time = QDateTime::currentDateTimeUtc().addMSecs(-ago.count());
-        for (ValueLog &log : logs)
-            log.write(watch.values().all(), which, time);
+        return QDateTime::currentDateTimeUtc().addMSecs(-ago.count());
     };
+    watch.report = [&](const QVector<WatchedValue> &values, LineTime at) {
+        for (ValueLog &log : logs)
+            log.write(values, timeOf(at));
+    };
+    watch.momentText = [&](LineTime at) { return timeText(timeOf(at), connection.zone()); };
+    watch.wantedWords = [&] { return connection.wantedWords(); };
     connection.say = watch.say = [&](const QString &text) {
         if (screen)
             screen->makeRoom();

@@ -12,6 +12,8 @@ namespace host {
 
 namespace {
 
+const QString MayHold = "; not acknowledged; the controller may hold it"_s;
+
 struct Assignment
 {
     Tag tag;
@@ -81,14 +83,19 @@ Result carry(Connection &connection, const Assignment &assignment)
         // Several bits are written into words that were read for it: that read writes nothing.
         const bool acknowledged =
             exchange.outcome == Outcome::Good && exchange.frame.readCount == 0;
-        if (acknowledged || exchange.outcome == Outcome::GivenUp)
+        if (acknowledged)
+            result.pieces.append({blockOf(exchange.frame.var), QString()});
+        else if (exchange.outcome == Outcome::GivenUp)
             result.pieces.append({blockOf(exchange.frame.var),
-                                  acknowledged ? QString() : faultsText(exchange.tries)});
+                                  faultsText(exchange.tries) +
+                                      (exchange.frame.readCount > 0 ? QString() : MayHold)});
     };
     connection.session().write(assignment.tag.point, assignment.units);
     QString lost;
     try {
-        connection.finish();
+        if (connection.finish().isEmpty() && !connection.prove(assignment.tag.point))
+            for (Piece &piece : result.pieces)
+                piece.failure = "out of step" + MayHold;
     } catch (const Failure &failure) {
         lost = failure.text();
     }

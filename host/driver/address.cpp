@@ -90,6 +90,17 @@ Point blockOf(const VARIABLE &item)
     return block;
 }
 
+Point provingPart(const Point &point, int words)
+{
+    // Two words begin one below the point's first: above it the type may end.
+    const int unitsPerWord = point.isBit ? BitsPerWord : 1;
+    const int word = point.address / unitsPerWord;
+    Point part = point;
+    part.address = std::max(0, word - (words - 1)) * unitsPerWord;
+    part.count = (words - 1) * unitsPerWord + 1;
+    return part;
+}
+
 Part partInside(const Point &point, const Point &block)
 {
     if (point.stationNo != block.stationNo ||

@@ -58,6 +58,9 @@ QString memoryArea(const QString &regName);
 /** Units of the point to one of the block: 16 for bits "M_bit" in words "M_W", else 1. */
 int unitsPerUnit(const Point &point, const Point &block);
 
+/** So many words, 1 or 2, from a part of the point or beside it, inside the type's range. */
+Point provingPart(const Point &point, int words);
+
 /** What a request of the driver reads or writes, as a point; bit addresses are not marked. */
 Point blockOf(const VARIABLE &item);
 

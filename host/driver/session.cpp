@@ -13,7 +13,6 @@ namespace host {
 namespace {
 
 constexpr int RecipeUnits = 65536;
-constexpr int ConditionReadKind = 3;  // kinds only travel with the frames, for traces
 
 int bytesPerUnit(const Point &point)
 {
@@ -148,10 +147,24 @@ void Session::request(int position)
     m_shared[static_cast<size_t>(position)] = 1;
 }
 
-bool Session::recipeBusy() const
+bool Session::isRequested(int position) const
 {
     const QMutexLocker locker(&m_mutex);
-    return m_shared[RecipeWriteRequest] || m_shared[RecipeReadRequest];
+    return m_shared[static_cast<size_t>(position)] != 0;
+}
+
+bool Session::recipeBusy() const
+{
+    return isRequested(RecipeWriteRequest) || isRequested(RecipeReadRequest);
+}
+
+// The frames of a recipe carry the kind of whatever was sent before them.
+bool Session::isReadStep(const FRAME_PRO &frame)
+{
+    const int kind = frame.var.kind;
+    const bool isWrite = kind >= WriteKind && kind != ConditionReadKind && kind != CyclicReadKind;
+    return frame.readCount > 0 &&
+           (isWrite || (s_session && s_session->isRequested(RecipeWriteRequest)));
 }
 
 void Session::setRecipeUnit(int unit, int value)

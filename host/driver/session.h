@@ -68,6 +68,15 @@ public:
      */
     QVector<int> setRecipe(const QVector<Point> &points);
 
+    /**
+     * True for the read step of a write of several bits: the driver merges the reply into what it
+     * then writes.
+     */
+    static bool isReadStep(const FRAME_PRO &frame);
+
+    static constexpr int ConditionReadKind = 3;  ///< travels with the frames of readOnce()
+    static constexpr int CyclicReadKind = 4;     ///< and with those of monitored points
+
     void requestRecipeWrite() { request(RecipeWriteRequest); }
     void requestRecipeRead() { request(RecipeReadRequest); }
     bool recipeBusy() const;  ///< a transfer is requested or under way
@@ -77,6 +86,7 @@ public:
 
 private:
     void request(int position);
+    bool isRequested(int position) const;
     static void signal(int first, int stationNo, const QString &text, int address);
 
     const Driver &m_driver;

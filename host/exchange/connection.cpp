@@ -6,16 +6,16 @@
 #include "host/line/tcp_line.h"
 #include "host/output/failure.h"
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace host {
 
-using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 namespace {
 
-constexpr milliseconds IdlePause(5);
 constexpr seconds LostLinePatience(10);
 
 Driver driverOf(const QCommandLineParser &parser)
@@ -47,11 +47,13 @@ void Connection::open(Purpose purpose)
         throw Failure("no line named; expected --port DEVICE, --tcp HOST:PORT or --simulate"_s,
                       BadInput);
     m_line = makeLine();
-    m_reopening = std::make_unique<Reopening>(*m_line, m_place);
-    m_reopening->say = [this](const QString &text) { say(text); };
     m_loop = std::make_unique<Loop>(m_driver, *m_line, m_options.loop);
+    m_loop->place = m_place;
+    m_loop->say = [this](const QString &text) { say(text); };
     m_loop->observer = [this](const Exchange &exchange) {
         trace(exchange);
+        m_proven = exchange.earlier.step == Step::Proven;
+        m_outOfStep = m_outOfStep || exchange.earlier.step > Step::Proven;
         if (exchange.outcome == Outcome::GivenUp)
             m_givenUp.append(faultsText(exchange.tries));
         if (observer)
@@ -104,14 +106,18 @@ std::unique_ptr<Line> Connection::makeLine()
     return std::make_unique<SerialLine>(m_place, m_options.pace);
 }
 
-Outcome Connection::step()
+bool Connection::prove(const Point &near)
 {
-    if (!m_reopening->ready())
-        return Outcome::LineLost;
-    const Outcome outcome = m_loop->exchange();
-    if (outcome == Outcome::Idle)
-        m_line->pause(IdlePause);
-    return outcome;
+    constexpr int Attempts = 3;
+    const auto notify = std::exchange(observer, nullptr);
+    m_proven = false;
+    for (int i = 0; i < Attempts && !m_proven; ++i) {
+        m_session->readOnce(provingPart(near, m_loop->provingWords()));
+        if (!finish().isEmpty())
+            break;
+    }
+    observer = notify;
+    return !std::exchange(m_outOfStep, false) && m_proven;
 }
 
 QStringList Connection::finish()

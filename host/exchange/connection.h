@@ -4,7 +4,6 @@
 
 #include "host/exchange/connection_options.h"
 #include "host/exchange/controller_process.h"
-#include "host/exchange/reopening.h"
 #include "host/exchange/trace.h"
 
 #include <functional>
@@ -62,12 +61,17 @@ public:
     /** Called after every exchange that was sent. */
     std::function<void(const Exchange &)> observer;
 
+    /** One step of the loop; that the line is gone and that it is back is said once. */
+    Outcome step() { return m_loop->step(); }
+
+    /** See Loop::wantedWords(). */
+    int wantedWords() const { return m_loop->wantedWords(); }
+
     /**
-     * One step of the loop, with a short pause when there is nothing to send. A line that is lost
-     * is opened again, at first after a second, later every 30 s; that it is gone and that it is
-     * back is said once.
+     * Reads a word or two at the point, which proves the exchanges since the call before this one.
+     * Returns false when one of their replies may have been another request's, or no proof comes.
      */
-    Outcome step();
+    bool prove(const Point &near);
 
     /**
      * Goes on until the driver has nothing left to send. Returns why the requests failed that it
@@ -87,10 +91,11 @@ private:
     std::unique_ptr<Session> m_session;
     std::unique_ptr<ControllerProcess> m_controller;  // null unless simulated
     std::unique_ptr<Line> m_line;
-    std::unique_ptr<Reopening> m_reopening;
     std::unique_ptr<Loop> m_loop;
     QString m_place;  // what the line leads to, for messages
     QStringList m_givenUp;
+    bool m_outOfStep = false;  // since the last proof
+    bool m_proven = false;
 };
 
 }  // namespace host

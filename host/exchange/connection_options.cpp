@@ -129,6 +129,7 @@ ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Ide
     session.retryLimit = numberOption(parser, optionName("retries"), 1, MostRetries);
     session.blockLimit = blockLimitOption(parser);
     loop = loopOptions(parser);
+    loop.baud = pace.none ? 0 : pace.settings.baudRate;
 }
 
 }  // namespace host

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/driver/driver_library.h"
-#include "host/frames/reply_fault.h"
+#include "host/exchange/step_guard.h"
 
 #include <functional>
 
@@ -10,14 +10,18 @@ namespace host {
 
 /** What an exchange came to. */
 enum class Outcome {
-    Idle,     ///< the driver had nothing to send
-    Good,     ///< the reply was accepted
-    Again,    ///< no reply or a bad one; the driver offers the same request again
-    GivenUp,  ///< no good reply within the retry limit
-    LineLost  ///< the line is closed; the request is offered again when the line is back
+    Idle,        ///< the driver had nothing to send
+    Good,        ///< the reply was accepted
+    Again,       ///< no reply or a bad one; the driver offers the same request again
+    GivenUp,     ///< no good reply within the retry limit
+    LineLost,    ///< the line is closed; the request is offered again when the line is back
+    Interrupted  ///< cut short, because the program is to end
 };
 
-/** A whole reply that cannot be the answer to the request; the exchange went on without it. */
+/**
+ * A whole reply that cannot be the answer to the request; the exchange went on without it. Without
+ * a fault it may be, but the request was sent once more to make sure.
+ */
 struct RefusedReply
 {
     LineTime at{0};
@@ -35,9 +39,10 @@ struct Exchange
     QByteArray reply;               ///< what arrived in the end, complete or not
     LineTime end{0};                ///< when the reply was judged
     Outcome outcome = Outcome::Idle;
-    QString errorText;          ///< the driver's description of the request
-    ReplyFault fault;           ///< why it failed; none when the outcome is good
-    QVector<ReplyFault> tries;  ///< faults of the request's tries so far, this one's last
+    QString errorText;           ///< the driver's description of the request
+    ReplyFault fault;            ///< why it failed; none when the outcome is good
+    QVector<ReplyFault> tries;   ///< faults of the request's tries so far, this one's last
+    StepGuard::Verdict earlier;  ///< what it says of the replies that were accepted before it
 
     QByteArray request() const
     {
@@ -60,14 +65,17 @@ struct LoopSettings
      * has arrived by then. Costs that time in every exchange.
      */
     std::chrono::milliseconds listenFirst{0};
+    int baud = 0;  ///< of the line's settings, for messages; 0: not known
 };
 
 struct LoopCounters
 {
-    int exchanges = 0;  ///< with a good reply
-    int retries = 0;    ///< requests that were to be sent again
-    int errors = 0;     ///< requests given up
-    int refused = 0;    ///< whole replies that could not be the answer
+    int exchanges = 0;   ///< with a good reply
+    int retries = 0;     ///< requests that were to be sent again
+    int errors = 0;      ///< requests given up
+    int refused = 0;     ///< whole replies that could not be the answer
+    int doubted = 0;     ///< exchanges that listened on for another reply
+    int askedTwice = 0;  ///< read steps that were sent once more, to make sure
     qint64 bytesSent = 0;
     qint64 bytesReceived = 0;  ///< stale bytes and refused replies not included
     qint64 wordsRead = 0;      ///< in good replies
@@ -77,8 +85,8 @@ struct LoopCounters
 
 /**
  * Replies carry no number that ties them to their request, and the driver takes any well-formed
- * reply. So the loop guards, by time, by what is owed and by length: docs/host-guide.md tells the
- * rules. On a healthy line they cost nothing.
+ * reply. So the loop guards, by time, by what is owed, by length and by asking twice:
+ * docs/host-guide.md tells the rules. On a healthy line they cost next to nothing.
  */
 class Loop
 {
@@ -89,8 +97,19 @@ public:
     /** Called after every exchange that was sent, lost ones included. */
     std::function<void(const Exchange &)> observer;
 
+    /** Called with the news that the line is lost, and that it is back; once each. */
+    std::function<void(const QString &text)> say = [](const QString &) {};
+    QString place;  ///< what the news call the line
+
     /** Carries one request, if there is one, and waits for its reply. */
     Outcome exchange();
+
+    /**
+     * As exchange(), with a short pause when there is nothing to send, and a lost line is opened
+     * again: at first after a second, then after twice as long each time, up to 30 s; until then a
+     * moment passes at every call.
+     */
+    Outcome step();
 
     /**
      * Goes on until done() is true, asked after every exchange. Returns false when the line's time
@@ -103,24 +122,36 @@ public:
 
     const LoopCounters &counters() const { return m_counters; }
 
+    /** Words, 1 or 2, whose read would prove the replies accepted so far. */
+    int provingWords() const { return m_guard.provingWords(); }
+    /** The same when they have waited long enough for their proof, else 0. */
+    int wantedWords() const { return m_guard.lengthWanted(m_line.now()) ? provingWords() : 0; }
+
 private:
-    QByteArray settleLine(bool sameRequest);
+    bool reopen();
+    void settleLine(bool sameRequest);
+    void carry(const QByteArray &request, bool sameRequest);
     bool send(const QByteArray &request, bool sameRequest);
     void collectReply();
-    void refuseStrangers();
-    ReplyFault earlyFault() const;
+    void sortReplies();
+    LineTime patience(LineTime lastCame) const;
+    ReplyFault lengthFault(int size) const;
     ReplyFault examine() const;
     Outcome judge();
     void remember();
     void noteLateness();
+    void noteTooFast();
     void count();
 
     const Driver &m_driver;
     Line &m_line;
     LoopSettings m_settings;
+    StepGuard m_guard;
     LoopCounters m_counters;
     Exchange m_exchange;
-    ReplyFault m_early;  // of the reply that is being collected
+    QByteArray m_arriving;     // behind the answer, if that is there
+    bool m_proven = false;     // the answer, by when it came
+    bool m_differing = false;  // replies came that are no copies of the answer
 
     QByteArray m_lastRequest;
     bool m_owed = false;       // the last request, however often it was sent, may still be answered
@@ -129,6 +160,12 @@ private:
     LineTime m_owedUntil{0};   // and how long one may still come
     LineTime m_latest{0};      // how late replies may be, as far as is known
     bool m_restless = false;   // bytes that make no sense came; the rest of them may be on its way
+
+    bool m_saidLost = false;
+    LineTime m_reopenWait{0};
+    std::optional<LineTime> m_reopenAt;
+    std::optional<LineTime> m_tooFastSince;  // nothing was good since, and replies came too early
+    bool m_saidTooFast = false;
 };
 
 }  // namespace host

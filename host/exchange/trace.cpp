@@ -35,8 +35,14 @@ void Trace::write(const Exchange &exchange)
         text +=
             line(at(exchange.begin), "<-", exchange.stale, "thrown away: nobody waits for it"_s);
     text += line(at(exchange.begin), "->", request, meaningOf(readRequest(request)));
-    for (const RefusedReply &refused : exchange.refused)
-        text += line(at(refused.at), "<-", refused.bytes, "refused: "_s + refused.fault.text());
+    for (const RefusedReply &refused : exchange.refused) {
+        const QString meaning = readReply(refused.bytes, request).text;
+        text += line(at(refused.at), "<-", refused.bytes,
+                     refused.fault ? "refused: "_s + refused.fault.text()
+                                   : meaning + "; asked again, to make sure"_s);
+        if (!refused.fault)
+            text += line(at(refused.at), "->", request, meaningOf(readRequest(request)));
+    }
     const QString meaning =
         exchange.reply.isEmpty() ? QString() : readReply(exchange.reply, request).text;
     const QString fault = exchange.fault.text();

@@ -13,6 +13,11 @@ namespace host {
 
 namespace {
 
+bool isHexDigit(char byte)
+{
+    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'F');
+}
+
 QString milliseconds(LineTime time)
 {
     const double ms = double(time.count()) * 1e-6;
@@ -33,8 +38,9 @@ ReplyFault byteFault(ReplyFault::Reason reason, int got, int expected)
 const char *ReplyFault::name(Reason reason)
 {
     constexpr const char *names[ReasonCount] = {
-        "good",      "no-reply",  "too-short", "too-long",  "wrong-checksum", "first-byte",
-        "last-byte", "not-asked", "echo",      "too-early", "line-lost"};
+        "good",       "no-reply",  "too-short", "too-long", "wrong-checksum",
+        "first-byte", "last-byte", "not-asked", "echo",     "too-early",
+        "line-lost",  "not-hex",   "differ"};
     return names[reason];
 }
 
@@ -66,6 +72,10 @@ QString ReplyFault::text() const
                 milliseconds(waited), milliseconds(expectedTime));
         case LineLost:
             return "line lost: %1"_s.arg(detail);
+        case NotHex:
+            return "data that is no hex: byte %1"_s.arg(detail);
+        case Differ:
+            return "several replies that differ: nothing tells which is the answer"_s;
     }
     return QString();
 }
@@ -75,7 +85,8 @@ QString ReplyFault::hint() const
     if (reason == Echo)
         return "see to the wiring: what is sent comes straight back"_s;
     if (reason == TooEarly)
-        return "--pace none if nothing paces the line"_s;
+        return "replies come faster than %1 allows: --serial, or --pace none?"_s.arg(
+            detail.isEmpty() ? "the line"_s : detail);
     return QString();
 }
 
@@ -121,15 +132,32 @@ ReplyFault formFault(const QByteArray &reply)
     const char sum = checksumOf(reply, size - ClosingBytes);
     const QByteArray carried = reply.mid(size - ClosingBytes, 2);
     const QString right = hexPair(sum);  // in capitals, and so it must be
-    if (carried == right.toLatin1())
-        return ReplyFault();
     ReplyFault fault;
-    fault.reason = ReplyFault::Checksum;
-    fault.expected = static_cast<uchar>(sum);
-    bool isHex = false;
-    carried.toInt(&isHex, 16);
-    fault.detail = isHex ? QString::fromLatin1(carried) : "bytes "_s + hexText(carried, 2);
+    if (carried != right.toLatin1()) {
+        fault.reason = ReplyFault::Checksum;
+        fault.expected = static_cast<uchar>(sum);
+        bool isHex = false;
+        carried.toInt(&isHex, 16);
+        fault.detail = isHex ? QString::fromLatin1(carried) : "bytes "_s + hexText(carried, 2);
+        return fault;
+    }
+    const auto data = reply.cbegin() + 2;
+    const auto odd = std::find_if_not(data, reply.cend() - ClosingBytes, isHexDigit);
+    if (odd != reply.cend() - ClosingBytes) {
+        fault.reason = ReplyFault::NotHex;
+        fault.detail = hexPair(*odd);
+    }
     return fault;
+}
+
+int wholeReplySize(const QByteArray &bytes, int from)
+{
+    return beginsReply(bytes, from) ? qMax(0, int(bytes.indexOf(Eot, from)) + 1 - from) : 0;
+}
+
+bool beginsReply(const QByteArray &bytes, int from)
+{
+    return from < int(bytes.size()) && bytes.at(from) == Ack;
 }
 
 }  // namespace host

@@ -21,9 +21,11 @@ struct ReplyFault
         NotAsked,   ///< well formed, but not the reply to this request
         Echo,       ///< the request's own
         TooEarly,   ///< there after `waited`, when both frames take at least `expectedTime`
-        LineLost    ///< detail: what the system says
+        LineLost,   ///< detail: what the system says
+        NotHex,     ///< detail: the data's first byte that is none
+        Differ      ///< several replies came, and nothing tells which is the answer
     };
-    static constexpr int ReasonCount = LineLost + 1;
+    static constexpr int ReasonCount = Differ + 1;
 
     Reason reason = None;
     int got = 0;
@@ -52,5 +54,14 @@ QString faultsText(const QVector<ReplyFault> &tries);
 
 /** What is wrong with a complete reply's form; its length is not looked at. Empty: TooShort. */
 ReplyFault formFault(const QByteArray &reply);
+
+/**
+ * The size of the whole reply, damaged or not, that begins at that place; 0 when none does, or its
+ * end has not come yet.
+ */
+int wholeReplySize(const QByteArray &bytes, int from);
+
+/** What begins there may become a reply. */
+bool beginsReply(const QByteArray &bytes, int from);
 
 }  // namespace host

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <thread>
 
+#include <sys/ioctl.h>
+
 namespace host {
 
 using std::chrono::milliseconds;
@@ -16,6 +18,7 @@ namespace {
 
 constexpr milliseconds SendPatience(1000);  // beyond the time that the bytes take on the wire
 constexpr milliseconds LongestWait(100);    // then Ctrl-C is looked for
+constexpr qint64 MostAtATime = 4096;        // of a peer that never falls silent
 
 }  // namespace
 
@@ -47,8 +50,11 @@ bool DeviceLine::send(const QByteArray &bytes)
     const QDeadlineTimer deadline(std::chrono::ceil<milliseconds>(wireTime(int(bytes.size()))) +
                                   SendPatience);
     bool taken = m_device.write(bytes) == bytes.size();
-    while (taken && m_device.bytesToWrite() > 0)
-        taken = m_device.waitForBytesWritten(int(deadline.remainingTime()));
+    while (taken && m_device.bytesToWrite() > 0 && !interrupted()) {
+        const qint64 left = deadline.remainingTime();
+        taken = m_device.waitForBytesWritten(int(std::min<qint64>(left, LongestWait.count()))) ||
+                (timedOut() && left > 0);
+    }
     if (!taken)
         lose();
     return taken;
@@ -65,7 +71,15 @@ QByteArray DeviceLine::receive(LineTime until)
         else if (now() >= until)
             break;
     }
-    return isOpen() ? m_device.readAll() : QByteArray();
+    return isOpen() ? m_device.read(MostAtATime) : QByteArray();
+}
+
+int DeviceLine::look()
+{
+    int beneath = 0;
+    if (!isOpen() || ::ioctl(descriptor(), FIONREAD, &beneath) != 0)
+        beneath = 0;
+    return int(m_device.bytesAvailable()) + beneath;
 }
 
 LineTime DeviceLine::wireTime(int bytes) const

@@ -24,9 +24,12 @@ public:
     void pause(LineTime duration) override;
     bool send(const QByteArray &bytes) override;
     QByteArray receive(LineTime until) override;
+    int look() override;
     LineTime wireTime(int bytes) const override;
 
 protected:
+    static constexpr int MostBuffered = 64 * 1024;  ///< by Qt, of a peer that never falls silent
+
     /** device: a member of the derived class; it may be constructed later. */
     DeviceLine(QIODevice &device, const LinePace &pace) : m_device(device), m_pace(pace) {}
 
@@ -39,6 +42,8 @@ protected:
 
     /** Why the device could not be opened or went away. */
     virtual QString deviceError() const = 0;
+
+    virtual int descriptor() const = 0;
 
 private:
     void lose();

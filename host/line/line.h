@@ -41,6 +41,9 @@ public:
      */
     virtual QByteArray receive(LineTime until) = 0;
 
+    /** How many bytes have reached the device, or what is above it, and were not received yet. */
+    virtual int look() = 0;
+
     /** How long so many bytes travel; 0 when nothing paces them. */
     virtual LineTime wireTime(int bytes) const = 0;
 };

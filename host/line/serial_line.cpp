@@ -12,6 +12,7 @@ SerialLine::SerialLine(const QString &device, const LinePace &pace)
     m_port.setDataBits(pace.settings.dataBits);
     m_port.setParity(pace.settings.parity);
     m_port.setStopBits(pace.settings.stopBits);
+    m_port.setReadBufferSize(MostBuffered);
 }
 
 // A link may lead to another device by now.

@@ -18,6 +18,7 @@ private:
     void closeDevice() override { m_port.close(); }
     bool timedOut() override;
     QString deviceError() const override;
+    int descriptor() const override { return m_port.handle(); }
 
     QString m_name;
     QString m_device;  // the path that the name led to when it was opened

@@ -25,7 +25,10 @@ TcpLine::TcpLine(const QString &server, const LinePace &pace) : DeviceLine(m_soc
         throw Failure("--tcp \"%1\": expected HOST:PORT, such as 192.168.1.100:8000"_s.arg(server),
                       BadInput);
     m_host = server.left(colon);
+    if (m_host.startsWith(QLatin1Char('[')) && m_host.endsWith(QLatin1Char(']')))
+        m_host = m_host.mid(1, colon - 2);  // [::1]:8000
     m_port = quint16(port);
+    m_socket.setReadBufferSize(MostBuffered);
 }
 
 bool TcpLine::openDevice()

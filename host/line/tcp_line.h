@@ -20,6 +20,7 @@ private:
     void closeDevice() override { m_socket.abort(); }
     bool timedOut() override;
     QString deviceError() const override { return m_socket.errorString(); }
+    int descriptor() const override { return int(m_socket.socketDescriptor()); }
 
     QTcpSocket m_socket;
     QString m_host;

@@ -13,15 +13,25 @@ constexpr int BitsPerByte = 10;
 constexpr int Million = 1000000;
 constexpr qint64 NsPerSecond = 1000 * 1000 * 1000;
 constexpr qint64 NsPerMs = 1000 * 1000;
+constexpr LineTime BundleEvery = std::chrono::milliseconds(16);
+constexpr LineTime NetworkTakes = std::chrono::milliseconds(20);
+constexpr unsigned StandstillWithin = 30;  // calls behind a request: into the next exchange
+constexpr LineTime Never = LineTime::max();
+
+VirtualSettings withPieces(VirtualSettings settings)
+{
+    settings.line.pieceBytes = settings.delivery == Delivery::Fifo ? 16 : 1;
+    return settings;
+}
 
 }  // namespace
 
-VirtualLine::VirtualLine(const VirtualSettings &settings)
-    : m_settings(settings),
+VirtualLine::VirtualLine(VirtualSettings settings)
+    : m_settings(withPieces(std::move(settings))),
       m_controller(m_memory),
-      m_faults(settings.faults, settings.seed),
-      m_pacing(m_controller, m_faults, settings.line),
-      m_random(settings.seed)
+      m_faults(m_settings.faults, m_settings.seed),
+      m_pacing(m_controller, m_faults, m_settings.line),
+      m_random(m_settings.seed)
 {
 }
 
@@ -38,38 +48,48 @@ QString VirtualLine::errorText() const
 
 void VirtualLine::pause(LineTime duration)
 {
+    standStill();
     m_now += duration;
     comeLate();
 }
 
 bool VirtualLine::send(const QByteArray &bytes)
 {
+    standStill();
     comeLate();
     if (!m_isOpen)
         return false;
-    if (int(m_random() % Million) < m_settings.lostRequests) {
+    if (int(m_random() % Million) < m_settings.lostRequests)
         ++m_requestsLost;
-        return true;
-    }
-    if (m_suspended)
+    else if (m_suspended)
         m_waiting += bytes;
     else
-        controllerReceives(bytes);
+        m_requests.emplace_back(
+            m_now + (m_settings.delivery == Delivery::Network ? NetworkTakes : LineTime(0)), bytes);
+    if (int(m_random() % Million) < m_settings.standstills)
+        m_standstillIn = int(m_random() % StandstillWithin);
+    pass();
+    standStill();
     return true;
 }
 
 QByteArray VirtualLine::receive(LineTime until)
 {
-    if (!m_isOpen)
-        return QByteArray();
-    QByteArray bytes = m_pacing.transmit(m_now.count());
-    while (bytes.isEmpty() && m_now < until) {
-        const qint64 next = m_pacing.nextNs();
-        m_now = next < 0 ? until : std::clamp(LineTime(next), m_now, until);
-        bytes = m_pacing.transmit(m_now.count());
+    standStill();
+    pass();
+    while (m_isOpen && m_device.isEmpty() && m_now < until) {
+        m_now = std::min(nextEvent(), until);
+        pass();
     }
     comeLate();
-    return bytes + m_pacing.transmit(m_now.count());
+    return m_isOpen ? std::exchange(m_device, QByteArray()) : QByteArray();
+}
+
+int VirtualLine::look()
+{
+    standStill();
+    pass();
+    return int(m_device.size());
 }
 
 LineTime VirtualLine::wireTime(int bytes) const
@@ -82,13 +102,14 @@ void VirtualLine::heal()
 {
     m_faults.heal();
     m_settings.lostRequests = 0;
+    m_settings.standstills = 0;
 }
 
 void VirtualLine::resume()
 {
     m_suspended = false;
     if (!m_waiting.isEmpty())
-        controllerReceives(std::exchange(m_waiting, QByteArray()));
+        m_requests.emplace_back(m_now, std::exchange(m_waiting, QByteArray()));
 }
 
 void VirtualLine::unplug()
@@ -101,13 +122,56 @@ void VirtualLine::comeLate()
 {
     if (m_settings.jitter.count() > 0)
         m_now += LineTime(qint64(m_random()) % m_settings.jitter.count());
+    pass();
 }
 
-void VirtualLine::controllerReceives(const QByteArray &bytes)
+void VirtualLine::standStill()
+{
+    if (m_standstillIn >= 0 && m_standstillIn-- == 0)
+        m_now += LineTime(qint64(m_random()) % m_settings.longestStandstill.count());
+}
+
+// Does all that is due by now, in its order.
+void VirtualLine::pass()
+{
+    for (LineTime at = nextEvent(); at <= m_now; at = nextEvent()) {
+        if (!m_replies.empty() && m_replies.front().first == at) {
+            m_device += m_replies.front().second;
+            m_replies.pop_front();
+        } else if (!m_requests.empty() && m_requests.front().first == at) {
+            controllerReceives(m_requests.front().second, at);
+            m_requests.pop_front();
+        } else {
+            const QByteArray bytes = m_pacing.transmit(at.count());
+            if (!bytes.isEmpty())
+                m_replies.emplace_back(delivered(at), bytes);
+        }
+    }
+}
+
+LineTime VirtualLine::nextEvent() const
+{
+    const auto first = [](const Travelling &what) {
+        return what.empty() ? Never : what.front().first;
+    };
+    const qint64 leaving = m_pacing.nextNs();
+    return std::min({first(m_replies), first(m_requests), leaving < 0 ? Never : LineTime(leaving)});
+}
+
+void VirtualLine::controllerReceives(const QByteArray &bytes, LineTime at)
 {
     if (m_settings.moving)
-        plc::move(m_memory, m_now.count() / NsPerMs);
-    m_pacing.receive(bytes, m_now.count());
+        plc::move(m_memory, at.count() / NsPerMs);
+    m_pacing.receive(bytes, at.count());
+}
+
+LineTime VirtualLine::delivered(LineTime at) const
+{
+    if (m_settings.delivery == Delivery::Network)
+        return at + NetworkTakes;
+    return m_settings.delivery == Delivery::Bundles
+               ? (at + BundleEvery - LineTime(1)) / BundleEvery * BundleEvery
+               : at;
 }
 
 }  // namespace host

@@ -6,12 +6,6 @@
 
 namespace host {
 
-namespace {
-
-enum { CyclicReadKind = 4 };
-
-}  // namespace
-
 void Soak::book(const Exchange &exchange)
 {
     ++m_counts.requests;
@@ -33,7 +27,7 @@ void Soak::book(const Exchange &exchange)
     if (serveWrite) {
         if (!m_inFlight)
             endWrite(exchange);
-    } else if (exchange.frame.var.kind == CyclicReadKind) {
+    } else if (exchange.frame.var.kind == Session::CyclicReadKind) {
         m_polls += good;
     } else if (givenUp && m_conditionRead) {
         // The end is announced only where the last part of the read fails.

@@ -67,8 +67,12 @@ void RecipeTransfer::run(const QString &direction,
         if (exchange.outcome == Outcome::Good)
             count(exchange);
     };
-    const QStringList errors = m_connection.finish();
+    QStringList errors = m_connection.finish();
     m_connection.observer = nullptr;
+    if (errors.isEmpty() && !m_connection.prove(m_tags.first().point)) {
+        lost = "it"_s;
+        errors = QStringList{"out of step: a reply may have been another request's"_s};
+    }
     if (!errors.isEmpty())
         throw Failure(
             "%1 of %2 words and bits were %3, then the driver gave up %4: %5"_s.arg(m_units)

@@ -15,7 +15,7 @@ Values series(int first, int step, int count)
     return values;
 }
 
-struct Step
+struct TourStep
 {
     const char *title;
     const char *intent;  ///< what it shows
@@ -23,7 +23,7 @@ struct Step
     void (*play)(Tour &);
 };
 
-constexpr Step Steps[] = {
+constexpr TourStep Steps[] = {
     {"Who is there", "The driver names itself, its default line and its register types.", 0,
      [](Tour &tour) {
          tour.introduceDriver();
@@ -196,7 +196,7 @@ bool takeTour(const QString &driverPath, QTextStream &out)
     report.item("library"_s, driverPath);
     report.item("device"_s, "a simulated controller, in simulated time, at the pace of %1"_s.arg(
                                 tour.identity.serialLine));
-    for (const Step &step : Steps) {
+    for (const TourStep &step : Steps) {
         tour.begin(step.title, step.intent, step.exchangesShown);
         step.play(tour);
     }

@@ -4,6 +4,7 @@
 #include "host/exchange/loop.h"
 #include "host/watch/set_aside.h"
 #include "host/watch/statistics.h"
+#include "host/watch/unproven.h"
 #include "host/watch/watched_values.h"
 
 namespace host {
@@ -23,11 +24,19 @@ public:
     /** Driver and session stay the caller's. */
     Watch(const Driver &driver, Session &session, const QVector<Tag> &tags,
           const WatchSettings &settings);
+    ~Watch() { m_session.conditionReadEnded = nullptr; }
+    Watch(const Watch &) = delete;
+    Watch &operator=(const Watch &) = delete;
 
-    /** Values to be written down, with the moment they stand for. */
-    std::function<void(const QVector<int> &which, LineTime at)> report;
+    /** Values to be written down, with the moment they stand for; the good ones are proven. */
+    std::function<void(const QVector<WatchedValue> &values, LineTime at)> report;
     /** Something the user should know. */
     std::function<void(const QString &text)> say;
+    /** Asked for words, 1 or 2, whose read would prove what has come so far; 0: nothing to prove.
+     */
+    std::function<int()> wantedWords = [] { return 0; };
+    /** Asked for a moment as it is written. */
+    std::function<QString(LineTime)> momentText = [](LineTime) { return QString(); };
 
     /**
      * Polls for so long. step carries one exchange, and its observer calls take(); goOn is asked
@@ -48,6 +57,8 @@ public:
 private:
     void pass(LineTime now);
     void loseLine(LineTime now);
+    void takeProof(const StepGuard::Verdict &earlier, LineTime now);
+    void askForProof(int words);
     void takeRead(const Exchange &exchange, LineTime now);
     void registerPoints(LineTime now);
     void sampleUntil(LineTime now);
@@ -60,6 +71,7 @@ private:
     WatchSettings m_settings;
     Coverage m_coverage;
     WatchedValues m_values;
+    Unproven m_unproven;
     Statistics m_statistics;
     SetAside m_setAside;
     PollPace m_pace;
@@ -67,6 +79,8 @@ private:
     LineTime m_nextAging{0};
     bool m_registerAgain = false;
     bool m_inFlight = false;  // the driver offers the same request again
+    bool m_proving = false;   // a read is queued for its length
+    Point m_lastGood;
 };
 
 }  // namespace host

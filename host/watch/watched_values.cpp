@@ -77,6 +77,18 @@ QVector<int> WatchedValues::giveUp(const Point &block, const QString &reason)
     return changed;
 }
 
+QVector<int> WatchedValues::doubt(LineTime since, const QString &reason)
+{
+    QVector<int> changed;
+    for (Watched &watched : m_watched) {
+        for (Unit &unit : watched.units)
+            if (unit.failure.isEmpty() && unit.readAt >= since)
+                unit.failure = reason;
+        judge(watched, {0, int(watched.units.size())}, LineTime(0), changed);
+    }
+    return changed;
+}
+
 QVector<int> WatchedValues::loseLine()
 {
     QVector<int> changed;

@@ -51,6 +51,9 @@ public:
     /** A read of the block was given up. */
     QVector<int> giveUp(const Point &block, const QString &reason);
 
+    /** What was read since then may be another request's. */
+    QVector<int> doubt(LineTime since, const QString &reason);
+
     /** The line is lost, and every value with it. */
     QVector<int> loseLine();
 

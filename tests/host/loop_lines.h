@@ -47,10 +47,11 @@ public:
         QVector<Point> points;
         for (int first = 0; first < 5000; first += 1000) {
             points.append(words("D_W", first, wordsPerBlock));
-            for (int word = first; word < first + wordsPerBlock; ++word)
+            for (int word = first; word <= first + wordsPerBlock; ++word)
                 line.memory().setWord(D, word, valueOf(word));
         }
         m_session.monitor(points);
+        m_session.conditionReadEnded = [this](bool) { m_proving = false; };
         loop.observer = [this](const Exchange &exchange) { check(exchange); };
         line.open();
     }
@@ -58,20 +59,28 @@ public:
     void run(int exchanges)
     {
         for (int i = 0; i < exchanges; ++i) {
-            if (i % 20 == 0)
+            if (writes && i % 20 == 0)
                 m_session.write(words("D_W", 6000, 1), {++m_written & 0xFFFF});
             const int bit = i / 20 % 2;
-            if (i % 20 == 10)
+            if (writes && i % 20 == 10)
                 m_session.write({1, "M_bit", 16 * 40 + 14, 4, true}, {bit, !bit, bit, !bit});
+            const int wanted = loop.wantedWords();
+            if (wanted > 0 && !std::exchange(m_proving, true))
+                m_session.readOnce(provingPart(words("D_W", 0, 1), wanted));
             loop.exchange();
         }
     }
 
     VirtualLine line;
     Loop loop;
+    bool writes = true;   ///< else there are replies of one length alone
     int wrongValues = 0;  ///< replies with a value of another address
-    int wrongAcks = 0;    ///< acknowledged writes that the controller does not hold
-    int wrongBits = 0;    ///< exchanges behind which bits have changed that nobody writes
+    int wrongOld = 0;     ///< of these, a second behind the first
+    int wrongProven = 0;  ///< of these, said to be right
+    int timesLost = 0;    ///< verdicts
+    int timesUnsure = 0;
+    int wrongAcks = 0;  ///< acknowledged writes that the controller does not hold
+    int wrongBits = 0;  ///< exchanges behind which bits have changed that nobody writes
 
 private:
     static quint16 valueOf(int word) { return quint16(word * 7 + 1); }
@@ -80,15 +89,31 @@ private:
     {
         wrongBits += (line.memory().word(M, 40) & 0x3FFF) || (line.memory().word(M, 41) & 0xFFFC);
         const VARIABLE &item = exchange.frame.var;
+        if (exchange.earlier.step != Step::Unproven) {
+            if (exchange.earlier.step == Step::Proven)
+                wrongProven += m_wrongUnproven;
+            timesLost += exchange.earlier.step == Step::Lost;
+            timesUnsure += exchange.earlier.step == Step::Unsure;
+            m_wrongUnproven = 0;
+        }
         if (exchange.outcome != Outcome::Good || item.regName != QLatin1String("D_W"))
             return;
         if (exchange.frame.readCount == 0)
             wrongAcks += line.memory().word(D, 6000) != (m_written & 0xFFFF);
+        bool wrong = false;
         const QVector<int> read = readReply(exchange.reply, exchange.request()).words;
         for (int i = 0; i < exchange.frame.readCount; ++i)
-            wrongValues += read[i] != valueOf(item.startAddr + i);
+            wrong = wrong || read[i] != valueOf(item.startAddr + i);
+        wrongValues += wrong;
+        m_wrongUnproven += wrong;
+        if (!wrong || m_wrongSince < LineTime(0))
+            m_wrongSince = wrong ? line.now() : LineTime(-1);
+        wrongOld += wrong && line.now() - m_wrongSince > std::chrono::milliseconds(1000);
     }
 
+    LineTime m_wrongSince{-1};
+    int m_wrongUnproven = 0;
+    bool m_proving = false;
     Session m_session;
     int m_written = 0;
 };
@@ -106,6 +131,7 @@ public:
     LineTime now() const override { return m_now; }
     void pause(LineTime duration) override { m_now += duration; }
     LineTime wireTime(int bytes) const override { return bytes * milliseconds(1); }
+    int look() override { return 0; }
     bool send(const QByteArray &) override
     {
         if (!arrivals.isEmpty())

@@ -1,5 +1,4 @@
 // Watching in simulated time: what becomes of values, counts and logs when the line misbehaves.
-#include "host/exchange/reopening.h"
 #include "host/line/virtual_line.h"
 #include "host/watch/watch.h"
 
@@ -43,15 +42,13 @@ struct Story
         : driver(loadDriver(DRIVER_LIBRARY)),
           session(driver, SessionSettings()),
           line(stillLine()),
-          reopening(line, "it"),
           loop(driver, line, LoopSettings()),
           watch(driver, session, parseTags(driver, identify(driver), Tags, 1), withFloor(settings))
     {
         for (const auto &[word, value] : {std::pair(100, 7), {102, 0x3FC0}, {500, 5}, {900, 9}})
             line.memory().setWord('a', word, quint16(value));
-        watch.report = [this](const QVector<int> &which, LineTime at) {
-            for (const int index : which) {
-                const WatchedValue &value = watch.values().all()[index];
+        watch.report = [this](const QVector<WatchedValue> &values, LineTime at) {
+            for (const WatchedValue &value : values) {
                 const auto second = std::chrono::duration_cast<seconds>(at).count();
                 events[QStringLiteral("%1 s %2").arg(second, 2).arg(qualityText(value.quality))] +=
                     value.name;
@@ -59,8 +56,9 @@ struct Story
                     texts.insert(value.name + QLatin1Char('=') + value.text);
             }
         };
-        watch.say = reopening.say = [this](const QString &text) { said += text; };
+        watch.say = loop.say = [this](const QString &text) { said += text; };
         loop.observer = [this](const Exchange &exchange) { watch.take(exchange, line.now()); };
+        watch.wantedWords = [this] { return loop.wantedWords(); };
         line.open();
     }
 
@@ -80,9 +78,7 @@ struct Story
 
     void run(int length, QMap<int, Action> actions = {})
     {
-        const auto step = [this] {
-            return reopening.ready() ? loop.exchange() : Outcome::LineLost;
-        };
+        const auto step = [this] { return loop.step(); };
         const auto act = [&] {
             while (!actions.isEmpty() && line.now() >= seconds(actions.firstKey()))
                 actions.take(actions.firstKey())(line);
@@ -94,7 +90,6 @@ struct Story
     Driver driver;
     Session session;
     LineWithDeadAddress line;
-    Reopening reopening;
     Loop loop;
     Watch watch;
     QMap<QString, QString> events;  // names by second and quality
@@ -135,13 +130,13 @@ void TestWatch::qualities_data()
     const QString start = " 0 s good: afbc";
     QTest::newRow("a lost line makes all bad at once, and is back")
         << Actions{{3, Unplug}, {6, PlugIn}}
-        << QStringList{start, " 3 s bad: afbc", " 6 s good: afbc"} << "";
+        << QStringList{start, " 3 s bad: afbc", " 6 s good: cafb"} << "";
     QTest::newRow("gone for long: tried after 1, 3, 7, 15, 31, 61 and 91 s")
         << Actions{{3, Unplug}, {65, PlugIn}}
-        << QStringList{start, " 3 s bad: afbc", "94 s good: afbc"} << "";
+        << QStringList{start, " 3 s bad: afbc", "94 s good: cafb"} << "";
     QTest::newRow("a silent controller, block by block")
         << Actions{{3, Suspend}}
-        << QStringList{start, " 4 s bad: af", " 6 s bad: b", " 7 s stale: c", " 8 s bad: c"}
+        << QStringList{start, " 4 s bad: c", " 6 s bad: af", " 8 s bad: b", " 8 s stale: b"}
         << "no reply to 3 requests of 500 ms each: a, f, b, c";
     QTest::newRow("a dead address") << Actions{{3, Die}, {9, Revive}}
                                     << QStringList{start, " 4 s bad: b", "18 s good: b"} << "";
@@ -194,7 +189,7 @@ D_W:500 (b) answers again
 block      good  retries  errors  last good  min  mean  max ms  failures
 D_W:100x3  9295        0       0  0.0 s ago  2.7   2.7     2.7
 D_W:500    3209       10       5  0.0 s ago  2.0   2.0     2.0  no-reply 15
-D_W:900    9292        0       0  0.0 s ago  2.0   2.0     2.0
+D_W:900    9291        0       0  0.0 s ago  2.0   2.0     2.0
 27)"));
 }
 
@@ -209,7 +204,7 @@ void TestWatch::samplesAndPace_data()
     QTest::newRow("a cycle a second") << 1000 << 0 << Actions() << 10 << 1 << 0;
     QTest::newRow("four samples a second") << 0 << 250 << Actions() << 0 << 40 << 39;
     QTest::newRow("samples go on while a request is repeated")
-        << 500 << 100 << Actions{{3, Suspend}, {7, Resume}} << -1 << 100 << 8;
+        << 500 << 100 << Actions{{3, Suspend}, {7, Resume}} << -1 << 100 << 7;
 }
 
 void TestWatch::samplesAndPace()
@@ -225,12 +220,12 @@ void TestWatch::samplesAndPace()
     Story story(settings);
     int times = 0;
     LineTime last(0);
-    story.watch.report = [&](const QVector<int> &which, LineTime at) {
-        times += which.contains(0);
+    story.watch.report = [&](const QVector<WatchedValue> &values, LineTime at) {
+        times += values.first().name == "a";
         if (everyMs == 0)
             return;
         // A sample is of its time, though the next value may have come before it was taken.
-        QVERIFY(at - last == settings.every && story.watch.values().all()[0].changedAt <= at);
+        QVERIFY(at - last == settings.every && values.first().changedAt <= at);
         story.line.memory().setWord('a', 100, quint16(times));
         last = at;
     };
@@ -243,7 +238,8 @@ void TestWatch::samplesAndPace()
         QVERIFY(a.exchanges > 500);
     QTEST(story.watch.values().all()[0].changes, "changes");
     const ExchangeStatistics &all = story.watch.statistics().all();
-    QCOMPARE(all.exchanges, story.loop.counters().exchanges);
+    const int proofs = story.loop.counters().exchanges - all.exchanges;
+    QVERIFY2(proofs >= 0 && proofs <= 12, qPrintable(QString::number(proofs)));
     const QList<int> failures = all.failures.values();
     QCOMPARE(all.retries + all.givenUp, std::accumulate(failures.cbegin(), failures.cend(), 0));
     for (int i = 0; i < 50; ++i)

@@ -36,8 +36,7 @@ ValueLog::ValueLog(const QString &path, Form form, Zone zone, const QVector<Watc
 {
 }
 
-void ValueLog::write(const QVector<WatchedValue> &values, const QVector<int> &which,
-                     const QDateTime &time)
+void ValueLog::write(const QVector<WatchedValue> &values, const QDateTime &time)
 {
     const QString now = timeText(time, m_zone);
     QString text;
@@ -47,8 +46,8 @@ void ValueLog::write(const QVector<WatchedValue> &values, const QVector<int> &wh
             fields << csvField(presentText(value)) << qualityText(value.quality);
         text = fields.join(QLatin1Char(',')) + QLatin1Char('\n');
     } else {
-        for (const int index : which)
-            text += line(values[index], now);
+        for (const WatchedValue &value : values)
+            text += line(value, now);
     }
     if (!text.isEmpty())
         m_file->write(text);

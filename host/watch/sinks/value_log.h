@@ -26,9 +26,8 @@ public:
      */
     ValueLog(const QString &path, Form form, Zone zone, const QVector<WatchedValue> &values);
 
-    /** Writes these of the values, or with CsvTable all of them in one line. Throws Failure. */
-    void write(const QVector<WatchedValue> &values, const QVector<int> &which,
-               const QDateTime &time);
+    /** Writes the values, with CsvTable all there are in one line. Throws Failure. */
+    void write(const QVector<WatchedValue> &values, const QDateTime &time);
 
     /** Writes a JSON object as a line of its own. Throws Failure. */
     void write(const QJsonObject &object);
