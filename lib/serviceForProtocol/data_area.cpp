@@ -4,13 +4,13 @@
 int AreaLookup::findOrAppend(int unitAddr)
 {
     m_page = pageOf(unitAddr);
-    QVector<int> &page = driver.cache.index[qMakePair(m_stationNo, m_areaName)][m_page];
+    QVector<int> &page = driver.cache.index[m_key][m_page];
     if (page.isEmpty())
         page.resize(PageUnits);
     m_cells = page.data();
     int &position = m_cells[cellInPage(unitAddr)];
     if (position == 0) {
-        const _DATA_ area = {0, 0, 0, 0, 0, m_stationNo, m_areaName, unitAddr, {0}, {0}};
+        const _DATA_ area = {0, 0, 0, 0, 0, m_key.first, m_key.second, unitAddr, {0}, {0}};
         driver.cache.dataAreaList.append(area);
         position = int(driver.cache.dataAreaList.size());
     }

@@ -34,11 +34,7 @@ void clearDataAreas();
 class AreaLookup
 {
 public:
-    /** The text stays the caller's. */
-    AreaLookup(int stationNo, const QString &areaName)
-        : m_stationNo(stationNo), m_areaName(areaName)
-    {
-    }
+    AreaLookup(int stationNo, const QString &areaName) : m_key(stationNo, areaName) {}
 
     /** Position of the unit's data area, which is appended when missing. */
     int indexOf(int unitAddr)
@@ -72,8 +68,7 @@ private:
     static int cellInPage(int unitAddr) { return unitAddr & (PageUnits - 1); }
     int findOrAppend(int unitAddr);
 
-    int m_stationNo;
-    const QString &m_areaName;
+    const QPair<int, QString> m_key;  ///< copied once for all pages
     int m_page = 0;
     int *m_cells = 0;  ///< of the page, null before the first; pages stay where they are
 };

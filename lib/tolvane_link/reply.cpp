@@ -27,11 +27,16 @@ int check_rcv_data(const unsigned char *reply, int length)
 
 void readReplyBytes(const QByteArray &reply, const FRAME_PRO &request, unsigned char *bytes)
 {
-    unsigned char data[MaxWordsPerFrame * WordChars];
+    const unsigned char *data =
+        reinterpret_cast<const unsigned char *>(reply.constData()) + request.dataStart;
+    unsigned char filledUp[MaxWordsPerFrame * WordChars];
     const int length = request.readCount * WordChars;
     const int present = qBound(0, int(reply.size()) - request.dataStart, length);
-    std::memcpy(data, reply.constData() + request.dataStart, size_t(present));
-    std::memset(data + present, '0', size_t(length - present));
+    if (present < length) {
+        std::memcpy(filledUp, data, size_t(present));
+        std::memset(filledUp + present, '0', size_t(length - present));
+        data = filledUp;
+    }
     for (int i = 0; i < length / 2; ++i)
         bytes[i] = asc2hex(data, 2 * i);
 }

@@ -15,6 +15,12 @@ FRAME_PRO &appendFrame(const VARIABLE &item)
     return driver.loop.frameList.last();
 }
 
+/** Items are of known types. */
+const RegisterType &knownType(const QString &name)
+{
+    return driver.registerTypes.at(getIndexFromRegName(name));
+}
+
 /** Opening of every request: STX command device <byte address> "00". */
 void openRequest(FrameWriter &out, char command, const RegisterType &type, int startAddr)
 {
@@ -80,12 +86,12 @@ void appendBit(const RegisterType &type, const VARIABLE &item)
 
 void getReadFrame(const VARIABLE &item)
 {
-    appendReadWords(registerType(item.regName), item.count, item);
+    appendReadWords(knownType(item.regName), item.count, item);
 }
 
 void getWriteFrame(const VARIABLE &item)
 {
-    const RegisterType type = registerType(item.regName);
+    const RegisterType &type = knownType(item.regName);
     if (type.unitKind == WordUnit)
         appendWriteWords(type, item.count, item.valueBuf, item);
     else if (item.count == 1)
