@@ -22,7 +22,7 @@ Lines that lose replies: some, or all.
   >     | sed 's/[-0-9T:.]*Z/TIME/' | uncounted; uncounted < err
   {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"a","time":"TIME","value":null}
   {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"b","time":"TIME","value":null}
-  {"statistics":{"blocks":[{"address":"D_W:N","count":N,"errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N}],"tags":[{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"a"},{"address":"D_W:N","errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N,"tag":"b"}]}}
+  {"statistics":{"blocks":[{"address":"D_W:N","count":N,"errors":N,"failures":{"no-reply":N},"good":N,"lastGoodMsAgo":null,"number":N,"retries":N,"roundTripMs":{"max":N,"mean":N,"min":N},"station":N}]}}
   N exchanges in N s (N/s), N words, N retries, N errors
   N % of the line's capacity used
   failures: no-reply N
