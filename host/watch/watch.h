@@ -58,7 +58,6 @@ private:
     Session &m_session;
     QVector<Tag> m_tags;
     WatchSettings m_settings;
-    Coverage m_coverage;
     WatchedValues m_values;
     Statistics m_statistics;
     SetAside m_setAside;
