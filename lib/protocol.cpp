@@ -41,7 +41,10 @@ Protocol::Protocol() : registerTypes(RegisterTypeCount)
         }
         // A row that nothing could read or write must not get as far as a controller.
         if (type.unitKind == NoUnit || (type.unitKind == WordBitUnit && type.wordType == number))
-            qFatal("register type %d of the tables has no storage unit", number);
+            qFatal(
+                "register type %s has no storage unit: expected words of 16 bits, their bits "
+                "(behind the words in the table) or bits of their own",
+                qPrintable(name));
     }
 }
 

@@ -16,7 +16,7 @@ extern const QString PROCOTOL_DEFALT_COM_PAR;
 extern const QString PROCOTOL_DEFALT_IP_PAR;
 extern const QString PROCOTOL_PAR_HMI_SET_MODE;
 
-/** One row of ADDRESS_RANGE_PRO; numbers stand as decimal text. */
+/** One row of ADDRESS_RANGE_PRO; numbers stand as decimal text. tolvane_link.h has the rules. */
 struct AddressRange
 {
     QString addrFormat;  ///< pattern of the address text: "DDDD" a number, "DDDD.DD" word.bit
@@ -30,7 +30,7 @@ struct AddressRange
 /** The number of register types; as a row number, the row that stands for unknown names. */
 extern const int RegisterTypeCount;
 
-extern const QString REG_LIST[];  ///< word types before the bit types over the same words
+extern const QString REG_LIST[];
 extern const AddressRange ADDRESS_RANGE_PRO[];  ///< and behind them the row of unknown names
 extern const QString ADDRESS_RW_COMMAND[];      ///< how the link names the device
 

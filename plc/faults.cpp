@@ -5,6 +5,7 @@
 #include <QtCore/QStringList>
 
 #include <algorithm>
+#include <cstring>
 
 namespace plc {
 
@@ -13,13 +14,17 @@ namespace {
 constexpr int Million = 1000000;
 constexpr int LongestMs = 3600 * 1000;
 
-const std::array<const char *, FaultCount> names = {"loss",   "cut",   "flip", "late",
-                                                    "double", "noise", "mute"};
-
-bool hasTime(Fault fault)
+struct Kind
 {
-    return fault == Fault::Late || fault == Fault::Mute;
-}
+    const char *name;
+    const char *usual;
+    const char *effect;
+
+    bool hasTime() const { return std::strchr(usual, ':') != nullptr; }
+};
+
+#define PLC_FAULT_KIND(name, text, usual, effect) {text, usual, effect},
+const std::array<Kind, FaultCount> kinds = {{PLC_FAULTS(PLC_FAULT_KIND)}};
 
 /** Reads "12.5%" in millionths, up to four decimals; -1 when it is none. */
 int readShare(const QString &text)
@@ -59,26 +64,27 @@ QString parseShare(const QString &text, FaultPlan *plan)
         return "\"%1\" is no fault with its share, expected one like loss=2% or late=1%:300ms"_s
             .arg(text);
 
-    const auto name = std::find(names.begin(), names.end(), faultText);
-    if (name == names.end()) {
+    const auto kind = std::find_if(kinds.begin(), kinds.end(), [&faultText](const Kind &each) {
+        return faultText == QLatin1String(each.name);
+    });
+    if (kind == kinds.end()) {
         QStringList known;
-        for (const char *each : names)
-            known.append(QLatin1String(each));
+        for (const Kind &each : kinds)
+            known.append(QLatin1String(each.name));
         return "unknown fault \"%1\", expected one of %2"_s.arg(faultText, known.join(" "_s));
     }
 
-    const Fault fault = Fault(name - names.begin());
-    FaultPlan::Share &share = plan->shares[size_t(fault)];
+    FaultPlan::Share &share = plan->shares[size_t(kind - kinds.begin())];
     if (share.ofMillion != 0)
         return "\"%1\" is named twice"_s.arg(faultText);
     share.ofMillion = ofMillion;
-    if (hasTime(fault) == timeText.isEmpty()) {
-        return hasTime(fault)
-                   ? "\"%1\" lacks its time, expected one like %2=1%:300ms"_s.arg(
-                         text, QLatin1String(*name))
-                   : "\"%1\" has a time, expected none: %2=1%"_s.arg(text, QLatin1String(*name));
+    if (kind->hasTime() == timeText.isEmpty()) {
+        return kind->hasTime() ? "\"%1\" lacks its time, expected one like %2=1%:300ms"_s.arg(
+                                     text, QLatin1String(kind->name))
+                               : "\"%1\" has a time, expected none: %2=1%"_s.arg(
+                                     text, QLatin1String(kind->name));
     }
-    if (!hasTime(fault))
+    if (!kind->hasTime())
         return QString();
     share.ms = readTime(timeText.section(".."_s, 0, 0));
     share.longestMs = readTime(timeText.section(".."_s, -1));
@@ -113,7 +119,20 @@ private:
 
 const char *faultName(Fault fault)
 {
-    return names[size_t(fault)];
+    return kinds[size_t(fault)].name;
+}
+
+QString faultsHelp()
+{
+    QStringList usual;
+    QString effects;
+    for (const Kind &kind : kinds) {
+        usual.append(QLatin1String(kind.name) + QLatin1Char('=') + QLatin1String(kind.usual));
+        effects += QStringLiteral("  %1 %2\n")
+                       .arg(QLatin1String(kind.name), -7)
+                       .arg(QLatin1String(kind.effect));
+    }
+    return usual.join(QLatin1Char(',')) + QLatin1Char('\n') + effects;
 }
 
 QString FaultPlan::parse(const QString &list, FaultPlan *plan)

@@ -10,19 +10,31 @@
 
 namespace plc {
 
-enum class Fault {
-    Loss,    ///< no reply
-    Cut,     ///< only the first part of the reply
-    Flip,    ///< one bit of the reply turned over
-    Late,    ///< the whole reply, but later
-    Double,  ///< the reply twice, one after the other
-    Noise,   ///< 1 to 8 random bytes before the reply
-    Mute,    ///< neither this reply nor any other for a while
-};
-constexpr int FaultCount = int(Fault::Mute) + 1;
+/**
+ * A row a fault: its name here and in a plan, what it is usually given there (a time with it, if it
+ * lasts), and what becomes of the reply.
+ */
+// clang-format off
+#define PLC_FAULTS(FAULT) \
+    FAULT(Loss,   "loss",   "2%",       "the reply is not sent") \
+    FAULT(Cut,    "cut",    "1%",       "only its first part is sent") \
+    FAULT(Flip,   "flip",   "1%",       "one of its bits is turned") \
+    FAULT(Late,   "late",   "1%:300ms", "it is sent later by a time (ms or s, or 2s..5s)") \
+    FAULT(Double, "double", "1%",       "it is sent twice") \
+    FAULT(Noise,  "noise",  "1%",       "1 to 8 random bytes go before it") \
+    FAULT(Mute,   "mute",   "0.1%:2s",  "no reply is sent for a time, beginning with this one")
+// clang-format on
+
+#define PLC_FAULT_NAME(name, text, usual, effect) name,
+#define PLC_FAULT_ONE(name, text, usual, effect) +1
+enum class Fault { PLC_FAULTS(PLC_FAULT_NAME) };
+constexpr int FaultCount = PLC_FAULTS(PLC_FAULT_ONE);
 
 /** The fault as written in a plan, such as "loss". */
 const char *faultName(Fault fault);
+
+/** A plan with all faults, and a line for each that says what it does, for a help text. */
+QString faultsHelp();
 
 /** How often each fault happens and, for Late and Mute, how long it lasts. */
 struct FaultPlan

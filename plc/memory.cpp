@@ -15,27 +15,18 @@ struct Device
 // TX and CX have 2,048 contacts, 128 words. A host that asks for the n contacts from number a on
 // reads n words from word a / 16 on, of which it uses the first bits; with a word per contact,
 // every such read is answered, up to the last contacts with the longest read (127 words).
-const std::array<Device, Memory::DeviceCount> table = {{
-    {'h', "P", 2048},
-    {'i', "M", 2048},
-    {'j', "L", 11264},
-    {'k', "K", 4096},
-    {'n', "F", 2048},
-    {'a', "D", 32768},
-    {'o', "S", 128},
-    {'b', "T", 2048},
-    {'c', "C", 2048},
-    {'p', "N", 21504},
-    {'s', "Z", 128},
-    {'l', "TX", 2048},
-    {'m', "CX", 2048},
-}};
+const Device table[] = {
+    {'h', "P", 2048},  {'i', "M", 2048},  {'j', "L", 11264}, {'k', "K", 4096}, {'n', "F", 2048},
+    {'a', "D", 32768}, {'o', "S", 128},   {'b', "T", 2048},  {'c', "C", 2048}, {'p', "N", 21504},
+    {'s', "Z", 128},   {'l', "TX", 2048}, {'m', "CX", 2048},
+};
+const int DeviceCount = sizeof table / sizeof table[0];
 
 /** The table's index of a letter, or -1. */
 int indexOf(char letter)
 {
-    for (int i = 0; i < Memory::DeviceCount; ++i) {
-        if (table[size_t(i)].letter == letter)
+    for (int i = 0; i < DeviceCount; ++i) {
+        if (table[i].letter == letter)
             return i;
     }
     return -1;
@@ -45,8 +36,8 @@ int indexOf(char letter)
 
 Memory::Memory()
 {
-    for (size_t i = 0; i < table.size(); ++i)
-        m_words[i].fill(0, table[i].words);
+    for (const Device &device : table)
+        m_words.push_back(QVector<quint16>(device.words, 0));
 }
 
 QByteArray Memory::devices()
@@ -60,13 +51,13 @@ QByteArray Memory::devices()
 int Memory::wordCount(char device)
 {
     const int index = indexOf(device);
-    return index < 0 ? 0 : table[size_t(index)].words;
+    return index < 0 ? 0 : table[index].words;
 }
 
 QByteArray Memory::name(char device)
 {
     const int index = indexOf(device);
-    return index < 0 ? QByteArray() : QByteArray(table[size_t(index)].name);
+    return index < 0 ? QByteArray() : QByteArray(table[index].name);
 }
 
 char Memory::letter(const QByteArray &name)

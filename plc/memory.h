@@ -4,7 +4,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QVector>
 
-#include <array>
+#include <vector>
 
 namespace plc {
 
@@ -31,10 +31,8 @@ public:
     /** Stores a word; changes nothing when there is no such word. */
     void setWord(char device, int number, quint16 value);
 
-    static constexpr int DeviceCount = 13;
-
 private:
-    std::array<QVector<quint16>, DeviceCount> m_words;
+    std::vector<QVector<quint16>> m_words;  ///< by device, in the order of devices()
 };
 
 }  // namespace plc

@@ -1,6 +1,7 @@
 // Options, their help text and their checks.
 #include "plc/options.h"
 
+#include "plc/faults.h"
 #include "plc/literals.h"
 #include "plc/motion.h"
 
@@ -28,12 +29,7 @@ const char notes[] =
     "counted by reason.\n"
     "\n"
     "LIST names the faults that replies meet, as name=share with commas between, such as\n"
-    "loss=2%,cut=1%,flip=1%,late=1%:300ms,double=1%,noise=1%,mute=0.1%:2s\n"
-    "  loss    the reply is not sent          double  the reply is sent twice\n"
-    "  cut     only its first part is sent    noise   1 to 8 random bytes go before it\n"
-    "  flip    one of its bits is turned      late    it is sent later by a time (ms or s, or "
-    "2s..5s)\n"
-    "  mute    no reply is sent for a time, beginning with this one\n"
+    "%2"
     "Shares are percentages of all replies, with up to four decimals, 100% together at most. What "
     "a\n"
     "request asked for is done whatever becomes of its reply. With the same seed, the n-th reply\n"
@@ -183,7 +179,8 @@ std::optional<int> readOptions(const QStringList &arguments, Options *options)
     if (!parser.parse(arguments))
         return complain(parser.errorText() + " See tolvane-plc --help."_s);
     if (parser.isSet(known.help)) {
-        const QString text = parser.helpText() + QString::fromLatin1(notes).arg(motionHelp());
+        const QString text =
+            parser.helpText() + QString::fromLatin1(notes).arg(motionHelp(), faultsHelp());
         std::fputs(qPrintable(text), stdout);
         return 0;
     }

@@ -2,7 +2,6 @@
 _tolvane_plc()
 {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local faults="loss= cut= flip= late= double= noise= mute="
     case $previous in
     --link | --image)
         compopt -o filenames
@@ -13,7 +12,9 @@ _tolvane_plc()
         ;;
     --faults)
         compopt -o nospace
-        mapfile -t COMPREPLY < <(compgen -W "$faults" -- "$word")
+        # Indented below the text on LIST, the only such lines of the help.
+        mapfile -t COMPREPLY < <(compgen -W "$("$1" --help 2>/dev/null |
+            sed -n '/^LIST /,/^Shares /s/^  \([a-z]*\) .*/\1=/p')" -- "$word")
         ;;
     --tcp | --turnaround | --seed) ;;
     *)

@@ -1,5 +1,4 @@
 // tolvane-host check: what the driver makes of addresses.
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
@@ -10,24 +9,16 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QTextStream>
 
-#include <limits>
-
 namespace host {
 
-namespace {
-
-int check(const CommandLine &commandLine)
+int checkCommand(const CommandLine &commandLine)
 {
-    const QStringList addresses = commandLine.positionalArguments().mid(1);
-    if (addresses.isEmpty())
-        throw Failure("nothing to check; expected ADDRESS..."_s, BadInput);
-
     const Driver driver = loadDriver(commandLine.driverPath());
     const Identity identity = identify(driver);
     QTextStream out(stdout);
     QJsonArray array;
     int refused = 0;
-    for (const TagText &text : collectTags(addresses)) {
+    for (const TagText &text : collectTags(commandLine.given())) {
         const QString label = text.name.isEmpty() ? text.address : text.name;
         QJsonObject object{{"tag"_s, label}, {"address"_s, text.address}};
         QString verdict;
@@ -52,21 +43,6 @@ int check(const CommandLine &commandLine)
     if (commandLine.asJson())
         printJson(QJsonDocument(array));
     return refused == 0 ? AllRight : SomethingFailed;
-}
-
-}  // namespace
-
-int checkCommand(const QStringList &arguments)
-{
-    CommandLine commandLine("check"_s,
-                            "Asks the driver about each address: valid, or why not.\n"
-                            "Exit status 1 when one of them is not valid."_s);
-    commandLine.addPositionalArgument(
-        "addresses"_s, "Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."_s,
-        "ADDRESS..."_s);
-    commandLine.addJsonOption("Print a JSON array, an object an address.");
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    return check(commandLine);
 }
 
 }  // namespace host

@@ -1,7 +1,8 @@
-// Options that the commands have in common, and how a wrong command line is refused.
+// Reads a command line by its command's row.
 #include "host/commands/command_line.h"
 
 #include "host/driver/neighbours.h"
+#include "host/exchange/connection_options.h"
 #include "host/output/failure.h"
 
 #include <QtCore/QRegularExpression>
@@ -9,51 +10,52 @@
 
 namespace host {
 
-CommandLine::CommandLine(const QString &name, const QString &summary)
-    : m_name(name),
-      m_driver("driver"_s, "The driver library to load (default: the one beside this program)."_s,
-               "path"_s),
-      m_help({"h"_s, "help"_s}, "Shows this help."_s)
+CommandLine::CommandLine(const Command &command, const QStringList &arguments)
 {
-    setApplicationDescription(summary);
+    const QString name = QLatin1String(command.name);
+    setApplicationDescription(QLatin1String(command.help));
     addPositionalArgument(name, "This command."_s, name);
-    addOptions({m_driver, m_help});
-}
+    int most = 0;
+    for (const Argument &argument : command.arguments) {
+        const QString syntax = QLatin1String(argument.syntax);
+        addPositionalArgument(syntax, QLatin1String(argument.help), syntax);
+        most = syntax.contains("..."_s) ? int(arguments.size()) : most + 1;
+    }
+    addOption({"driver"_s, "The driver library to load (default: the one beside this program)."_s,
+               "path"_s});
+    addOption({{"h"_s, "help"_s}, "Shows this help."_s});
+    if (command.lineOptions)
+        addConnectionOptions(*this, QString(QLatin1String(command.lineOptions))
+                                        .split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    for (const Option &option : command.options) {
+        const QString preset = QLatin1String(option.preset);
+        const QString help = QLatin1String(option.help) +
+                             (preset.isEmpty() ? "."_s : " (default: %1)."_s.arg(preset));
+        addOption({QString(QLatin1String(option.name)).split(QLatin1Char(',')), help,
+                   QLatin1String(option.value), preset});
+    }
+    if (command.json != Json::None)
+        addOption({"json"_s, "Print %1."_s.arg(command.json == Json::Object  ? "a JSON object"_s
+                                               : command.json == Json::Array ? "a JSON array"_s
+                                                                             : "lines of JSON"_s)});
 
-void CommandLine::read(const QStringList &arguments, int positionalArgumentCount)
-{
-    const QString advice = "; see tolvane-host %1 --help"_s.arg(m_name);
+    const QString advice = "; see tolvane-host %1 --help"_s.arg(name);
     if (!parse(arguments))
         throw Failure(errorText().remove(QRegularExpression("\\.$"_s)) + advice, BadInput);
     for (const QString &option : optionNames())
         if (values(option).contains(QString()))
             throw Failure("--%1 is empty; expected a value"_s.arg(option) + advice, BadInput);
-    if (isSet(m_help))
+    if (isSet("help"_s))
         showHelp();
-    const QStringList given = positionalArguments().mid(1);
-    if (given.size() > positionalArgumentCount)
-        throw Failure(
-            "unexpected argument %1"_s.arg(quoted(given[positionalArgumentCount])) + advice,
-            BadInput);
-}
-
-void CommandLine::addTagFileOption()
-{
-    addOption(
-        QCommandLineOption("tags"_s,
-                           "A tag file with the addresses; its tags are read in as few requests as "
-                           "the driver plans."_s,
-                           "file"_s));
+    if (given().size() > most)
+        throw Failure("unexpected argument %1"_s.arg(quoted(given()[most])) + advice, BadInput);
+    if (command.missing && given().isEmpty() && tagFiles().isEmpty())
+        throw Failure(QLatin1String(command.missing), BadInput);
 }
 
 QStringList CommandLine::tagFiles() const
 {
-    return values("tags"_s);
-}
-
-void CommandLine::addJsonOption(const char *help)
-{
-    addOption(QCommandLineOption("json"_s, QLatin1String(help)));
+    return optionNames().contains("tags"_s) ? values("tags"_s) : QStringList();
 }
 
 bool CommandLine::asJson() const
@@ -63,7 +65,7 @@ bool CommandLine::asJson() const
 
 QString CommandLine::driverPath() const
 {
-    return isSet(m_driver) ? value(m_driver) : findDriver();
+    return isSet("driver"_s) ? value("driver"_s) : findDriver();
 }
 
 void printJson(const QJsonDocument &document)

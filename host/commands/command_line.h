@@ -1,38 +1,70 @@
-// The command line as every command reads it: its own name, --help, and one way to refuse.
+// A command as a row of the program's table, and the command line as it reads it.
 #pragma once
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QJsonDocument>
+#include <QtCore/QVector>
 
 namespace host {
+
+class CommandLine;
+
+enum class Json { None, Object, Array, Lines };
+
+struct Option
+{
+    const char *name;              ///< or several, with commas between
+    const char *help;              ///< a full stop, and the default, are put behind it
+    const char *value = nullptr;   ///< what it is called in the help; null: it takes none
+    const char *preset = nullptr;  ///< its default
+};
+
+struct Argument
+{
+    const char *syntax;  ///< such as "FILE"; "..." in it: any number of them
+    const char *help;
+};
+
+struct Command
+{
+    const char *name;
+    const char *summary;  ///< for the list of commands
+    const char *help;
+    int (*run)(const CommandLine &);
+    Json json = Json::None;  ///< what --json prints
+    QVector<Argument> arguments = {};
+    const char *missing = nullptr;  ///< what is said without any argument; null: there may be none
+    /** Of the options that reach a controller their names; empty: all; null: none. */
+    const char *lineOptions = nullptr;
+    QVector<Option> options = {};
+};
+
+/** The option --tags, for a command whose addresses may stand in files by any name. */
+constexpr Option TagsOption{
+    "tags",
+    "A tag file with the addresses; its tags are read in as few requests as the driver plans",
+    "file"};
 
 class CommandLine : public QCommandLineParser
 {
 public:
-    /** name: as typed; summary: what the command does, for --help. */
-    CommandLine(const QString &name, const QString &summary);
-
     /**
-     * Reads the arguments; --help prints the help and ends the program. Throws Failure (bad input)
-     * for unknown options, missing values and more positional arguments than were declared.
+     * Reads the arguments, the command's name behind the program's; --help prints the help and ends
+     * the program. Throws Failure (bad input) for unknown options, missing values, and more
+     * arguments than the command takes or none where it needs some.
      */
-    void read(const QStringList &arguments, int positionalArguments = 0);
+    CommandLine(const Command &command, const QStringList &arguments);
 
-    /** Declares --tags, which may be given several times; of a tag file by any name. */
-    void addTagFileOption();
+    /** The arguments behind the command. */
+    QStringList given() const { return positionalArguments().mid(1); }
+
+    /** Of --tags, which may be given several times. */
     QStringList tagFiles() const;
 
-    /** Declares --json; the help says what it prints. */
-    void addJsonOption(const char *help);
     bool asJson() const;
 
     /** The driver library to load: --driver, or the one beside the program. */
     QString driverPath() const;
-
-private:
-    QString m_name;
-    QCommandLineOption m_driver;
-    QCommandLineOption m_help;
 };
 
 /** Prints it on standard output, over several lines. */

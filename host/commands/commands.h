@@ -1,20 +1,20 @@
-// The commands of tolvane-host: each takes the program's whole argument list and returns the exit
-// status. Bad input and failures are thrown as Failure.
+// The commands of tolvane-host: the options in, the rooms below do the work. Each returns the exit
+// status; bad input and failures are thrown as Failure.
 #pragma once
 
-#include <QtCore/QStringList>
+#include "host/commands/command_line.h"
 
 namespace host {
 
-int demoCommand(const QStringList &arguments);
-int infoCommand(const QStringList &arguments);
-int planCommand(const QStringList &arguments);
-int explainCommand(const QStringList &arguments);
-int checkCommand(const QStringList &arguments);
-int soakCommand(const QStringList &arguments);
-int readCommand(const QStringList &arguments);
-int recipeCommand(const QStringList &arguments);
-int watchCommand(const QStringList &arguments);
-int writeCommand(const QStringList &arguments);
+int demoCommand(const CommandLine &commandLine);
+int infoCommand(const CommandLine &commandLine);
+int planCommand(const CommandLine &commandLine);
+int explainCommand(const CommandLine &commandLine);
+int checkCommand(const CommandLine &commandLine);
+int soakCommand(const CommandLine &commandLine);
+int readCommand(const CommandLine &commandLine);
+int recipeCommand(const CommandLine &commandLine);
+int watchCommand(const CommandLine &commandLine);
+int writeCommand(const CommandLine &commandLine);
 
 }  // namespace host

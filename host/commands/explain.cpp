@@ -1,6 +1,5 @@
 // tolvane-host explain: frames in plain words, and what is wrong with them.
 #include "host/frames/explain.h"
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/output/failure.h"
 #include "host/output/table.h"
@@ -12,7 +11,6 @@
 #include <QtCore/QTextStream>
 
 #include <algorithm>
-#include <limits>
 
 #include <unistd.h>
 
@@ -85,25 +83,9 @@ QJsonObject toJson(const ExplainedFrame &frame)
 
 }  // namespace
 
-int explainCommand(const QStringList &arguments)
+int explainCommand(const CommandLine &commandLine)
 {
-    CommandLine commandLine(
-        "explain"_s,
-        "Frames in plain words, their checksums judged; ^^ points at what is wrong.\n"
-        "-> is a request, <- a reply; a reply is judged by the request before it.\n"
-        "Exit status 1 when a frame is wrong or a reply is missing."_s);
-    commandLine.addPositionalArgument(
-        "frames"_s,
-        "Bytes as hex pairs, with blanks or without, or a file that --trace or "
-        "\"socat -x\" wrote; - for standard input."_s,
-        "HEX...|FILE|-"_s);
-    const QCommandLineOption wrong("wrong"_s,
-                                   "Print only frames that are wrong, and the "
-                                   "requests of wrong or missing replies."_s);
-    commandLine.addOptions({wrong});
-    commandLine.addJsonOption("Print a JSON array, an object a frame.");
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    QStringList given = commandLine.positionalArguments().mid(1);
+    QStringList given = commandLine.given();
     if (given.isEmpty() && ::isatty(STDIN_FILENO) == 0)
         given.append("-"_s);
     if (given.isEmpty())
@@ -116,6 +98,7 @@ int explainCommand(const QStringList &arguments)
         given.size() == 1 && (given.first() == "-"_s || QFileInfo::exists(given.first()));
     const QVector<ExplainedFrame> frames =
         isFile ? framesFromFile(given.first()) : framesFromText(given);
+    const bool onlyWrong = commandLine.isSet("wrong"_s);
     QTextStream out(stdout);
     QJsonArray array;
     const auto show = [&](const ExplainedFrame &frame) {
@@ -133,9 +116,9 @@ int explainCommand(const QStringList &arguments)
             ++missing;
         else if (isWrong)
             ++faulty;
-        if (!isWrong && commandLine.isSet(wrong))
+        if (!isWrong && onlyWrong)
             continue;
-        const bool alone = commandLine.isSet(wrong) && frame.request > shownRequest &&
+        const bool alone = onlyWrong && frame.request > shownRequest &&
                            frames[frame.request].reading.fault.isEmpty();
         if (alone)
             show(frames[frame.request]);

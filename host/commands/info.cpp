@@ -1,5 +1,4 @@
 // tolvane-host info: what the driver says of itself.
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/driver/identity.h"
 #include "host/output/failure.h"
@@ -55,15 +54,8 @@ void print(const Identity &identity, const QString &path, QTextStream &out)
 
 }  // namespace
 
-int infoCommand(const QStringList &arguments)
+int infoCommand(const CommandLine &commandLine)
 {
-    CommandLine commandLine(
-        "info"_s,
-        "The driver's name and version, its default line, and its register types.\n"
-        "A pattern has a letter for each digit: D is a decimal one."_s);
-    commandLine.addJsonOption("Print a JSON object.");
-    commandLine.read(arguments);
-
     const QString path = commandLine.driverPath();
     const Identity identity = identify(loadDriver(path));
     QTextStream out(stdout);

@@ -1,5 +1,4 @@
 // tolvane-host recipe: many values at once, from the controller to a file or the other way.
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/output/failure.h"
 #include "host/output/output_file.h"
@@ -10,8 +9,6 @@
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
-
-#include <limits>
 
 namespace host {
 
@@ -119,9 +116,11 @@ int push(Connection &connection, const QString &path, bool asJson)
     return differing == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 
-int recipe(const CommandLine &commandLine)
+}  // namespace
+
+int recipeCommand(const CommandLine &commandLine)
 {
-    const QStringList given = commandLine.positionalArguments().mid(1);
+    const QStringList given = commandLine.given();
     const QString direction = given.value(0);
     const QString path = given.value(1);
     const QStringList addresses = given.mid(2);
@@ -141,30 +140,6 @@ int recipe(const CommandLine &commandLine)
     return isPush ? push(connection, path, commandLine.asJson())
                   : pull(connection, path, collectTags(addresses, commandLine.tagFiles()),
                          commandLine.asJson());
-}
-
-}  // namespace
-
-int recipeCommand(const QStringList &arguments)
-{
-    CommandLine commandLine(
-        "recipe"_s,
-        "pull: reads the file's addresses, or those given, and puts their values into "
-        "the file.\npush: writes the file's values, reads them back and "
-        "compares.\nThe file is CSV: address,value,value,..."_s);
-    commandLine.addPositionalArgument("direction"_s, "pull or push."_s, "pull|push"_s);
-    commandLine.addPositionalArgument("file"_s, "The recipe; - for pull to standard output."_s,
-                                      "FILE"_s);
-    commandLine.addPositionalArgument(
-        "addresses"_s,
-        "For pull, beside what the file holds or in its place: such as D_W:100x10:float or M_bit:20.5x8."_s,
-        "[ADDRESS...]"_s);
-    commandLine.addTagFileOption();
-    addConnectionOptions(commandLine);
-    commandLine.addJsonOption(
-        "Print what the controller holds as a line of JSON for each address.");
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    return recipe(commandLine);
 }
 
 }  // namespace host

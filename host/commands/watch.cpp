@@ -1,6 +1,5 @@
 // tolvane-host watch: addresses polled round and round, shown live or written down.
 #include "host/watch/watch.h"
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
@@ -11,7 +10,6 @@
 
 #include <QtCore/QTextStream>
 
-#include <limits>
 #include <optional>
 
 namespace host {
@@ -171,47 +169,14 @@ int close(Connection &connection, const Watch &watch, const Wishes &wishes, Line
 
 }  // namespace
 
-int watchCommand(const QStringList &arguments)
+int watchCommand(const CommandLine &commandLine)
 {
-    CommandLine commandLine(
-        "watch"_s,
-        "Polls addresses: a live table on a terminal (changed, read: time since the value\n"
-        "changed and since its last good read), elsewhere a line per change of value or\n"
-        "quality. Ctrl-C ends it with the counts. Exit status 1 when a tag had no good value\n"
-        "at the end."_s);
-    commandLine.addPositionalArgument(
-        "addresses"_s, "Such as D_W:100x10, level=D_W:100:float, M_bit:20.5, or a tag file."_s,
-        "ADDRESS..."_s);
-    commandLine.addTagFileOption();
-    addConnectionOptions(commandLine);
-    const auto add = [&](const char *name, const char *help, const char *value = nullptr) {
-        commandLine.addOption(
-            QCommandLineOption(QString(QLatin1String(name)).split(QLatin1Char(',')),
-                               QLatin1String(help), QLatin1String(value)));
-    };
-    add("csv",
-        "Write time,name,address,value,quality,reason of each change to a file, behind what is "
-        "there; - for stdout.",
-        "file");
-    commandLine.addJsonOption("Print each change as a line of JSON.");
-    add("every",
-        "Write all values so often, changed or not; in CSV a column for each value and one for "
-        "its quality.",
-        "ms");
-    add("poll", "Begin a poll cycle no sooner than so long after the one before.", "ms");
-    add("for", "End after so many seconds.", "seconds");
-    add("stats", "Print what became of the exchanges, block by block, at the end.");
-    add("never-set-aside,no-demotion",
-        "Poll blocks that are given up three times in a row as often as others.");
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    const QStringList addresses = commandLine.positionalArguments().mid(1);
-    if (addresses.isEmpty() && commandLine.tagFiles().isEmpty())
-        throw Failure("nothing to watch; expected ADDRESS... or --tags FILE"_s, BadInput);
     Wishes wishes = readWishes(commandLine);
 
     Connection connection(commandLine);
-    const QVector<Tag> tags = parseTags(connection.driver(), connection.identity(), addresses,
-                                        connection.stationNo(), commandLine.tagFiles());
+    const QVector<Tag> tags =
+        parseTags(connection.driver(), connection.identity(), commandLine.given(),
+                  connection.stationNo(), commandLine.tagFiles());
     wishes.watch.shortestCycle = connection.patience();
     Watch watch(connection.driver(), connection.session(), tags, wishes.watch);
     std::vector<ValueLog> logs = openLogs(wishes, connection.zone(), watch.values().all());

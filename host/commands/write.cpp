@@ -1,5 +1,4 @@
 // tolvane-host write: values to addresses, each with what came of it.
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/exchange/connection.h"
 #include "host/output/csv.h"
@@ -8,8 +7,6 @@
 #include "host/tags/tag_text.h"
 
 #include <QtCore/QTextStream>
-
-#include <limits>
 
 namespace host {
 
@@ -121,15 +118,13 @@ QJsonObject objectOf(const Driver &driver, const Assignment &assignment, const R
     return object;
 }
 
-int write(const CommandLine &commandLine)
-{
-    const QStringList given = commandLine.positionalArguments().mid(1);
-    if (given.isEmpty())
-        throw Failure("nothing to write; expected ADDRESS=VALUE..."_s, BadInput);
+}  // namespace
 
+int writeCommand(const CommandLine &commandLine)
+{
     Connection connection(commandLine);
     const Driver &driver = connection.driver();
-    const QVector<Assignment> assignments = parseAssignments(connection, given);
+    const QVector<Assignment> assignments = parseAssignments(connection, commandLine.given());
     QVector<Tag> tags;
     for (const Assignment &assignment : assignments)
         tags.append(assignment.tag);
@@ -176,24 +171,6 @@ int write(const CommandLine &commandLine)
     if (commandLine.asJson())
         printJson(QJsonDocument(array));
     return failed == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
-}
-
-}  // namespace
-
-int writeCommand(const QStringList &arguments)
-{
-    CommandLine commandLine(
-        "write"_s,
-        "Writes values and waits until the controller has acknowledged each.\n"
-        "Exit status 1 when the driver gave one up, or one is read back otherwise."_s);
-    commandLine.addPositionalArgument(
-        "assignments"_s, "Such as D_W:100=5, M_bit:20.5=1, D_W:100x3=1,2,3 or D_W:200:float=1.5."_s,
-        "ADDRESS=VALUE..."_s);
-    addConnectionOptions(commandLine);
-    commandLine.addOption({"verify"_s, "Read every value back, and compare."_s});
-    commandLine.addJsonOption("Print a JSON array, an object a tag.");
-    commandLine.read(arguments, std::numeric_limits<int>::max());
-    return write(commandLine);
 }
 
 }  // namespace host

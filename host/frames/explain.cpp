@@ -1,6 +1,7 @@
 // Collects frames and reads each, a reply with the request before it.
 #include "host/frames/explain.h"
 
+#include "host/frames/wire.h"
 #include "host/output/failure.h"
 #include "host/output/text_file.h"
 
@@ -13,11 +14,6 @@
 namespace host {
 
 namespace {
-
-constexpr char Stx = 0x02;
-constexpr char Etx = 0x03;
-constexpr char Eot = 0x04;
-constexpr char Ack = 0x06;
 
 const QString Gap = "  "_s;  // between the parts of a line
 const QString Refused = "refused: "_s;

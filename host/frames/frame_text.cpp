@@ -1,6 +1,7 @@
 // Reads link frames for people: a cursor over the bytes that remembers the first fault.
 #include "host/frames/frame_text.h"
 
+#include "host/frames/wire.h"
 #include "host/output/table.h"
 
 #include <QtCore/QStringList>
@@ -11,12 +12,6 @@ namespace host {
 
 namespace {
 
-constexpr char Stx = 0x02;
-constexpr char Etx = 0x03;
-constexpr char Eot = 0x04;
-constexpr char Ack = 0x06;
-constexpr int ReplyFraming = 5;  // ACK, a byte for the controller's own use, checksum, EOT
-constexpr int ClosingBytes = 3;  // checksum and the last byte
 constexpr int BitsPerWord = 16;
 
 struct Device
@@ -31,20 +26,6 @@ constexpr Device Devices[] = {
     {'j', "L", true},  {'k', "K", true},  {'l', "TX", true}, {'m', "CX", true}, {'n', "F", true},
     {'o', "S", false}, {'p', "N", false}, {'s', "Z", false},
 };
-
-QString hexPair(char byte)
-{
-    return "%1"_s.arg(static_cast<uchar>(byte), 2, 16, QLatin1Char('0')).toUpper();
-}
-
-// The checksum over the bytes from the second one up to `end`.
-char sumOf(const QByteArray &frame, int end)
-{
-    int sum = 0;
-    for (int i = 1; i < end; ++i)
-        sum += static_cast<uchar>(frame[i]);
-    return static_cast<char>(sum);
-}
 
 QString wordCount(int words)
 {
@@ -110,7 +91,7 @@ public:
     void close(char last, const char *lastName)
     {
         const int at = m_position;
-        const char sum = sumOf(m_frame, at);
+        const char sum = checksumOf(m_frame, at);
         const char found = static_cast<char>(byteField());
         if (found != sum)
             fail(at, "checksum %1, but the bytes add up to %2"_s.arg(hexPair(found), hexPair(sum)));
@@ -238,7 +219,7 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
     Cursor in(frame, reading);
     in.expect(Ack, "ACK");
     in.take();
-    const int dataBytes = int(frame.size()) - ReplyFraming;
+    const int dataBytes = int(frame.size()) - ShortestReply;
     if (dataBytes < 0) {
         in.fail(int(frame.size()), "the frame ends too early"_s);
         return reading;
@@ -264,10 +245,10 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
 QString checksumText(const QByteArray &frame)
 {
     const int at = int(frame.size()) - ClosingBytes;
-    if (at < ReplyFraming - ClosingBytes)
+    if (at < ShortestReply - ClosingBytes)
         return "no checksum: the frame is too short"_s;
     const QByteArray found = frame.mid(at, 2);
-    const QString sum = hexPair(sumOf(frame, at));
+    const QString sum = hexPair(checksumOf(frame, at));
     if (found == sum.toLatin1())
         return "checksum %1: right"_s.arg(sum);
     return "checksum bytes %1: wrong, the bytes before add up to %2 (%3)"_s.arg(
@@ -282,7 +263,7 @@ QByteArray blankReply(const QByteArray &request)
     reply += Ack;
     reply += asked.command;
     reply += QByteArray(4 * asked.words * (asked.command == 'r'), '0');
-    reply += hexPair(sumOf(reply, int(reply.size()))).toLatin1();
+    reply += hexPair(checksumOf(reply, int(reply.size()))).toLatin1();
     reply += Eot;
     return reply;
 }

@@ -2,6 +2,7 @@
 #include "host/frames/reply_fault.h"
 
 #include "host/frames/frame_text.h"
+#include "host/frames/wire.h"
 #include "host/output/table.h"
 
 #include <QtCore/QStringList>
@@ -11,15 +12,6 @@
 namespace host {
 
 namespace {
-
-constexpr char Ack = 0x06;  // opens a reply
-constexpr char Eot = 0x04;  // closes it
-constexpr int ShortestReply = 5;
-
-QString hexByte(int byte)
-{
-    return QString::number(byte, 16).toUpper().rightJustified(2, QLatin1Char('0'));
-}
 
 QString milliseconds(LineTime time)
 {
@@ -58,12 +50,13 @@ QString ReplyFault::text() const
         case TooLong:
             return "too long: %1 instead of %2"_s.arg(countText(got, "byte")).arg(expected);
         case Checksum:
-            return "wrong checksum: %1 instead of %2"_s.arg(detail, hexByte(expected));
+            return "wrong checksum: %1 instead of %2"_s.arg(detail, hexPair(char(expected)));
         case FirstByte:
-            return "not a reply: first byte %1 instead of %2"_s.arg(hexByte(got),
-                                                                    hexByte(expected));
+            return "not a reply: first byte %1 instead of %2"_s.arg(hexPair(char(got)),
+                                                                    hexPair(char(expected)));
         case LastByte:
-            return "not a reply: last byte %1 instead of %2"_s.arg(hexByte(got), hexByte(expected));
+            return "not a reply: last byte %1 instead of %2"_s.arg(hexPair(char(got)),
+                                                                   hexPair(char(expected)));
         case NotAsked:
             return "not the reply to this request"_s;
         case Echo:
@@ -125,16 +118,14 @@ ReplyFault formFault(const QByteArray &reply)
         fault.expected = ShortestReply;
         return fault;
     }
-    int sum = 0;
-    for (const char byte : reply.mid(1, size - 4))
-        sum += static_cast<unsigned char>(byte);
-    const QByteArray carried = reply.mid(size - 3, 2);
-    const QString right = hexByte(sum & 0xFF);  // in capitals, and so it must be
+    const char sum = checksumOf(reply, size - ClosingBytes);
+    const QByteArray carried = reply.mid(size - ClosingBytes, 2);
+    const QString right = hexPair(sum);  // in capitals, and so it must be
     if (carried == right.toLatin1())
         return ReplyFault();
     ReplyFault fault;
     fault.reason = ReplyFault::Checksum;
-    fault.expected = sum & 0xFF;
+    fault.expected = static_cast<uchar>(sum);
     bool isHex = false;
     carried.toInt(&isHex, 16);
     fault.detail = isHex ? QString::fromLatin1(carried) : "bytes "_s + hexText(carried, 2);

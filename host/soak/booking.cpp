@@ -21,17 +21,18 @@ void Soak::book(const Exchange &exchange)
     if (good && reads)
         checkReply(exchange);
     if (m_recipe) {
-        bookRecipe(exchange);
+        m_recipe->failed = m_recipe->failed || givenUp;
+        bookRecipe(false);
         m_inFlight = false;  // looked at between transfers only
         return;
     }
 
-    const bool serveWrite = WriteLedger::serves(exchange.frame);
+    const bool serveWrite = exchange.frame.var.kind >= FirstWriteKind;
     const bool firstOfTwo = serveWrite && reads;
     m_inFlight = !givenUp && !(good && !firstOfTwo);
     if (serveWrite) {
         if (!m_inFlight)
-            m_ledger.end(exchange);
+            endWrite(exchange);
     } else if (exchange.frame.var.kind == CyclicReadKind) {
         m_polls += good;
     } else if (givenUp && m_conditionRead) {
@@ -40,26 +41,46 @@ void Soak::book(const Exchange &exchange)
     }
 }
 
-void Soak::bookRecipe(const Exchange &exchange)
+void Soak::endWrite(const Exchange &exchange)
 {
+    const VARIABLE &item = exchange.frame.var;
+    const QString ended = rangeText({item.stationNo, item.regName, item.startAddr, item.count});
+    if (!m_writes.contains(item.kind))
+        return report(Claim::Accounted,
+                      "a write of %1 ended that was not outstanding"_s.arg(ended));
+    const Shown write = m_writes[item.kind];
+    const QString made = rangeText(write.point);
+    if (ended != made)
+        report(Claim::Accounted, "a write of %1 ended as one of %2"_s.arg(made, ended));
+
     const bool acknowledged = exchange.outcome == Outcome::Good;
-    const bool givenUp = exchange.outcome == Outcome::GivenUp;
-    m_recipe->failed = m_recipe->failed || givenUp;
-    if (!m_recipe->written || exchange.frame.readCount > 0 || !(acknowledged || givenUp))
-        return;
-    const VARIABLE &block = exchange.frame.var;
-    for (const Shown &entry : std::as_const(m_recipe->entries)) {
-        const int end =
-            std::min(block.startAddr + block.count, entry.point.address + entry.point.count);
-        Point part = entry.point;
-        part.address = std::max(block.startAddr, entry.point.address);
-        part.count = end - part.address;
-        if (block.regName != entry.point.regName || part.count < 1)
-            continue;
-        m_model.write(part, entry.values.mid(part.address - entry.point.address, part.count),
-                      acknowledged);
-        m_recipe->acknowledged += acknowledged ? part.count : 0;
+    ++(acknowledged ? m_counts.writesAcknowledged : m_counts.writesGivenUp);
+    if (!acknowledged && exchange.errorText.isEmpty())
+        report(Claim::Accounted, "a write of %1 was given up without an error text"_s.arg(made));
+    // Given up while it read the words around its bits, a write has not begun.
+    if (exchange.frame.readCount == 0)
+        report(m_book.write(write.point, write.values, acknowledged));
+
+    // The driver serves a range's writes in turn, so the older ones were replaced by this one.
+    for (auto older = m_writes.begin(); older.key() != item.kind;) {
+        const bool replaced = rangeOf(older->point) == rangeOf(write.point);
+        m_counts.writesReplaced += replaced;
+        older = replaced ? m_writes.erase(older) : std::next(older);
     }
+    m_writes.remove(item.kind);
+}
+
+bool Soak::isWriting(const Point &point) const
+{
+    return std::any_of(m_writes.cbegin(), m_writes.cend(),
+                       [&](const Shown &write) { return shareWords(write.point, point); });
+}
+
+void Soak::bookRecipe(bool acknowledged)
+{
+    for (const Shown &entry : std::as_const(m_recipe->entries))
+        if (m_recipe->written)
+            report(m_book.write(entry.point, entry.values, acknowledged));
 }
 
 // The words as they came over the line, whatever the driver makes of them.
@@ -68,14 +89,12 @@ void Soak::checkReply(const Exchange &exchange)
     const VARIABLE &item = exchange.frame.var;
     const RegisterType *type = m_identity.type(item.regName);
     if (!type)
-        return report({Claim::ReadRight, "a read of the unknown type \"%1\""_s.arg(item.regName)});
-    const Point point{item.stationNo, item.regName, item.startAddr, 1, type->isBit};
-    WordAddress address = placeOf(point, 0).word;
-    for (const int word : readReply(exchange.reply, exchange.request(), 0).words) {
+        return report(Claim::ReadRight, "a read of the unknown type \"%1\""_s.arg(item.regName));
+    Place place = placeOf({item.stationNo, item.regName, item.startAddr, 1, type->isBit}, 0);
+    for (const int value : readReply(exchange.reply, exchange.request(), 0).words) {
         ++m_counts.wordsCompared;
-        if (const auto finding = m_model.judge(address, word))
-            report(*finding);
-        ++address.second;
+        if (const auto finding = m_book.judge(place.device, place.word++, value))
+            report(finding->claim, finding->text);
     }
 }
 
@@ -83,31 +102,25 @@ void Soak::checkRecipe(const QVector<int> &firstUnits)
 {
     ++(m_recipe->written ? m_counts.recipesWritten : m_counts.recipesRead);
     if (m_session.recipeBusy())
-        return report({Claim::Accounted, "a recipe transfer does not end"_s});
+        return report(Claim::Accounted, "a recipe transfer does not end"_s);
     if (m_recipe->failed) {
         ++m_counts.recipesFailed;
         return;
     }
-    int expected = 0;
-    for (int entry = 0; entry < m_recipe->entries.size(); ++entry) {
+    bookRecipe(true);
+    for (int entry = 0; entry < m_recipe->entries.size() && !m_recipe->written; ++entry) {
         const Point &point = m_recipe->entries[entry].point;
-        expected += point.count;
         QVector<int> values;
         for (int i = 0; i < point.count; ++i)
             values.append(m_session.recipeUnit(firstUnits[entry] + i));
-        if (!m_recipe->written)
-            checkValues("a recipe", point, values);
+        checkValues("a recipe", point, values);
     }
-    if (m_recipe->written && m_recipe->acknowledged != expected)
-        report({Claim::Accounted,
-                "a recipe write ended with %1 of %2 values sent"_s.arg(m_recipe->acknowledged)
-                    .arg(expected)});
 }
 
 void Soak::conditionReadEnded(bool done)
 {
     if (!m_conditionRead)
-        return report({Claim::Accounted, "a condition read ended twice"_s});
+        return report(Claim::Accounted, "a condition read ended twice"_s);
     const Point point = *m_conditionRead;
     m_conditionRead.reset();
     m_counts.conditionReadsFailed += !done;
@@ -120,37 +133,47 @@ void Soak::checkValues(const char *how, const Point &point, const QVector<int> &
 {
     for (int i = 0; i < point.count; ++i) {
         ++m_counts.valuesCompared;
-        if (!m_model.allows(point, i, values[i]))
-            report({Claim::ReadRight, "%1 brought %2 as %3, which it cannot be"_s
-                                          .arg(QLatin1String(how), nameOf(point, i))
-                                          .arg(values[i])});
+        if (values[i] != m_book.expected(point, i))
+            report(Claim::ReadRight, "%1 brought %2 as %3, which it cannot be"_s
+                                         .arg(QLatin1String(how), nameOf(point, i))
+                                         .arg(values[i]));
     }
 }
 
-void Soak::judge(const MemoryImage &memory)
+void Soak::judge()
 {
-    for (const Finding &finding : m_model.judge(memory))
-        report(finding);
+    settle();
+    report(m_book.judge());
     for (const Shown &shown : std::as_const(m_shown)) {
         for (int i = 0; i < shown.point.count; ++i) {
-            const Place place = placeOf(shown.point, i);
-            const int held = (memory.value(place.word) & place.mask) >> place.shift;
+            const int held = m_book.held(shown.point, i);
             ++m_counts.valuesCompared;
             if (shown.values[i] != held)
-                report({Claim::ReadRight,
-                        "%1 is read as %2, the controller holds %3"_s.arg(nameOf(shown.point, i))
-                            .arg(shown.values[i])
-                            .arg(held)});
+                report(Claim::ReadRight,
+                       "%1 is read as %2, the controller holds %3"_s.arg(nameOf(shown.point, i))
+                           .arg(shown.values[i])
+                           .arg(held));
         }
     }
 }
 
-void Soak::report(const Finding &finding)
+void Soak::report(Claim claim, const QString &text)
 {
-    if (m_reported.contains(finding.text))
+    if (m_reported.contains(text))
         return;  // a wrong word is seen in every poll
-    m_reported.insert(finding.text);
-    m_findings.append(finding);
+    m_reported.insert(text);
+    m_findings.append({claim, text});
+}
+
+void Soak::report(const QVector<Finding> &findings)
+{
+    for (const Finding &finding : findings)
+        report(finding.claim, finding.text);
+}
+
+QString Soak::rangeText(const Point &point)
+{
+    return "%1 address number %2 x%3"_s.arg(point.regName).arg(point.address).arg(point.count);
 }
 
 QString Soak::nameOf(const Point &point, int index) const

@@ -8,7 +8,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
 
-#include <algorithm>
 #include <cmath>
 
 namespace host {
@@ -51,9 +50,52 @@ QJsonObject countsOf(const QString &controllerReport)
     return counts;
 }
 
-Table newTable()
+/** A number with the words for people behind it, and its name in JSON. */
+struct Count
 {
-    return Table({{Table::Left, 17, 3}, {Table::Left, 0, 0}});
+    const char *name;
+    const char *words;
+    qint64 number;
+};
+
+struct Row
+{
+    const char *name;  // in JSON
+    const char *title;
+    QVector<Count> counts;
+};
+
+QVector<Row> rowsOf(const Soak &soak)
+{
+    const Soak::Counts &counts = soak.counts();
+    return {{"monitored", "monitored", {{"sets", "sets of addresses", counts.registrations}}},
+            {"writes",
+             "writes",
+             {{"made", "made", counts.writes},
+              {"acknowledged", "acknowledged", counts.writesAcknowledged},
+              {"givenUp", "given up", counts.writesGivenUp},
+              {"replaced", "replaced by newer", counts.writesReplaced}}},
+            {"conditionReads",
+             "condition reads",
+             {{"made", "made", counts.conditionReads},
+              {"failed", "failed", counts.conditionReadsFailed}}},
+            {"recipes",
+             "recipes",
+             {{"written", "written", counts.recipesWritten},
+              {"read", "read", counts.recipesRead},
+              {"failed", "of these failed", counts.recipesFailed}}},
+            {"requests",
+             "requests",
+             {{"sent", "sent", counts.requests},
+              {"good", "answered well", soak.line().exchanges},
+              {"repeated", "to be repeated", soak.line().retries},
+              {"givenUp", "given up", soak.line().errors},
+              {"refused", "replies set aside", soak.line().refused}}},
+            {"compared",
+             "compared",
+             {{"words", "words of replies", counts.wordsCompared},
+              {"values", "values that the driver showed, and the whole memory",
+               counts.valuesCompared}}}};
 }
 
 }  // namespace
@@ -61,53 +103,26 @@ Table newTable()
 void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                const QString &controllerReport)
 {
-    const Soak::Counts &counts = soak.counts();
-    const WriteLedger::Counts &writes = soak.writes();
-    const LoopCounters &line = soak.line();
     out << "A soak of the driver: a panel at random on a line with faults, and what is left of it."
         << '\n';
-    Table given = newTable();
-    given.add({"library"_s, setup.driver});
-    given.add({"line"_s, setup.line});
-    given.add({"faults"_s, "%1, seed %2"_s.arg(setup.faults).arg(setup.seed)});
-    given.print(out);
-
-    Table panel = newTable();
-    panel.add({"monitored"_s, countText(counts.registrations, "set") + " of addresses"_s});
-    panel.add({"wrote"_s,
-               "%1 times: %2 acknowledged, %3 given up, %4 replaced by newer"_s.arg(writes.made)
-                   .arg(writes.acknowledged)
-                   .arg(writes.givenUp)
-                   .arg(writes.replaced)});
-    panel.add(
-        {"condition reads"_s,
-         "%1, of which %2 failed"_s.arg(counts.conditionReads).arg(counts.conditionReadsFailed)});
-    panel.add({"recipes"_s, "%1 written, %2 read, of which %3 failed"_s.arg(counts.recipesWritten)
-                                .arg(counts.recipesRead)
-                                .arg(counts.recipesFailed)});
-    panel.print(out << "\nWhat the panel did\n");
-
-    Table its = newTable();
-    its.add({"requests"_s,
-             "%1 sent: %2 answered well, %3 to be repeated, %4 given up"_s.arg(counts.requests)
-                 .arg(line.exchanges)
-                 .arg(line.retries)
-                 .arg(line.errors)});
-    its.add({"set aside"_s, "%1 replies of other requests"_s.arg(line.refused)});
-    its.add({"took"_s, "%1 s of the line's time"_s.arg(soak.seconds(), 0, 'f', 0)});
+    Table table({{Table::Left, 17, 3}, {Table::Left, 0, 0}});
+    table.add({"library"_s, setup.driver});
+    table.add({"line"_s, setup.line});
+    table.add({"faults"_s, "%1, seed %2"_s.arg(setup.faults).arg(setup.seed)});
+    for (const Row &row : rowsOf(soak)) {
+        QStringList texts;
+        for (const Count &count : row.counts)
+            texts.append("%1 %2"_s.arg(count.number).arg(QLatin1String(count.words)));
+        table.add({QLatin1String(row.title), texts.join(", "_s)});
+    }
+    table.add({"took"_s, "%1 s of the line's time"_s.arg(soak.seconds(), 0, 'f', 0)});
     for (const QString &text : controllerReport.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         static const QRegularExpression none(" (?!total)[a-z-]+=0\\b"_s);
-        its.add({text.section(QLatin1Char(':'), 0, 0),
-                 text.section(QLatin1Char(':'), 1).remove(none).trimmed()});
+        table.add({text.section(QLatin1Char(':'), 0, 0),
+                   text.section(QLatin1Char(':'), 1).remove(none).trimmed()});
     }
-    its.print(out << "\nWhat the line did\n");
-
-    Table verdict = newTable();
-    verdict.add({"compared"_s,
-                 "%1 words of replies, %2 values that the driver showed, "
-                 "the whole memory"_s.arg(counts.wordsCompared)
-                     .arg(counts.valuesCompared)});
-    verdict.print(out << "\nWhat came of it\n");
+    table.print(out);
+    out << '\n';
     for (int claim = 0; claim < ClaimCount; ++claim) {
         const QStringList findings = findingsAgainst(soak, claim);
         out << "   " << (findings.isEmpty() ? "ok     " : "WRONG  ") << Claims[claim] << '\n';
@@ -121,34 +136,24 @@ void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
 void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                      const QString &controllerReport)
 {
-    const Soak::Counts &counts = soak.counts();
-    const WriteLedger::Counts &writes = soak.writes();
     QJsonObject claims;
     for (int claim = 0; claim < ClaimCount; ++claim)
         claims[QLatin1String(ClaimNames[claim])] =
             QJsonArray::fromStringList(findingsAgainst(soak, claim));
-    const QJsonObject result{
+    QJsonObject result{
         {"right"_s, soak.findings().isEmpty()},
         {"faults"_s, setup.faults},
         {"seed"_s, qint64(setup.seed)},
-        {"requests"_s, QJsonObject{{"sent"_s, counts.requests},
-                                   {"good"_s, soak.line().exchanges},
-                                   {"repeated"_s, soak.line().retries},
-                                   {"givenUp"_s, soak.line().errors},
-                                   {"refused"_s, soak.line().refused}}},
         {"seconds"_s, std::round(soak.seconds() * 1000) / 1000},
-        {"writes"_s, QJsonObject{{"made"_s, writes.made},
-                                 {"acknowledged"_s, writes.acknowledged},
-                                 {"givenUp"_s, writes.givenUp},
-                                 {"replaced"_s, writes.replaced}}},
-        {"conditionReads"_s,
-         QJsonObject{{"made"_s, counts.conditionReads}, {"failed"_s, counts.conditionReadsFailed}}},
-        {"recipes"_s, QJsonObject{{"written"_s, counts.recipesWritten},
-                                  {"read"_s, counts.recipesRead},
-                                  {"failed"_s, counts.recipesFailed}}},
         {"controller"_s, countsOf(controllerReport)},
         {"findings"_s, claims},
     };
+    for (const Row &row : rowsOf(soak))
+        for (const Count &count : row.counts) {
+            QJsonObject object = result[QLatin1String(row.name)].toObject();
+            object[QLatin1String(count.name)] = count.number;
+            result[QLatin1String(row.name)] = object;
+        }
     out << QJsonDocument(result).toJson();
 }
 

@@ -11,14 +11,12 @@ namespace host {
 struct SoakSetup
 {
     QString driver;
-    QString line;  ///< what the controller is reached through
+    QString line;  ///< and its pace
     QString faults;
     quint32 seed = 1;
-    LoopSettings loop;
 };
 
-/** controllerReport: the controller's closing counts, lines of "title: name=number ..."; or
- * nothing. */
+// controllerReport: the controller's counts, lines of "title: name=number ..."
 void printSoak(QTextStream &out, const SoakSetup &setup, const Soak &soak,
                const QString &controllerReport);
 void printSoakAsJson(QTextStream &out, const SoakSetup &setup, const Soak &soak,

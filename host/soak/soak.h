@@ -3,11 +3,12 @@
 
 #include "host/driver/session.h"
 #include "host/exchange/loop.h"
-#include "host/soak/write_ledger.h"
+#include "host/line/virtual_line.h"
+#include "host/soak/memory_book.h"
 
+#include <QtCore/QMap>
 #include <QtCore/QSet>
 
-#include <optional>
 #include <random>
 
 namespace host {
@@ -15,7 +16,7 @@ namespace host {
 /**
  * Reads and writes at random through the driver and keeps book of what the controller must hold.
  * What the book is compared with does not come from the driver: the words of the replies as they
- * were on the line, and in the end the controller's own memory.
+ * were on the line, and the controller's own memory.
  */
 class Soak
 {
@@ -23,6 +24,10 @@ public:
     struct Counts
     {
         qint64 requests = 0;  ///< sent, those sent again included
+        int writes = 0;
+        int writesAcknowledged = 0;
+        int writesGivenUp = 0;
+        int writesReplaced = 0;  ///< by a newer one of the same range, while they waited
         int registrations = 0;
         int conditionReads = 0;
         int conditionReadsFailed = 0;
@@ -33,40 +38,32 @@ public:
         qint64 valuesCompared = 0;  ///< of what the driver shows
     };
 
-    /** All stay the caller's. start: what the controller's memory holds. */
-    Soak(const Driver &driver, const Identity &identity, Line &line, const LoopSettings &settings,
-         const MemoryImage &start, quint32 seed);
-
-    /** A memory to start with: random words where the soak writes, and around. */
-    static MemoryImage startImage(quint32 seed);
-
-    /** The words, bits and contacts that it writes, and some around, for readImage(). */
-    static QVector<Point> places();
+    /** All stay the caller's; the line's controller, which does not move, gets random words. */
+    Soak(const Driver &driver, const Identity &identity, VirtualLine &line,
+         const LoopSettings &settings, quint32 seed);
 
     /**
-     * Does as a panel does until so many requests were sent. progress is called now and then, and
-     * at the end. Throws Failure when the line is lost or the driver has nothing to send.
+     * Does as a panel does until so many requests were sent. Throws Failure when the driver has
+     * nothing to send.
      */
-    void run(qint64 requests, const std::function<void(qint64 requestsSent)> &progress);
+    void run(qint64 requests);
 
-    /** On a line that is good again: lets the driver finish, and reads everything once more. */
-    void settle();
-
-    /** Compares the controller's memory with the books and with what the driver shows. */
-    void judge(const MemoryImage &memory);
-
-    /** For reading the memory back behind settle(). */
-    Session &session() { return m_session; }
+    /**
+     * Heals the line, lets the driver finish, and reads everything once more. Then compares the
+     * controller's memory with the books and with what the driver shows.
+     */
+    void judge();
 
     const QVector<Finding> &findings() const { return m_findings; }
     const Counts &counts() const { return m_counts; }
-    const WriteLedger::Counts &writes() const { return m_ledger.counts(); }
     const LoopCounters &line() const { return m_loop.counters(); }
 
-    /** Of the line's time since the beginning. */
-    double seconds() const { return double((m_line.now() - m_start).count()) * 1e-9; }
+    /** Of the line's time. */
+    double seconds() const { return double(m_line.now().count()) * 1e-9; }
 
 private:
+    enum { FirstWriteKind = 1000 };  // smaller ones have meanings of their own
+
     struct Shown
     {
         Point point;
@@ -77,7 +74,6 @@ private:
         QVector<Shown> entries;
         bool written = false;  // to the controller
         bool failed = false;
-        int acknowledged = 0;  // values
     };
 
     int dice(int sides) { return int(m_random() % static_cast<unsigned>(sides)); }
@@ -90,27 +86,31 @@ private:
     void readOnCondition(const Point &point);
     void transferRecipe(bool write);
     void exchange();
+    void settle();
 
     void book(const Exchange &exchange);
-    void bookRecipe(const Exchange &exchange);
+    void endWrite(const Exchange &exchange);
+    bool isWriting(const Point &point) const;
+    void bookRecipe(bool acknowledged);
     void checkReply(const Exchange &exchange);
     void checkRecipe(const QVector<int> &firstUnits);
     void checkValues(const char *how, const Point &point, const QVector<int> &values);
     void conditionReadEnded(bool done);
-    void report(const Finding &finding);
+    void report(Claim claim, const QString &text);
+    void report(const QVector<Finding> &findings);
+    static QString rangeText(const Point &point);
     QString nameOf(const Point &point, int index) const;
 
     const Driver &m_driver;
     const Identity &m_identity;
-    const Line &m_line;
-    const LineTime m_start;
-    MemoryModel m_model;
-    WriteLedger m_ledger;
+    VirtualLine &m_line;
+    MemoryBook m_book;
     Session m_session;
     Loop m_loop;
     std::mt19937 m_random;
     Counts m_counts;
 
+    QMap<int, Shown> m_writes;  // without an end yet, by kind, oldest first
     QVector<Point> m_monitored;
     int m_pollRequests = 0;  // of one cycle
     int m_polls = 0;         // replies to them

@@ -13,22 +13,23 @@ constexpr int HexColumn = 3 * FrameBytesShown - 1;
 constexpr int NameColumn = 9;
 constexpr int RowColumns = 96;
 constexpr int Indent = 3;
-constexpr int CellColumn = 12;
 constexpr int MeaningColumn = 51;
-constexpr int ValuesShown = 8;
 constexpr int WordsInRequest = 2;
 constexpr int WordsInReply = 4;
 
+QString shortened(const QString &text)
+{
+    return text.size() <= MeaningColumn ? text : text.left(MeaningColumn - 3) + "...";
+}
+
 }  // namespace
 
-QString Report::valueText(const QVector<int> &values)
+QString Report::text(const QVector<int> &values)
 {
     QStringList texts;
-    for (const int value : values.mid(0, ValuesShown))
+    for (const int value : values)
         texts.append(QString::number(value));
-    const QString text = texts.join(", "_s);
-    return values.size() <= ValuesShown ? text
-                                        : "%1, ... (%2 values)"_s.arg(text).arg(values.size());
+    return texts.join(", "_s);
 }
 
 void Report::step(const QString &title, const QString &intent)
@@ -72,33 +73,20 @@ void Report::exchange(const Exchange &exchange)
                              : readReply(exchange.reply, request, WordsInReply).text);
 }
 
-void Report::table(const QVector<QStringList> &rows)
-{
-    QVector<Table::Column> columns(rows.first().size(), {Table::Right, CellColumn, 0});
-    columns.first() = {Table::Left, CellColumn, Indent};
-    Table table(columns);
-    for (const QStringList &row : rows)
-        table.add(row);
-    table.print(m_out);
-}
-
 void Report::frame(const char *arrow, const QByteArray &bytes, const QString &meaning)
 {
-    const QString text =
-        meaning.size() <= MeaningColumn ? meaning : meaning.left(MeaningColumn - 3) + "..."_s;
     line("%1 %2  %3"_s.arg(QLatin1String(arrow),
-                           hexText(bytes, FrameBytesShown).leftJustified(HexColumn), text));
+                           hexText(bytes, FrameBytesShown).leftJustified(HexColumn),
+                           shortened(meaning)));
 }
 
-void Report::verdict(const QString &what, bool right, const QString &expected, const QString &got)
+void Report::verdict(const QString &what, const QString &got, const QString &expected)
 {
     ++m_checks;
-    if (right) {
-        line("ok     "_s + what);
-        return;
-    }
+    if (got == expected)
+        return line("ok     "_s + what);
     ++m_wrong;
-    line("WRONG  %1: expected %2, got %3"_s.arg(what, expected, got));
+    line("WRONG  %1: expected %2, got %3"_s.arg(what, shortened(expected), shortened(got)));
 }
 
 }  // namespace host

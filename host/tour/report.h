@@ -3,9 +3,7 @@
 
 #include "host/exchange/loop.h"
 
-#include <QtCore/QStringList>
 #include <QtCore/QTextStream>
-#include <QtCore/QVector>
 
 namespace host {
 
@@ -26,26 +24,22 @@ public:
     /** A request and its reply, hex on the left and plain words on the right. */
     void exchange(const Exchange &exchange);
 
-    /** Rows of cells, the first row a heading, the first cell of each row its name. */
-    void table(const QVector<QStringList> &rows);
-
     /** The verdict on one result; a wrong one is printed with what was expected. */
-    template <typename Result>
-    void check(const QString &what, const Result &got, const Result &expected)
+    template <typename Got, typename Expected>
+    void check(const QString &what, const Got &got, const Expected &expected)
     {
-        verdict(what, got == expected, valueText(expected), valueText(got));
+        verdict(what, text(got), text(expected));
     }
+
+    static QString text(const QString &text) { return text; }
+    static QString text(qint64 number) { return QString::number(number); }
+    static QString text(const QVector<int> &values);
 
     int checks() const { return m_checks; }
     int wrong() const { return m_wrong; }
 
-    static QString valueText(const QString &value) { return value; }
-    static QString valueText(int value) { return QString::number(value); }
-    static QString valueText(bool value) { return QLatin1String(value ? "yes" : "no"); }
-    static QString valueText(const QVector<int> &values);  ///< a long list is shortened
-
 private:
-    void verdict(const QString &what, bool right, const QString &expected, const QString &got);
+    void verdict(const QString &what, const QString &got, const QString &expected);
     void frame(const char *arrow, const QByteArray &bytes, const QString &meaning);
 
     QTextStream &m_out;

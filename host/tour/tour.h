@@ -8,88 +8,79 @@
 
 namespace host {
 
-/** A report of the driver that a point changed. */
-struct Change
-{
-    Point point;
-    int before = 0;
-    int after = 0;
-};
+/** Takes the driver through all steps; returns whether every result was right. */
+bool takeTour(const QString &driverPath, QTextStream &out);
 
-/** What the steps share, and what they have seen since their beginning. */
+using Values = QVector<int>;
+
+/** What the steps can do and look at. Addresses are texts such as "D_W:100x2". */
 class Tour
 {
 public:
-    Tour(const Driver &loadedDriver, const Identity &driverIdentity, VirtualLine &openLine,
-         Report &tourReport);
+    Tour(const QString &driverPath, QTextStream &out);
 
-    /** Opens a step: forgets what was seen. The first so many exchanges of it are printed. */
-    void begin(const QString &title, const QString &intent, int exchangesShown);
+    /** Opens a step. The first so many exchanges of it are printed. */
+    void begin(const char *title, const char *intent, int exchangesShown);
 
-    Point point(const char *text) const;
-    QString text(const Point &point) const { return pointText(driver, point); }
+    void introduceDriver();
+    void checkTypes();
+    void checkAddress(const QString &address, const QString &expectedVerdict);
 
-    /** Prints the values that the driver holds for the point. */
-    void show(const char *name, const Point &point);
+    /** Registers the addresses, and nothing else; returns the requests of a cycle. */
+    int monitor(const QStringList &addresses);
+    void write(const QString &address, const Values &values);
+    /** Prints what the driver holds. */
+    void show(const QString &name, const QString &address);
 
-    /** Writes and prints the changes that the driver reports at once. */
-    void write(const Point &point, const QVector<int> &values);
-
-    /** Runs the loop until so many more exchanges went well. Throws Failure when they do not. */
-    void run(int exchangeCount);
-
-    /** Lets the driver do all that it has to do, and no more. */
+    // The loop goes on: until so many of the step's exchanges went well, until something is so,
+    // until there is nothing left to do. These throw Failure when it does not get there.
+    void run(int exchanges);
+    void runUntil(const std::function<bool()> &done);
     void finish();
+    /** Goes on for so long, and prints what that brought. */
+    void measure(std::chrono::seconds duration);
 
-    /**
-     * Asks the controller what the point holds. The driver's cache is emptied before, so the
-     * values can only come from the controller; it is left without monitored points. Not printed
-     * and not part of what the step has seen.
-     */
-    QVector<int> readBack(const Point &point);
+    Values values(const QString &address) const { return session.values(point(address)); }
+    /** The word in the latest good reply that has it, read by the host itself. */
+    Values wire(const QString &address) const;
+    /** The controller's own words. */
+    Values held(const QString &address);
+    void hold(const QString &address, const Values &values);
 
-    /** Writes without printing; the driver's cache and monitored points are empty afterwards. */
-    void prepare(const Point &point, const QVector<int> &values);
-
-    /** The word as the latest good reply carried it, read by the host itself; -1 if none did. */
-    int wordOnTheWire(const QString &regName, int word) const;
-
+    Point point(const QString &address) const { return parsePoint(driver, identity, address, 1); }
     int seen(Outcome outcome) const;
+    /** Reports that the address has changed. */
+    int reports(const QString &address) const { return reportsOf(point(address)); }
+    /** Reports of whatever has not changed. */
+    int settled() const;
+    const Exchange &last() const;
 
-    const Driver &driver;
-    const Identity &identity;
-    VirtualLine &line;
-    Report &report;
+    Report report;
+    const Driver driver;
+    const Identity identity;
+    VirtualLine line;
     Session session;
     Loop loop;
-
-    QList<Exchange> exchanges;
-    QVector<Change> changes;
-    QVector<bool> conditionReadEnds;
-    QVector<int> recipeUnits;
+    Values conditionReads;  ///< their ends, 1 for one that brought its values
+    int recipeUnits = 0;    ///< announced
 
 private:
+    struct Change
+    {
+        Point point;
+        int before;
+        int after;
+    };
+
+    QString verdictOn(const QString &address) const;
+    int reportsOf(const Point &point) const;
     void watch(const Exchange &exchange);
     void completeChanges();
-    QString changeText(const Change &change) const;
 
+    QVector<Exchange> m_exchanges;
+    QVector<Change> m_changes;
     int m_exchangesToShow = 0;
     int m_changesComplete = 0;
-    bool m_watching = false;
 };
-
-/** The steps, in the order of the tour. */
-void identifyDriver(Tour &tour);
-void checkAddresses(Tour &tour);
-void monitorPoints(Tour &tour);
-void pollForChanges(Tour &tour);
-void writeWords(Tour &tour);
-void writeOneBit(Tour &tour);
-void writeSeveralBits(Tour &tour);
-void readOnCondition(Tour &tour);
-void writeRecipe(Tour &tour);
-void readRecipe(Tour &tour);
-void loseReplies(Tour &tour);
-void runAtFullSpeed(Tour &tour);
 
 }  // namespace host

@@ -1,9 +1,28 @@
 // The door of this controller's room: its tables stand in register_tables.cpp, everything else that
-// is its own behind these declarations. Another controller is another room behind the same door.
+// is its own behind these declarations. Another controller is another room behind the same door, as
+// examples/second_controller/ is; tests/example/ has the test to copy.
 #ifndef TOLVANE_LINK_H
 #define TOLVANE_LINK_H
 
 #include "../protocol.h"
+
+// ---- Tables (register_tables.cpp) -----------------------------------------------------------
+//
+// A storage unit is a word of 16 bits or a single bit; values of 32 bits are the host's, made of
+// two words. What a row's type is follows from its name and widths:
+//
+//     valueBits  unitBits  name                  a unit is      address
+//     16         16        any: "D_W"            a word         number of the word
+//     1          16        with "_bit": "D_bit"  a word         word * 16 + bit
+//     1          any       without: "TX"         a bit          number of the bit
+//
+// A row that is none of these stops the load with its name, and so does a "_bit" type without a
+// word type of the same name up to "_". The order: rows are appended, because positions order the
+// read planning and hosts show them; a "_bit" type stands behind the word type over the same words.
+//
+// addrFormat is letters "D" (decimal), "O" (octal) or "H" (hexadecimal), a digit each, for plain
+// numbers; anything mixed, such as "DDDD.DD", is left to addr_str2int() and addr_int2str() and
+// suits "_bit" types. minAddr and maxAddr are written in the pattern. access is "RW", "R" or "W".
 
 // ---- Addresses (address.cpp) ----------------------------------------------------------------
 

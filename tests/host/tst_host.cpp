@@ -160,13 +160,18 @@ void TestHost::everyOptionIsDocumented()
         QStringList defaults;
         for (auto found = defaultValue.globalMatch(help.out.simplified()); found.hasNext();)
             defaults += found.next().captured();
-        for (const char *kind : {"1", "bash"}) {
-            QFile in(page + kind);
-            QVERIFY(in.open(QIODevice::ReadOnly));
-            const QByteArray text = in.readAll().replace("\\-", "-").simplified();
-            for (const QString &word : *kind == '1' ? words + defaults : words)
-                QVERIFY2(text.contains(word.toLatin1()), qPrintable(page + kind + ' ' + word));
-        }
+        QFile in(page + "1");
+        QVERIFY(in.open(QIODevice::ReadOnly));
+        const QByteArray manual = in.readAll().replace("\\-", "-").simplified();
+        for (const QString &word : words + defaults)
+            QVERIFY2(manual.contains(word.toLatin1()), qPrintable(in.fileName() + ' ' + word));
+        const QString complete =
+            "source %1; COMP_WORDS=(\"$@\" --); COMP_CWORD=$#; "
+            "${0/*tolvane-/_tolvane_} \"$1\"; echo \" ${COMPREPLY[*]} \"";
+        const Result offered = runProgram(
+            "bash", QStringList{"-c", complete.arg(page + "bash"), program, program} + call);
+        for (const QString &word : words.mid(int(call.size())))
+            QVERIFY2(offered.out.contains(' ' + word + ' '), qPrintable(offered.out + word));
     }
 }
 

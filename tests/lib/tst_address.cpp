@@ -1,4 +1,4 @@
-// The register types, all 18 of them in every respect that a panel sees, and the exports around
+// The register types, all of them in every respect that a panel sees, and the exports around
 // addresses: texts and numbers both ways, checks, descriptions, series.
 #include <QtTest/QtTest>
 
@@ -22,6 +22,23 @@ void table(const Cells &columns, const std::vector<Cells> &rows)
         for (size_t i = 1; i < row.size(); ++i)
             data << QString(row.at(i));
     }
+}
+
+/** The register types in the order in which they are told: name, device, pattern, last address. */
+const std::vector<Cells> &types()
+{
+    static const std::vector<Cells> rows = {
+        {"P_W", "h", "DDDD", "2047"},         {"M_W", "i", "DDDD", "2047"},
+        {"L_W", "j", "DDDDD", "11263"},       {"K_W", "k", "DDDD", "2559"},
+        {"F_W", "n", "DDDD", "2047"},         {"D_W", "a", "DDDDD", "32767"},
+        {"S_W", "o", "DDD", "127"},           {"T_W", "b", "DDDD", "2047"},
+        {"C_W", "c", "DDDD", "2047"},         {"N_W", "p", "DDDDD", "21503"},
+        {"Z_W", "s", "DDDD", "127"},          {"P_bit", "h", "DDDD.DD", "2047.15"},
+        {"M_bit", "i", "DDDD.DD", "2047.15"}, {"L_bit", "j", "DDDDD.DD", "11263.15"},
+        {"K_bit", "k", "DDDD.DD", "4095.15"}, {"F_bit", "n", "DDDD.DD", "2047.15"},
+        {"TX", "l", "DDDD", "2047"},          {"CX", "m", "DDDD", "2047"},
+    };
+    return rows;
 }
 
 QString reported;
@@ -54,27 +71,7 @@ class AddressTest : public QObject
     Q_OBJECT
 
 private slots:
-    void type_data()
-    {
-        table({"device", "pattern", "last"}, {{"P_W", "h", "DDDD", "2047"},
-                                              {"M_W", "i", "DDDD", "2047"},
-                                              {"L_W", "j", "DDDDD", "11263"},
-                                              {"K_W", "k", "DDDD", "2559"},
-                                              {"F_W", "n", "DDDD", "2047"},
-                                              {"D_W", "a", "DDDDD", "32767"},
-                                              {"S_W", "o", "DDD", "127"},
-                                              {"T_W", "b", "DDDD", "2047"},
-                                              {"C_W", "c", "DDDD", "2047"},
-                                              {"N_W", "p", "DDDDD", "21503"},
-                                              {"Z_W", "s", "DDDD", "127"},
-                                              {"P_bit", "h", "DDDD.DD", "2047.15"},
-                                              {"M_bit", "i", "DDDD.DD", "2047.15"},
-                                              {"L_bit", "j", "DDDDD.DD", "11263.15"},
-                                              {"K_bit", "k", "DDDD.DD", "4095.15"},
-                                              {"F_bit", "n", "DDDD.DD", "2047.15"},
-                                              {"TX", "l", "DDDD", "2047"},
-                                              {"CX", "m", "DDDD", "2047"}});
-    }
+    void type_data() { table({"device", "pattern", "last"}, types()); }
     void type()
     {
         QFETCH(QString, device);
@@ -156,10 +153,15 @@ private slots:
         QCOMPARE(intf_getRegListByType(-1, unheardOf), 0);
         QCOMPARE(intf_getRegListByType(0, bits), 1);
         QCOMPARE(unheardOf, words + words);
-        QCOMPARE(bits.join(","), QString("P_bit,M_bit,L_bit,K_bit,F_bit,TX,CX"));
-        QCOMPARE(words.join(","), QString("P_W,M_W,L_W,K_W,F_W,D_W,S_W,T_W,C_W,N_W,Z_W"));
-        QCOMPARE(text, QString("0,115200,8,NONE,1,0,1,192.168.1.100,8000,tolvane_link,") +
-                           (words + bits).join(","));
+        QStringList all, ofWords, ofBits;
+        for (const Cells &row : types()) {
+            all << row.at(0);
+            (all.last().endsWith("_W") ? ofWords : ofBits) << row.at(0);
+        }
+        QCOMPARE(words, ofWords);
+        QCOMPARE(bits, ofBits);
+        QCOMPARE(text,
+                 QString("0,115200,8,NONE,1,0,1,192.168.1.100,8000,tolvane_link,") + all.join(","));
         QStringList nothing;
         QCOMPARE(intf_getRegDiscription("d_w", nothing), 0);
         QVERIFY(nothing.isEmpty());
@@ -289,10 +291,13 @@ private slots:
     void weight()
     {
         QCOMPARE(getRegAddressWeight(0, "M_W", 0), 65535U);
-        QCOMPARE(getRegAddressWeight(1, "P_W", 0), 1179630U);
+        const quint32 types = quint32(RegisterTypeCount);
+        QCOMPARE(getRegAddressWeight(1, "P_W", 0), types * 65535U);
         QCOMPARE(getRegAddressWeight(0, "X_W", 0), 4294901761U);
-        QCOMPARE(getRegAddressWeight(1, "m_w", 3), getRegAddressWeight(0, "CX", 3));
-        QCOMPARE(getRegAddressWeight(2147483647, "CX", 2147483647), 2147418112U);
+        QCOMPARE(getRegAddressWeight(1, "m_w", 3),
+                 getRegAddressWeight(0, REG_LIST[RegisterTypeCount - 1], 3));
+        QCOMPARE(getRegAddressWeight(2147483647, "CX", 2147483647),
+                 (types * 2147483647U + 17U) * 65535U + 2147483647U);
     }
 };
 

@@ -1,8 +1,13 @@
 // What only the inside shows: which data areas the cache makes, which mutex guards what, and the
 // functions that are offered to another link.
+#include <QtCore/QFile>
 #include <QtCore/QThread>
 #include <QtTest/QtTest>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <functional>
 
 #include "serviceForProtocol/data_area.h"
@@ -144,6 +149,29 @@ private slots:
             QCOMPARE(intf_dealRcvFrame("\x06x78\x04", &text), result);
             QCOMPARE(text, QString());
         }
+    }
+
+    void tablesThatNoneCanServe()
+    {
+        // The load of a room with such a row, in a process that it ends.
+        int ends[2];
+        QCOMPARE(pipe(ends), 0);
+        if (fork() == 0) {
+            signal(SIGABRT, SIG_DFL);
+            dup2(ends[1], STDOUT_FILENO);
+            dup2(ends[1], STDERR_FILENO);
+            const_cast<AddressRange &>(ADDRESS_RANGE_PRO[9]).valueBits = "32";
+            Protocol another;
+            _exit(0);
+        }
+        close(ends[1]);
+        QFile said;
+        QVERIFY(said.open(ends[0], QIODevice::ReadOnly));
+        QVERIFY(said.readAll().contains("register type N_W has no storage unit"));
+        close(ends[0]);
+        int status = 0;
+        wait(&status);
+        QVERIFY(WIFSIGNALED(status));
     }
 
     void forAnotherLink()

@@ -32,6 +32,11 @@ run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE} -B ${CONSUMER_BUILD} -G Ninja
     -DCMAKE_PREFIX_PATH=${PREFIX} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${CXX_FLAGS})
 run(${CMAKE_COMMAND} --build ${CONSUMER_BUILD})
 run(${CONSUMER_BUILD}/consumer)
+# The panel that is installed among the documents, as somebody copies it.
+run(${CMAKE_COMMAND} -S ${PREFIX}/share/doc/tolvane-link/examples/panel -B ${CONSUMER_BUILD}/panel
+    -G Ninja -DTOLVANE_QT=${QT} -DCMAKE_PREFIX_PATH=${PREFIX} -DCMAKE_CXX_COMPILER=${CXX}
+    -DCMAKE_CXX_FLAGS=${CXX_FLAGS})
+run(${CMAKE_COMMAND} --build ${CONSUMER_BUILD}/panel)
 
 file(GLOB pc ${PREFIX}/lib*/pkgconfig/tolvane_link.pc ${PREFIX}/lib/*/pkgconfig/tolvane_link.pc)
 foreach(file ${pc} ${PREFIX}/bin/tolvane-plc ${PREFIX}/bin/tolvane-host

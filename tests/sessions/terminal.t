@@ -18,7 +18,3 @@ A terminal gets a table, drawn over the one before; the cursor is back at the en
   ^[Nm... and N more, N of them not good^[Nm^[K
   ^[Nmlevel  D_W:N         -  not read yet                     -        -^[Nm^[K
   level  D_W:N       N  _ N    N s    N s^[K
-  $ script -qec "tolvane-host soak --exchanges 40000" terminal > /dev/null < /dev/null
-  $ tr '\r' '\n' < terminal | grep "of 40000"
-  20003 of 40000 requests\x1b[K (esc)
-  40000 of 40000 requests\x1b[K (esc)
