@@ -30,7 +30,6 @@ Watch::Watch(const Driver &driver, Session &session, const QVector<Tag> &tags,
       m_session(session),
       m_tags(tags),
       m_settings(settings),
-      m_coverage(tags),
       m_values(driver, session, tags),
       m_statistics(driver, namesStations(tags)),
       m_setAside(pointsOf(tags)),
@@ -203,7 +202,7 @@ void Watch::reportChanges(const QVector<int> &which, LineTime now)
 QString Watch::tagsIn(const Point &block)
 {
     QStringList names;
-    for (const Coverage::Covered &covered : m_coverage.of(block))
+    for (const Coverage::Covered &covered : m_values.readBy(block))
         names += m_tags[covered.tag].name;
     return names.join(", "_s);
 }

@@ -69,7 +69,6 @@ private:
     Session &m_session;
     QVector<Tag> m_tags;
     WatchSettings m_settings;
-    Coverage m_coverage;
     WatchedValues m_values;
     Unproven m_unproven;
     Statistics m_statistics;

@@ -60,6 +60,9 @@ public:
     /** Time has passed: values that were not read for so long are stale. */
     QVector<int> age(LineTime limit, LineTime now);
 
+    /** Which of the tags a block reads. */
+    const QVector<Coverage::Covered> &readBy(const Point &block) { return m_coverage.of(block); }
+
     /** Adds the values that are not bad to the trends; the oldest samples go. */
     void sample();
 

@@ -156,8 +156,7 @@ void TestOffline::tagFiles()
         {"f\xFCll,D_W:1\n", "t.csv:1: .*expected text in UTF-8"},
         {QByteArray("a,D_W:1\nb,D\0_W:2\nc,D_W:3\n", 26),
          "t.csv:2: \"b,D.x00_W:2\": expected text"},
-        {"a,D_W:1\n\nb,D_W:2\na,D_W:3\n",
-         "^t.csv:4: tag \"a\": .*, t.csv:1$"},
+        {"a,D_W:1\n\nb,D_W:2\na,D_W:3\n", "^t.csv:4: tag \"a\": .*, t.csv:1$"},
         {",,,\n", "there is no tag in .*t.csv"},
     };
     for (const auto &[text, tags] : rows) {
