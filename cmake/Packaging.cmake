@@ -48,8 +48,7 @@ list(JOIN symbols "\n" symbols)
 file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/symbols
     "libtolvane_link.so.${PROJECT_VERSION_MAJOR} tolvane-link #MINVER#\n${symbols}\n")
 
-install(DIRECTORY examples/panel DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link/examples
-    COMPONENT development)
+install(DIRECTORY examples/panel DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tolvane-link/examples)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tolvane-link)
