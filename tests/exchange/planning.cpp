@@ -57,6 +57,8 @@ void planningRows()
     plan("more bits than a frame has words", "64", "condition M_bit 0 x500", "rM0x32");
     plan("bits as words, in pieces of limit * 8", "1", "condition M_bit 1604 x21",
          "rM100 rM100x2 rM101");
+    plan("bits with the mark of words, in pieces of the limit", "64",
+         "condition M_bit 0 x130 mark 0", "rM0x4 rM4x4 rM8");
     plan("no such condition read", "64",
          "condition X_W 0, X_bit 0, D_bit 0, D_W 0 x0, TX 0 x-1, M_bit 3 x0", "");
     plan("writes in pieces of the limit", "64", "write D_W 0 x150", "wD0x64 wD64x64 wD128x22");
