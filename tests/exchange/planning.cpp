@@ -36,6 +36,8 @@ void planningRows()
          "0#rD1 rL0 rD0 2#rD1");
     plan("stations far apart", "64", "monitor 3000#D_W 0, D_W 0, 1500#D_W 0",
          "rD0 1500#rD0 3000#rD0");
+    plan("stations so far apart that their weights wrap, types lying 65535 apart", "64",
+         "monitor 0#M_W 0, 3641#P_W 0", "3641#rP0 0#rM0");
     plan("a key of which no piece can be read", "64", "monitor D_W -127 x127, D_W 5", "rD5");
     plan("contacts side by side stay apart", "64", "monitor CX 5, CX 6", "rCX0 rCX0");
     plan("a key beyond the limit is one block", "64", "monitor D_W 0 x100", "rD0x100");
