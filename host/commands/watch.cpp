@@ -203,6 +203,7 @@ int watchCommand(const QStringList &arguments)
     const QVector<Tag> tags = parseTags(connection.driver(), connection.identity(), addresses,
                                         connection.stationNo(), commandLine.tagFiles());
     wishes.watch.shortestCycle = connection.patience();
+    wishes.watch.provable = connection.canProve();
     Watch watch(connection.driver(), connection.session(), tags, wishes.watch);
     std::vector<ValueLog> logs = openLogs(wishes, connection.zone(), watch.values().all());
 

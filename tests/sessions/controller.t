@@ -4,7 +4,7 @@ counts what came; SIGUSR2 ends the faults.
   $ . "$TESTDIR/functions.sh"
   $ controller --link plc --still --save --image image.csv --verbose --faults loss=100%
   $ tolvane-host write --port plc D_W:5=7 --timeout 60 --retries 1
-  D_W:5 = 7  FAILED: no reply within 60 ms
+  D_W:5 = 7  FAILED: no reply within 60 ms; not acknowledged; the controller may hold it
   [1]
   $ await counts disturbed; kill -USR2 $!
   $ tolvane-host write --port plc M_bit:1.2=1
@@ -14,7 +14,8 @@ counts what came; SIGUSR2 ends the faults.
   write D 5 = 7
       its reply is disturbed: loss
   set M 1 mask 0004
-  served: total=2 read=0 write=1 set=1 clear=0
+  read M 1 x 1
+  served: total=3 read=1 write=1 set=1 clear=0
   refused: total=0 unfinished=0 too-long=0 layout=0 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
   faults: total=1 loss=1 cut=0 flip=0 late=0 double=0 noise=0 mute=0
   stray bytes: 0
@@ -44,7 +45,7 @@ One host after the other: what one left half sent is nothing to the next. SIGUSR
   > done > told; sort told | uniq -c
         6 D_W:0  0
         2 [0]
-        4 served: total=3 read=3 write=0 set=0 clear=0
+        4 served: total=6 read=6 write=0 set=0 clear=0
 
 A link is given up as it was taken: one that leads nowhere is replaced, one that was replaced stays.
 
