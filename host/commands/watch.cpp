@@ -175,6 +175,7 @@ int watchCommand(const CommandLine &commandLine)
         parseTags(connection.driver(), connection.identity(), commandLine.given(),
                   connection.stationNo(), commandLine.tagFiles());
     wishes.watch.shortestCycle = connection.patience();
+    wishes.watch.provable = connection.canProve();
     Watch watch(connection.driver(), connection.session(), tags, wishes.watch);
     std::vector<ValueLog> logs = openLogs(wishes, connection.zone(), watch.values().all());
 

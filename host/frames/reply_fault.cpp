@@ -38,9 +38,9 @@ ReplyFault byteFault(ReplyFault::Reason reason, int got, int expected)
 const char *ReplyFault::name(Reason reason)
 {
     constexpr const char *names[ReasonCount] = {
-        "good",       "no-reply",  "too-short", "too-long", "wrong-checksum",
-        "first-byte", "last-byte", "not-asked", "echo",     "too-early",
-        "line-lost",  "not-hex",   "differ"};
+        "good",       "no-reply",  "too-short", "too-long",   "wrong-checksum",
+        "first-byte", "last-byte", "not-asked", "echo",       "too-early",
+        "line-lost",  "not-hex",   "differ",    "may-be-copy"};
     return names[reason];
 }
 
@@ -76,6 +76,8 @@ QString ReplyFault::text() const
             return "data that is no hex: byte %1"_s.arg(detail);
         case Differ:
             return "several replies that differ: nothing tells which is the answer"_s;
+        case MayBeCopy:
+            return "it may be a copy of the reply before"_s;
     }
     return QString();
 }
