@@ -101,7 +101,7 @@ Watching, on a line that a pipe or a log follows.
   TIME,two[0],D_W:100,1,good,
   TIME,two[1],D_W:101,2,good,
   $ TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --csv - --every 200 --local 2>/dev/null \
-  >     | grep -v ',,bad' | head -4 | sed 's/^....-..-..T..:..:..\..../TIME/'
+  >     | grep --line-buffered -v ',,bad' | head -4 | sed 's/^....-..-..T..:..:..\..../TIME/'
   time,a,a quality
   TIME+05:30,1,good
   TIME+05:30,1,good
