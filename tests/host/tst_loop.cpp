@@ -127,7 +127,7 @@ void TestLoop::staysInStep()
             panel.timesUnsure, panel.wrongAcks, panel.wrongBits, counters.retries,
             counters.doubted);
     QCOMPARE(panel.wrongBits, 0);
-    QVERIFY(panel.wrongOld <= (proven > 0 ? 2 : 0));
+    QCOMPARE(panel.wrongOld, 0);
     QVERIFY(panel.wrongValues <= wrong && panel.wrongProven <= proven);
     QVERIFY(counters.exchanges > exchanges * 9 / 10);
 }
