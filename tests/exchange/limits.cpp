@@ -46,7 +46,8 @@ void limitRows()
         reply none : 2)");
     row("the ends of the number range", R"(
         monitor D_W 2147483647 x2, D_W -2147483648, 2147483647#M_bit 2147483640 x20 : *
-        write D_W 2147483647 = 0100 0200 => *; write M_bit 2147483647 = 01 01 => *
+        write D_W 2147483647 = 0100 0200 => D_W 2147483647, D_W -2147483648
+        write M_bit 2147483647 = 01 01
         condition D_W 2147483640 x40000; condition TX 2147483640 x100
         get D_W 2147483647 x2 : 0100 0200; get D_W -2147483648 : 0200
         get M_bit -2147483648 : 01; recipe D_W 2147483647 x9 @4087, TX 2147483640 x9 @4087 : *)");

@@ -218,7 +218,7 @@ QString play(Bench &bench, const QString &script)
     const QStringList steps = QString(script).replace('\n', ';').split(';');
     for (int i = 0; i < steps.size(); ++i) {
         const QString action = steps.at(i).section("=>", 0, 0).trimmed();
-        if (action.isEmpty() || postponed(bench, action))
+        if (steps.at(i).trimmed().isEmpty() || postponed(bench, action))
             continue;
         bench.calls.clear();
         QString wrong = step(bench, action);
