@@ -10,6 +10,17 @@ int hexAt(const QByteArray &bytes, int at)
     return bytes.mid(at, 2).toInt(nullptr, 16);
 }
 
+KEY_ADDRESS keyOf(const Range &range)
+{
+    KEY_ADDRESS key;
+    key.stationNo = range.station;
+    key.regName = range.name;
+    key.startAddr = range.start;
+    key.bitMark = range.mark;
+    key.count = range.count;
+    return key;
+}
+
 }  // namespace
 
 Driver::~Driver()
@@ -35,29 +46,6 @@ QByteArray wrapped(char open, const QByteArray &body, char close)
         sum += static_cast<unsigned char>(body.at(i));
     const QByteArray checksum = QByteArray(1, char(sum & 0xFF)).toHex().toUpper();
     return open + body + checksum + close;
-}
-
-KEY_ADDRESS keyOf(const Range &range)
-{
-    KEY_ADDRESS key;
-    key.stationNo = range.station;
-    key.regName = range.name;
-    key.startAddr = range.start;
-    key.bitMark = range.mark;
-    key.count = range.count;
-    return key;
-}
-
-_RCP_VAR_PRO entryOf(const Range &range)
-{
-    _RCP_VAR_PRO entry;
-    entry.ownerKey = range.owner;
-    entry.stationNo = range.station;
-    entry.regName = range.name;
-    entry.startAddr = range.start;
-    entry.count = range.count;
-    entry.bufIndex = range.unit;
-    return entry;
 }
 
 Bench::Bench() : controller(memory), shared(SharedBlockBytes), buffer(2 * RecipeUnits)
@@ -114,8 +102,16 @@ void Bench::condition(const Range &range)
 int Bench::recipe(const Ranges &entries)
 {
     QVector<_RCP_VAR_PRO> list;
-    for (const Range &range : entries)
-        list << entryOf(range);
+    for (const Range &range : entries) {
+        _RCP_VAR_PRO entry;
+        entry.ownerKey = range.owner;
+        entry.stationNo = range.station;
+        entry.regName = range.name;
+        entry.startAddr = range.start;
+        entry.count = range.count;
+        entry.bufIndex = range.unit;
+        list << entry;
+    }
     return driver.setRcpAddress(list);
 }
 

@@ -75,9 +75,6 @@ QByteArray wrapped(char open, const QByteArray &body, char close);
 
 enum : char { STX = 0x02, ETX = 0x03, EOT = 0x04, ACK = 0x06 };
 
-KEY_ADDRESS keyOf(const Range &range);
-_RCP_VAR_PRO entryOf(const Range &range);
-
 /** One bench at a time. */
 class Bench
 {

@@ -27,7 +27,8 @@ void callbackRows()
     row("a neighbouring bit written inside a report stays written", R"(monitor M_bit 0 : 1
         on M_bit 0 do write M_bit 1 = 01; write M_bit 0 = 01 => M_bit 0; get M_bit 0 x2 : 01 01)");
     row("a write made inside the report of a failed write outlives it", R"(monitor D_W 10 : 1
-        write D_W 10 = 7856 => D_W 10; send : *; on D_W 10 do write D_W 10 = 0900; fail => *
+        write D_W 10 = 7856 => D_W 10; send : *; on D_W 10 do write D_W 10 = 0900
+        fail => D_W 10, D_W 10
         send : wa 1400 00 02 0900)");
     row("monitoring ended inside a report ends the reports of that word", R"(
         monitor M_bit 0 x3, M_W 0 : 1; send : *; on M_bit 0 do monitor : 0
@@ -42,7 +43,8 @@ void callbackRows()
     row("started over at the end of a condition read: what was asked since stays", R"(
         condition D_W 10, D_W 11, D_W 10; on done 0 do init 7#0#0#3#64 & condition D_W 10
         serve 1 : rD10 => done 0; serve 2 : rD10 - => done 0; condition D_W 10; send : *
-        on done -1 do init 7#0#0#3#64 & condition D_W 10; fail => *; serve 2 : rD10 - => done 0)");
+        on done -1 do init 7#0#0#3#64 & condition D_W 10; fail => done -1
+        serve 2 : rD10 - => done 0)");
     row("the next frame asked for inside the end of a condition read: no item is lost or repeated",
         R"(condition D_W 10, D_W 20, D_W 10; on done 0 do send : ra 1400 00 02
         serve 1 : rD10 => done 0; send : ra 1400 00 02; reply plc
@@ -70,37 +72,47 @@ void callbackRows()
         send : wa 1600 00 02 0200; reply ok; send : ra 1400 00 02)");
     row("the exchange ended inside the report of a reply, the next one is spared", R"(
         monitor D_W 10, D_W 500 : 2; send : *
-        on D_W 10 do reply data 0100 & send : ra E803 00 02; reply data 0100 => *
+        on D_W 10 do reply data 0100 & send : ra E803 00 02
+        reply data 0100 => D_W 10, D_W 10
         send : ra E803 00 02)");
 
-    // Every export in every callback; afterwards the driver runs empty and starts over.
-    const QString occasions(
-        "%1; write D_W 10 = 0100 0200 0300 => *|%1; write M_bit 3 = 010101 => *|"
-        "%1; write TX 5 = 010101 => *|%1; plc D 10 = 0100 0200 0300; serve 3 : * => *|"
-        "%1; plc TX 0 = FFFF; serve 3 : * => *|"
-        "write D_W 10 = 0100 0200 0300 => *; %1; fail : * => *|"
-        "write TX 5 = 01 => *; %1; fail : * => *|"
-        "write M_bit 3 = 010101 => *; serve 1 : *; %1; serve 1 : * => *|"
-        "monitor : 0; request 0 1; %1; serve 1 : * => *|"
-        "monitor : 0; request 0 1; serve 1 : * => *; %1; serve 1 : * => *|"
-        "condition D_W 500 x3; %1; fail : * => *");
+    // Every export inside the first of several reports: either all of them come, or what was done
+    // ends them. Afterwards the driver runs empty and starts over. Before, step, reports, ended by:
+    const char *const occasions[][4] = {
+        {"", "write D_W 10 = 0100 0200 0300", "D_W 10, D_W 11, D_W 12", "monitor :"},
+        {"", "write M_bit 3 = 010101", "M_bit 3, M_bit 4, M_bit 5", "monitor :"},
+        {"", "write TX 5 = 010101", "TX 5, TX 6, TX 7", ""},
+        {"plc D 10 = 0100 0200 0300; serve 1 : rM0", "serve 1 : rD10x3", "D_W 10, D_W 11, D_W 12",
+         "monitor :"},
+        {"plc TX 0 = FFFF; serve 2 : rM0 rD10x3", "serve 1 : rTX0x3", "TX 5, TX 6, TX 7",
+         "monitor :"},
+        {"write D_W 10 = 0100 0200 => D_W 10, D_W 11", "fail", "D_W 10, D_W 11", "monitor :"},
+        {"write TX 5 = 01 => TX 5", "fail", "TX 5", ""},
+        {"write M_bit 3 = 010101 => M_bit 3, M_bit 4, M_bit 5; serve 1 : rM0", "serve 1 : wM0",
+         "M_bit 3, M_bit 4, M_bit 5", "monitor :"},
+        {"monitor : 0; request 0 1", "serve 1 : rD10x3", "RWI 1, RWI 2, RWI 3", "recipe"},
+        {"monitor : 0; request 0 1; serve 1 : rD10x3 => RWI 1, RWI 2, RWI 3", "serve 1 : rM0",
+         "RWI 7, RWI 8, RWI 9", "recipe"},
+        {"condition D_W 500 x3", "fail", "done -1", ""}};
     const QString actions(
-        "get M_W 0 x400 : *|write M_bit 4 = 00|flood write 600|flood condition 600|"
-        "monitor : *|monitor D_W 0 x300, M_bit 0 x99, TX 5 x99 : *|"
-        "recipe TX 9 x3 @4000, D_W 10 x9 @9, M_bit 40 x9 @99 : *|recipe XX 1 : *|"
-        "request 1 0|init 7#1#0#0#0|init 7#0#0#3#64 & get N_W 0 x4 : *|send : *|"
-        "reply none : *|reply data 01000200 : *");
-    for (const QString &occasion : occasions.split('|')) {
-        for (const QString &action : actions.split('|'))
-            row(occasion + ", " + action,
-                "monitor D_W 10 x3, M_bit 3 x3, TX 5 x3 : 3;"
-                "recipe D_W 10 @1, D_W 11 x2 @2, M_bit 3 x3 @7 : 3;" +
-                    QString(occasion).replace("%1", "on * do " + action) + "; request 0 0;" +
-                    // Nothing of what was under way is stored behind a new start.
-                    (action.startsWith("init") ? "get N_W 0 x4 : 00000000 00000000; send : -;"
-                                               : "") +
-                    "monitor : 0; drain => *; init 7#0#0#3#64; plc D 10 = 3412; monitor D_W 10 : 1;"
-                    "serve 1 : rD10 => D_W 10; write D_W 20 = 0100; condition D_W 30;"
-                    "serve 3 : wD20 rD30 rD10 => done 0");
+        "get M_W 0 x400 : *|write D_W 500 x1000|flood condition 600|monitor : 0|"
+        "monitor D_W 0 x300, M_bit 3 x3, TX 5 x99 : *|recipe XX 1 : 0|"
+        "recipe TX 9 x3 @4000, D_W 10 x9 @9, M_bit 40 x9 @99 : 3|request 1 0|send : *|"
+        "init 7#1#0#0#0|init 7#0#0#3#64 & get N_W 0 x4 : 00000000 00000000");
+    for (const auto &occasion : occasions) {
+        for (const QString &action : actions.split('|')) {
+            const QString all(occasion[2]), first = all.section(',', 0, 0), ending(occasion[3]);
+            const bool isStart = action.startsWith("init");
+            const bool ends = isStart || (!ending.isEmpty() && action.startsWith(ending));
+            // Nothing of what was under way is stored behind a new start.
+            row(QString("%1; %2, %3").arg(occasion[0], occasion[1], action),
+                QString("monitor D_W 10 x3, M_bit 3 x3, TX 5 x3 : 3;"
+                        "recipe D_W 10 @1, D_W 11 x2 @2, M_bit 3 x3 @7 : 3; %1; on %2 do %3;"
+                        "%4 => %5; request 0 0; %6; monitor : 0; drain => *; init 7#0#0#3#64;"
+                        "plc D 10 = 3412; monitor D_W 10 : 1; serve 1 : rD10 => D_W 10;"
+                        "write D_W 20 = 0100; condition D_W 30; serve 3 : wD20 rD30 rD10 => done 0")
+                    .arg(occasion[0], first, action, occasion[1], ends ? first : all,
+                         isStart ? "get N_W 0 x4 : 00000000 00000000; send : -" : ""));
+        }
     }
 }

@@ -34,7 +34,8 @@ void recipeRows()
     row("stations, types, contacts and gaps stay apart", R"(
         recipe 2#D_W 1 @0, D_W 0 @1, M_W 0 @2, M_bit 0 x20 @20, M_bit 20 x5 @40, D_W 2 @3 : 6
         request 0 1; serve 6 : rM0 rD0 rD2 rM0x2 2#rD1 - => *
-        recipe TX 5 @0, TX 6 @1, TX 6 x2 @2 : 3; request 0 1; serve 3 : rTX0 rTX0x2 - => *)");
+        recipe TX 5 @0, TX 6 @1, TX 6 x2 @2 : 3; request 0 1
+        serve 3 : rTX0 rTX0x2 - => RWI 0, RWI 1, RWI 2, RWI 3)");
     row("recipe bits are joined within the limit that is in force", R"(init 7#0#0#3#1000
         recipe M_bit 0 x100 @0, M_bit 100 x100 @100, M_bit 200 x27 @200 : 3; request 0 1
         serve 2 : rM0x7 rM6x9 => *; requested : 0 0)");
@@ -54,7 +55,7 @@ void recipeRows()
         monitor D_W 10, D_W 30 : 1; recipe D_W 10 @0, D_W 30 @1, M_W 3 @2 : 3; request 1 0
         serve 2 : wM3 wD10; send : wa 3C00 00 02 0000; fail; requested : 0 0; data 0000
         request 0 1; serve 3 : rM3 rD10 rD30 => RWI 2, RWI 0, RWI 1; requested : 0 0
-        request 0 1; serve 1 : rM3 => *; fail; requested : 0 0)");
+        request 0 1; serve 1 : rM3 => RWI 2; fail; requested : 0 0)");
     row("the failure of a write before it ends no transfer", R"(recipe D_W 10 @0, D_W 20 @1 : 2
         write D_W 5 = 0100; fail; request 1 0; serve 3 : wD10 wD20 -)");
     row("bits are written one by one or merged, no others change", R"(
@@ -87,15 +88,16 @@ void recipeRows()
     row("a request taken back: the next transfer begins at its first block", R"(
         recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 1 0; serve 2 : wD10 wD20; request 0 0
         send : -; request 1 0; serve 4 : wD10 wD20 wD30 -; requested : 0 0; request 0 1
-        serve 1 : rD10 => *; request 0 255; send : -; request 0 1; serve 3 : rD10 rD20 rD30 => *)");
+        serve 1 : rD10 => RWI 0; request 0 255; send : -; request 0 1
+        serve 3 : rD10 rD20 rD30 => RWI 0, RWI 1, RWI 2)");
     row("taken back in flight: the block ends, the next transfer begins at its first", R"(
         recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 1 0; serve 1 : wD10; send : *
         request 0 0; send : wa 2800 00 02 0000; reply none : 8; send : *; reply ok; send : -
         request 1 0; serve 4 : wD10 wD20 wD30 -; requested : 0 0)");
     row("taken back and set again, or the other one set, between two looks: the position stays", R"(
         recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; request 1 0; serve 1 : wD10; request 0 0
-        request 1 0; send : *; request 0 0; reply ok; request 0 1; serve 1 : rD30 => *
-        requested : 0 0; request 0 1; serve 1 : rD10 => *)");
+        request 1 0; send : *; request 0 0; reply ok; request 0 1; serve 1 : rD30 => RWI 2
+        requested : 0 0; request 0 1; serve 1 : rD10 => RWI 0)");
     row("no entry kept: both requests are refused, the queues go on", R"(
         recipe D_W 10 @0, D_W 20 @1 : 2; recipe D_W 30 @0 owner 3 : 0; flood write 1
         request 1 1; serve 1 : wD0; requested : 0 0; recipe D_W 30 @0 : 1; request 1 0
@@ -118,7 +120,8 @@ void recipeRows()
         buffer 1 x7 : 0000 0000 0000 0000 0000 0000 0000; serve 1 : rD70 => RWI 7
         requested : 0 0)");
     row("registered with fewer blocks than are done: the last one is repeated, and copied nowhere",
-        R"(recipe D_W 10 @0, D_W 20 @1, D_W 30 @2, D_W 40 @3 : 4; request 0 1; serve 3 : * => *
+        R"(recipe D_W 10 @0, D_W 20 @1, D_W 30 @2, D_W 40 @3 : 4; request 0 1
+        serve 3 : * => RWI 0, RWI 1, RWI 2
         recipe D_W 50 @5 : 1; plc D 30 = 0900; serve 2 : rD30 -; requested : 0 0
         buffer 2 x4 : 0000 0000 0000 0000; request 1 0; serve 2 : wD50 -)");
     row("no recipe at all: the finished write is repeated, none is lost", R"(flood write 1

@@ -1,6 +1,8 @@
 // Reading and playing scripts.
 #include "script.h"
 
+#include <QtCore/QtEndian>
+
 #include <regex>
 
 Range rangeOf(const QString &text)
@@ -54,11 +56,6 @@ QString hex(const QByteArray &bytes)
 QByteArray lowFirst(int word)
 {
     return QByteArray(1, char(word & 0xFF)) + char(word >> 8);
-}
-
-quint16 wordAt(const QByteArray &bytes, int at)
-{
-    return quint16((bytes.at(at) & 0xFF) | (bytes.at(at + 1) & 0xFF) << 8);
 }
 
 /** Result codes show only when they are not the usual one. */
@@ -149,7 +146,9 @@ QString outcomeOf(Bench &bench, const QString &action)
         for (int i = 0; i < range.count && !hasValues; ++i)
             held += lowFirst(bench.memory.word(device, range.start + i));
         for (int i = 0; i < values.size() / 2; ++i)
-            bench.memory.setWord(device, range.start + i, wordAt(values, 2 * i));
+            bench.memory.setWord(device, range.start + i,
+                                 qFromLittleEndian<quint16>(
+                                     reinterpret_cast<const uchar *>(values.constData()) + 2 * i));
         return hex(held);
     }
     if (verb == "write") {
@@ -218,7 +217,7 @@ QString play(Bench &bench, const QString &script)
     const QStringList steps = QString(script).replace('\n', ';').split(';');
     for (int i = 0; i < steps.size(); ++i) {
         const QString action = steps.at(i).section("=>", 0, 0).trimmed();
-        if (action.isEmpty() || postponed(bench, action))
+        if (steps.at(i).trimmed().isEmpty() || postponed(bench, action))
             continue;
         bench.calls.clear();
         QString wrong = step(bench, action);

@@ -13,7 +13,7 @@ void valueRows()
         monitor D_W 4, D_W 6 : 1; plc D 5 = 0800; serve 1 : rD4x3; monitor D_W 5 : 1
         get D_W 5 : 0800; serve 1 : rD5)");
     row("unknown names are bit types, unless they have _bit", R"(write Q 5 = 0107 => Q 5, Q 6
-        get Q 5 x2 : 0107; write X_W 5 = 0100 => *; get Q 6 : 07; write Q_bit 5 = 01
+        get Q 5 x2 : 0107; write X_W 5 = 0100 => X_W 5; get Q 6 : 07; write Q_bit 5 = 01
         write q 5 = 02 => q 5; get Q 5 : 01; monitor Q 5 x2, Q_bit 5 : 0; write Q 5 = 00 => Q 5
         send : -)");
     QString write("init 7#1#0#3#64"), read;

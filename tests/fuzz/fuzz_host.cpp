@@ -31,13 +31,6 @@ void require(bool condition, const char *what)
     std::abort();
 }
 
-/** The queues' lengths. */
-void checkQueues()
-{
-    require(driver.loop.writeList.size() <= 513, "write queue beyond 513");
-    require(driver.loop.condReadList.size() <= 513, "condition-read queue beyond 513");
-}
-
 /** A frame on offer: length, control bytes, checksum. */
 void checkFrame(const FRAME_PRO &frame)
 {
@@ -78,30 +71,6 @@ QByteArray framedReply(const QByteArray &body)
 {
     const unsigned char *const bytes = reinterpret_cast<const unsigned char *>(body.constData());
     return '\x06' + body + checksumOf(bytes, int(body.size())) + '\x04';
-}
-
-/** A key with the bit mark that belongs to its type. */
-KEY_ADDRESS keyOf(const QString &regName, int startAddr, int count)
-{
-    KEY_ADDRESS key;
-    key.stationNo = 1;
-    key.regName = regName;
-    key.startAddr = startAddr;
-    key.count = count;
-    key.bitMark = regName.endsWith(QLatin1String("_W")) ? 0 : -1;
-    return key;
-}
-
-_RCP_VAR_PRO entryOf(const QString &regName, int startAddr, int count, int bufIndex)
-{
-    _RCP_VAR_PRO entry;
-    entry.ownerKey = 1;
-    entry.stationNo = 1;
-    entry.regName = regName;
-    entry.startAddr = startAddr;
-    entry.count = count;
-    entry.bufIndex = bufIndex;
-    return entry;
 }
 
 // ---- What a host does ------------------------------------------------------------------------
@@ -147,9 +116,10 @@ int station()
 
 KEY_ADDRESS key()
 {
-    const QString name = regName();
-    const int from = address();
-    KEY_ADDRESS made = keyOf(name, from, count());
+    KEY_ADDRESS made;
+    made.regName = regName();
+    made.startAddr = address();
+    made.count = count();
     made.stationNo = station();
     made.bitMark = input->ConsumeBool() ? -1 : 0;
     return made;
@@ -186,10 +156,14 @@ void registerRecipe()
     QVector<_RCP_VAR_PRO> entries;
     for (int n = input->ConsumeIntegralInRange(0, 6); n > 0; --n) {
         const KEY_ADDRESS range = key();
-        entries.append(entryOf(range.regName, range.startAddr, range.count,
-                               input->ConsumeIntegralInRange(-2, int(BufferUnits))));
-        entries.last().stationNo = range.stationNo;
-        entries.last().ownerKey = input->ConsumeIntegralInRange(0, 2);
+        _RCP_VAR_PRO entry;
+        entry.stationNo = range.stationNo;
+        entry.regName = range.regName;
+        entry.startAddr = range.startAddr;
+        entry.count = range.count;
+        entry.bufIndex = input->ConsumeIntegralInRange(-2, int(BufferUnits));
+        entry.ownerKey = input->ConsumeIntegralInRange(0, 2);
+        entries.append(entry);
     }
     intf_setRcpAddress(entries);
 }
@@ -250,7 +224,8 @@ void step()
                                exchange,  exchange,      exchange,       exchange};
     steps[input->ConsumeIntegralInRange(0, 15)]();
     writesSettle &= driver.settings.propItem1 == 0 && driver.loop.writeList.size() < QueueLimit;
-    checkQueues();
+    require(driver.loop.writeList.size() <= 513, "write queue beyond 513");
+    require(driver.loop.condReadList.size() <= 513, "condition-read queue beyond 513");
     if (writesSettle && depth == 0)
         checkWritesSettled();
 }

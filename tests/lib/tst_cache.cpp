@@ -59,14 +59,6 @@ void writeBit()
     intf_setData(1, "M_bit", 5, 1, ones, 0);
 }
 
-void registerRecipe(const char *type)
-{
-    _RCP_VAR_PRO entry;
-    entry.regName = type;
-    entry.count = 1;
-    intf_setRcpAddress(QVector<_RCP_VAR_PRO>() << entry);
-}
-
 }  // namespace
 
 class CacheTest : public QObject
@@ -108,7 +100,10 @@ private slots:
 
     void requestBytesAreGuarded()
     {
-        registerRecipe("D_W");
+        _RCP_VAR_PRO entry;
+        entry.regName = "D_W";
+        entry.count = 1;
+        intf_setRcpAddress(QVector<_RCP_VAR_PRO>() << entry);
         QVERIFY(waitsFor(hostMutex, ask));
         shared[RecipeWriteRequest] = 1;
         ask();
@@ -136,10 +131,9 @@ private slots:
         QCOMPARE(driver.loop.itemsInFrame, 1);
         driver.loop.handShakeRequest = 0;
         QString text("was there");
-        for (const int result : {8, 8, 2, 0}) {
+        for (const int result : {8, 8, 2, 0})
             QCOMPARE(intf_dealRcvFrame("\x06x78\x04", &text), result);
-            QCOMPARE(text, QString());
-        }
+        QCOMPARE(text, QString());
     }
 
     void tablesThatNoneCanServe()
