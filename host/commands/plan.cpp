@@ -3,7 +3,6 @@
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
 #include "host/output/output_file.h"
-#include "host/output/whole_file.h"
 #include "host/plan/picture.h"
 #include "host/plan/text.h"
 

@@ -3,8 +3,8 @@
 
 #include "host/output/csv.h"
 #include "host/output/failure.h"
+#include "host/output/output_file.h"
 #include "host/output/text_file.h"
-#include "host/output/whole_file.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>

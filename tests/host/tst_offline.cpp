@@ -3,7 +3,7 @@
 #include "host/exchange/controller_process.h"
 #include "host/output/csv.h"
 #include "host/output/failure.h"
-#include "host/output/whole_file.h"
+#include "host/output/output_file.h"
 #include "host/plan/picture.h"
 #include "host/tags/recipe_file.h"
 #include "host/tags/recipe_transfer.h"
