@@ -38,14 +38,9 @@ Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QStr
         RecipeRow row;
         row.line = i;
         row.separator = csvSeparator(text);
-        bool ok = false;
-        row.values = csvFields(text, row.separator, &ok);
-        if (!ok)
-            throw Failure("%1: %2: expected each quote to be closed at its field's end"_s.arg(
-                              source, quoted(text)),
-                          BadInput);
+        row.values = csvFields(text, row.separator, source);
         row.address = row.values.takeFirst();
-        row.tag = parseTag(driver, identity, QString(), row.address, stationNo, source);
+        row.tag = parseTag(driver, identity, {{}, row.address, source}, stationNo);
         while (row.values.size() > valueCount(row.tag) && row.values.last().isEmpty())
             row.values.removeLast();  // spreadsheets fill lines up
         if (row.separator == Semicolon && row.tag.form.isNumber())

@@ -1,11 +1,9 @@
-// Reads tags from arguments, and their values from and to text.
+// Judges tags that were given, and reads their values from and to text.
 #include "host/tags/tags.h"
 
 #include "host/output/failure.h"
 #include "host/output/table.h"
-#include "host/tags/tag_file.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
@@ -55,33 +53,6 @@ void takeScaling(const TagText &text, Tag &tag)
 
 }  // namespace
 
-QVector<TagText> collectTags(const QStringList &arguments, const QStringList &tagFiles)
-{
-    QVector<TagText> tags;
-    for (const QString &path : tagFiles)
-        tags += readTagFile(path);
-    for (int i = 0; i < int(arguments.size()); ++i) {
-        const QString &argument = arguments[i];
-        if (argument.endsWith(".csv"_s, Qt::CaseInsensitive)) {
-            tags += readTagFile(argument);
-            continue;
-        }
-        const int equals = int(argument.indexOf(QLatin1Char('=')));
-        TagText text;
-        text.name = argument.left(std::max(0, equals));
-        text.address = argument.mid(equals + 1);
-        text.source = "argument %1"_s.arg(i + 1);
-        tags += text;
-    }
-    QHash<QString, QString> sources;  // by name
-    for (TagText &tag : tags) {
-        tag.twin = sources.value(tag.name);
-        if (!tag.name.isEmpty())
-            sources[tag.name] = tag.source;
-    }
-    return tags;
-}
-
 Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text, int stationNo)
 {
     try {
@@ -101,16 +72,6 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
                          ? "%1: %2"_s.arg(text.source, why)
                          : "%1: tag %2: %3"_s.arg(text.source, quoted(text.name), why));
     }
-}
-
-Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
-             const QString &address, int stationNo, const QString &source)
-{
-    TagText text;
-    text.name = name;
-    text.address = address;
-    text.source = source;
-    return parseTag(driver, identity, text, stationNo);
 }
 
 QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
