@@ -13,8 +13,7 @@ int readCommand(const CommandLine &commandLine)
 {
     Connection connection(commandLine);
     const QVector<Tag> tags =
-        parseTags(connection.driver(), connection.identity(), commandLine.given(),
-                  connection.stationNo(), commandLine.tagFiles());
+        parseTags(connection.driver(), commandLine.given(), commandLine.tagFiles());
     const QStringList columns = tagColumns(connection.driver(), tags);
     const QVector<TagReading> readings = readTags(connection, tags);
 

@@ -19,13 +19,11 @@ QVector<int> rowsToPull(const Connection &connection, const QString &path,
 {
     const QFileInfo file(path);
     if (asked.isEmpty() || (path != "-"_s && file.isFile() && file.size() > 0))
-        recipe = readRecipeFile(connection.driver(), connection.identity(), path,
-                                connection.stationNo());
+        recipe = readRecipeFile(connection.driver(), path);
     QVector<int> rows;
     for (TagText text : asked) {
         text.scaling = Form();  // a recipe holds what the controller holds
-        const Tag tag =
-            parseTag(connection.driver(), connection.identity(), text, connection.stationNo());
+        const Tag tag = parseTag(connection.driver(), text);
         rows.append(recipe.rowOf(tag, text.address));
     }
     for (int row = 0; asked.isEmpty() && row < int(recipe.rows.size()); ++row)
@@ -61,8 +59,7 @@ int pull(Connection &connection, const QString &path, const QVector<TagText> &as
 
 int push(Connection &connection, const QString &path, bool asJson)
 {
-    const Recipe recipe =
-        readRecipeFile(connection.driver(), connection.identity(), path, connection.stationNo());
+    const Recipe recipe = readRecipeFile(connection.driver(), path);
     if (recipe.rows.isEmpty())
         throw Failure("there is no address in %1"_s.arg(path), BadInput);
     QVector<QVector<int>> wanted;

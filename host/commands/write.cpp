@@ -49,8 +49,7 @@ QVector<Assignment> parseAssignments(const Connection &connection, const QString
         const int nameEnd = int(target.indexOf(QLatin1Char('=')));
         const TagText text{target.left(qMax(0, nameEnd)), target.mid(nameEnd + 1),
                            "argument %1"_s.arg(i + 1)};
-        const Tag tag =
-            parseTag(connection.driver(), connection.identity(), text, connection.stationNo());
+        const Tag tag = parseTag(connection.driver(), text);
         const QStringList values =
             csvFields(argument.mid(equals + 1), QLatin1Char(','), tag.name, "value");
         assignments.append({tag, parseValues(tag, values)});

@@ -21,8 +21,7 @@ constexpr QChar Comma = QLatin1Char(',');
 
 }  // namespace
 
-Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QString &path,
-                      int stationNo)
+Recipe readRecipeFile(const Driver &driver, const QString &path)
 {
     static const QRegularExpression header("^(#.*|address *([,;] *value.*)?[,; ]*)?$"_s,
                                            QRegularExpression::CaseInsensitiveOption);
@@ -40,7 +39,7 @@ Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QStr
         row.separator = csvSeparator(text);
         row.values = csvFields(text, row.separator, source);
         row.address = row.values.takeFirst();
-        row.tag = parseTag(driver, identity, {{}, row.address, source}, stationNo);
+        row.tag = parseTag(driver, {{}, row.address, source});
         while (row.values.size() > valueCount(row.tag) && row.values.last().isEmpty())
             row.values.removeLast();  // spreadsheets fill lines up
         if (row.separator == Semicolon && row.tag.form.isNumber())

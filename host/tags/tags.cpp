@@ -20,21 +20,20 @@ Failure refuse(const QString &message)
 }
 
 // "2/D_W:100x10:float"
-void parseAddress(const Driver &driver, const Identity &identity, const QString &text,
-                  int stationNo, Tag &tag)
+void parseAddress(const Driver &driver, const QString &text, Tag &tag)
 {
     static const QRegularExpression form("^(?:([0-9]{1,9})/)?([^:]*:[^:]*|[^:]*)(?::(.*))?$"_s);
     const QRegularExpressionMatch match = form.match(text);
     const QString station = match.captured(1);
     tag.stationNamed = !station.isEmpty();
-    if (tag.stationNamed)
-        stationNo = station.toInt();
+    const int stationNo = tag.stationNamed ? station.toInt() : driver.stationNo;
     if (stationNo > HighestStation)
         throw refuse(
             "address %1: expected a station from 0 to %2"_s.arg(quoted(text)).arg(HighestStation));
     if (match.lastCapturedIndex() >= 3)
         tag.form = formNamed(match.captured(3));
-    tag.point = parsePoint(driver, identity, match.captured(2), stationNo, tag.form.words());
+    tag.point = parsePoint(driver, match.captured(2), tag.form.words());
+    tag.point.stationNo = stationNo;
     if (tag.point.isBit && tag.form.format != Format::Plain)
         throw refuse(
             "a bit of %1 has no format %2"_s.arg(tag.point.regName, quoted(match.captured(3))));
@@ -53,7 +52,7 @@ void takeScaling(const TagText &text, Tag &tag)
 
 }  // namespace
 
-Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text, int stationNo)
+Tag parseTag(const Driver &driver, const TagText &text)
 {
     try {
         Tag tag;
@@ -61,7 +60,7 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
             throw refuse("another one has that name, %1"_s.arg(text.twin));
         if (printable(text.name) != text.name)
             throw refuse("expected a name without control characters"_s);
-        parseAddress(driver, identity, text.address, stationNo, tag);
+        parseAddress(driver, text.address, tag);
         takeScaling(text, tag);
         tag.name = text.name.isEmpty() ? text.address : text.name;
         tag.unit = text.unit;
@@ -74,12 +73,12 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
     }
 }
 
-QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
-                       int stationNo, const QStringList &tagFiles)
+QVector<Tag> parseTags(const Driver &driver, const QStringList &arguments,
+                       const QStringList &tagFiles)
 {
     QVector<Tag> tags;
     for (const TagText &text : collectTags(arguments, tagFiles))
-        tags += parseTag(driver, identity, text, stationNo);
+        tags += parseTag(driver, text);
     return tags;
 }
 

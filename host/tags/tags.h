@@ -42,15 +42,14 @@ QVector<TagText> collectTags(const QStringList &arguments,
                              const QStringList &tagFiles = QStringList());
 
 /**
- * Reads one address, its count in values, and has the driver check it; stationNo is for addresses
- * without one. Throws Failure (bad input) that names the tag, where it was given, and what is wrong
- * or the range of the type.
+ * Reads one address, its count in values, and has the driver check it. Throws Failure (bad input)
+ * that names the tag, where it was given, and what is wrong or the range of the type.
  */
-Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text, int stationNo);
+Tag parseTag(const Driver &driver, const TagText &text);
 
 /** Collects the tags and reads them all; throws as both do. */
-QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
-                       int stationNo, const QStringList &tagFiles = QStringList());
+QVector<Tag> parseTags(const Driver &driver, const QStringList &arguments,
+                       const QStringList &tagFiles = QStringList());
 
 /** Whether one of the tags was given with its station: then blocks are named with theirs, too. */
 bool namesStations(const QVector<Tag> &tags);
