@@ -174,6 +174,7 @@ int watchCommand(const CommandLine &commandLine)
     const QVector<Tag> tags =
         parseTags(connection.driver(), commandLine.given(), commandLine.tagFiles());
     wishes.watch.shortestCycle = connection.patience();
+    wishes.watch.provable = connection.canProve();
     Watch watch(connection.driver(), connection.session(), tags, wishes.watch);
     std::vector<ValueLog> logs = openLogs(wishes, connection.zone(), watch.values().all());
 

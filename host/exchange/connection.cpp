@@ -107,6 +107,8 @@ std::unique_ptr<Line> Connection::makeLine()
 bool Connection::prove(const Point &near)
 {
     constexpr int Attempts = 3;
+    if (!canProve())
+        return true;
     const auto notify = std::exchange(observer, nullptr);
     m_proven = false;
     for (int i = 0; i < Attempts && !m_proven; ++i) {

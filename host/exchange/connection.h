@@ -62,8 +62,11 @@ public:
     /** One step of the loop; that the line is gone and that it is back is said once. */
     Outcome step() { return m_loop->step(); }
 
+    /** Blocks of one word are all alike long: nothing proves then whose a reply is. */
+    bool canProve() const { return m_options.session.blockLimit > 1; }
+
     /** See Loop::wantedWords(). */
-    int wantedWords() const { return m_loop->wantedWords(); }
+    int wantedWords() const { return canProve() ? m_loop->wantedWords() : 0; }
 
     /**
      * Reads a word or two at the point, which proves the exchanges since the call before this one.

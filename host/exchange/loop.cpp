@@ -279,9 +279,10 @@ void Loop::sortReplies()
             m_guard.setAside(reply, m_owed);
         } else if (m_exchange.reply.isEmpty()) {
             m_exchange.reply = reply;
+            m_answers = 1;
             m_proven = m_guard.proven();
             m_counters.doubted += !m_proven;
-        } else if (m_exchange.reply != reply && !std::exchange(m_differing, true)) {
+        } else if (++m_answers; m_exchange.reply != reply && !std::exchange(m_differing, true)) {
             m_guard.setAside(m_exchange.reply, m_owed);
         }
     }
@@ -326,7 +327,7 @@ ReplyFault Loop::examine() const
         fault.detail = m_line.errorText();
     } else if (m_differing) {
         fault.reason = ReplyFault::Differ;
-    } else if (size == 0 && !m_exchange.refused.isEmpty()) {
+    } else if (size == 0 && !m_exchange.refused.isEmpty() && m_exchange.refused.constLast().fault) {
         fault = m_exchange.refused.constLast().fault;
     } else if (size == 0) {
         fault.reason = ReplyFault::NoReply;
@@ -337,6 +338,9 @@ ReplyFault Loop::examine() const
             fault.reason = ReplyFault::Echo;
     } else if (size == m_exchange.frame.replyLen) {
         fault = formFault(reply);
+        const bool acknowledges = m_exchange.frame.readCount == 0;
+        if (!fault && acknowledges && !m_proven && m_answers == 1 && m_guard.mayBeCopy(reply))
+            fault.reason = ReplyFault::MayBeCopy;
     } else {
         fault = m_guard.early() ? m_guard.early() : lengthFault(size);
     }

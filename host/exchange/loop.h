@@ -151,6 +151,7 @@ private:
     Exchange m_exchange;
     QByteArray m_arriving;     // behind the answer, if that is there
     bool m_proven = false;     // the answer, by when it came
+    int m_answers = 0;         // that one and its copies
     bool m_differing = false;  // replies came that are no copies of the answer
 
     QByteArray m_lastRequest;

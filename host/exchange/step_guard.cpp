@@ -14,6 +14,7 @@ constexpr int EarlyPercent = 95;
 
 constexpr size_t AnswersRemembered = 100;
 constexpr milliseconds ThinkingMargin(10);
+constexpr milliseconds ThinkingNotKnown(500);
 
 constexpr milliseconds ProveEvery(900);  // so that it is done within the second
 constexpr int LinePartToProve = 33;      // one of so many, on a slow line
@@ -73,9 +74,9 @@ LineTime StepGuard::listenUntil() const
 LineTime StepGuard::answersWithin() const
 {
     const auto longest = std::max_element(m_thinking.cbegin(), m_thinking.cend());
-    return longest == m_thinking.cend()
-               ? m_timeout
-               : std::min<LineTime>(m_timeout, 2 * *longest + ThinkingMargin);
+    return std::min<LineTime>(m_timeout, longest == m_thinking.cend()
+                                             ? LineTime(ThinkingNotKnown)
+                                             : 2 * *longest + ThinkingMargin);
 }
 
 // One as long as the reply accepted last, and another, is what should have been accepted.
@@ -124,18 +125,19 @@ void StepGuard::accept(const QByteArray &reply, bool proven, LineTime now)
 StepGuard::Verdict StepGuard::verdict()
 {
     const Verdict verdict{m_found, m_foundSince};
-    m_everProven = m_everProven || m_found == Step::Proven;
+    if (m_found != Step::Unproven)
+        m_hurry = m_found != Step::Proven;
     if (m_found > Step::Proven && m_since && *m_since == m_foundSince)
         m_since.reset();  // the exchange itself came to nothing
     m_found = Step::Unproven;
     return verdict;
 }
 
-// The very first is wanted at once: nobody is to wait for his first value.
+// Wanted at once where there was no proof yet, or it failed: nobody is to wait for his first value.
 bool StepGuard::lengthWanted(LineTime now) const
 {
     const LineTime every = std::max<LineTime>(ProveEvery, LinePartToProve * m_travel(ProvingBytes));
-    return m_since && (!m_everProven || now - *m_since >= every);
+    return m_since && (m_hurry || now - *m_since >= every);
 }
 
 int StepGuard::provingWords() const

@@ -49,6 +49,12 @@ public:
     /** The reply's end, whenever it is seen, cannot have come before the answer's. */
     bool proven() const;
 
+    /** As the reply accepted last, when that was another request's. */
+    bool mayBeCopy(const QByteArray &reply) const
+    {
+        return reply == m_accepted && m_begin == m_firstTry;
+    }
+
     /** How long the answer may still take, behind a reply that is not proven. */
     LineTime listenUntil() const;
 
@@ -110,7 +116,7 @@ private:
     LineTime m_foundSince{0};
     bool m_strangers = false;  // since the last accepted one
     bool m_disturbed = false;  // there were some, ever
-    bool m_everProven = false;
+    bool m_hurry = true;       // the latest verdict was no proof
 };
 
 }  // namespace host

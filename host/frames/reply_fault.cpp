@@ -46,6 +46,7 @@ constexpr Words Reasons[] = {
     {"line-lost", "line lost: {detail}"},
     {"not-hex", "data that is no hex: byte {detail}"},
     {"differ", "several replies that differ: nothing tells which is the answer"},
+    {"may-be-copy", "it may be a copy of the reply before"},
 };
 static_assert(std::size(Reasons) == ReplyFault::ReasonCount, "a row for every reason");
 

@@ -23,9 +23,10 @@ struct ReplyFault
         TooEarly,   ///< there after `waited`, when both frames take at least `expectedTime`
         LineLost,   ///< detail: what the system says
         NotHex,     ///< detail: the data's first byte that is none
-        Differ      ///< several replies came, and nothing tells which is the answer
+        Differ,     ///< several replies came, and nothing tells which is the answer
+        MayBeCopy   ///< an acknowledgement, when nothing tells it from a copy of the one before
     };
-    static constexpr int ReasonCount = Differ + 1;
+    static constexpr int ReasonCount = MayBeCopy + 1;
 
     Reason reason = None;
     int got = 0;

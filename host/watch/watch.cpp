@@ -12,7 +12,7 @@ namespace {
 constexpr std::chrono::milliseconds AgeEvery(100);
 constexpr std::chrono::milliseconds PauseAtMost(50);  // Ctrl-C and the table do not wait longer
 constexpr int CyclesUntilStale = 3;
-constexpr int LastSteps = 20;  // in which the values at the end are proven
+constexpr int LastSteps = 4;  // in which the values at the end are proven
 
 QVector<Point> pointsOf(const QVector<Tag> &tags)
 {
@@ -191,12 +191,16 @@ void Watch::sampleUntil(LineTime now)
         return;
     for (; m_nextSample <= now; m_nextSample += m_settings.every)
         m_unproven.sample(m_values.all(), m_nextSample);
+    if (!m_settings.provable)
+        m_unproven.prove();
 }
 
 void Watch::reportChanges(const QVector<int> &which, LineTime now)
 {
     if (m_settings.every == LineTime(0))
         m_unproven.change(m_values.all(), which, now);
+    if (!m_settings.provable)
+        m_unproven.prove();
 }
 
 QString Watch::tagsIn(const Point &block)

@@ -15,6 +15,7 @@ struct WatchSettings
     LineTime every{0};          ///< report all values so often; 0: report changes
     LineTime shortestCycle{0};  ///< values are stale after three cycles, or three of these
     bool setAside = true;       ///< dead blocks are polled less often
+    bool provable = true;       ///< false: all replies are alike long, so nothing waits for a proof
 };
 
 /** All times are the line's. */

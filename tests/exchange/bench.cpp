@@ -43,7 +43,7 @@ KEY_ADDRESS keyOf(const Range &range)
     key.stationNo = range.station;
     key.regName = range.name;
     key.startAddr = range.start;
-    key.bitMark = isBitType(range.name) ? -1 : 0;
+    key.bitMark = range.mark;
     key.count = range.count;
     return key;
 }

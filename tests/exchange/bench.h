@@ -50,13 +50,14 @@ public:
 struct Range
 {
     explicit Range(const QString &type = QString(), int first = 0, int elements = 1)
-        : name(type), start(first), count(elements)
+        : name(type), start(first), count(elements), mark(type.endsWith("_W") ? 0 : -1)
     {
     }
 
     QString name;  ///< register type
     int start;     ///< address number
     int count;     ///< words, or bits of a bit type
+    int mark;      ///< of a key: -1 for a bit type
     int station = 1;
     int kind = 0;   ///< of a write or condition read
     int unit = 0;   ///< recipe: first unit in the buffer

@@ -36,6 +36,8 @@ void planningRows()
          "0#rD1 rL0 rD0 2#rD1");
     plan("stations far apart", "64", "monitor 3000#D_W 0, D_W 0, 1500#D_W 0",
          "rD0 1500#rD0 3000#rD0");
+    plan("stations so far apart that their weights wrap, types lying 65535 apart", "64",
+         "monitor 0#M_W 0, 3641#P_W 0", "3641#rP0 0#rM0");
     plan("a key of which no piece can be read", "64", "monitor D_W -127 x127, D_W 5", "rD5");
     plan("contacts side by side stay apart", "64", "monitor CX 5, CX 6", "rCX0 rCX0");
     plan("a key beyond the limit is one block", "64", "monitor D_W 0 x100", "rD0x100");
@@ -57,6 +59,8 @@ void planningRows()
     plan("more bits than a frame has words", "64", "condition M_bit 0 x500", "rM0x32");
     plan("bits as words, in pieces of limit * 8", "1", "condition M_bit 1604 x21",
          "rM100 rM100x2 rM101");
+    plan("bits with the mark of words, in pieces of the limit", "64",
+         "condition M_bit 0 x130 mark 0", "rM0x4 rM4x4 rM8");
     plan("no such condition read", "64",
          "condition X_W 0, X_bit 0, D_bit 0, D_W 0 x0, TX 0 x-1, M_bit 3 x0", "");
     plan("writes in pieces of the limit", "64", "write D_W 0 x150", "wD0x64 wD64x64 wD128x22");

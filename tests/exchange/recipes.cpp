@@ -55,6 +55,8 @@ void recipeRows()
         serve 2 : wM3 wD10; send : wa 3C00 00 02 0000; fail; requested : 0 0; data 0000
         request 0 1; serve 3 : rM3 rD10 rD30 => RWI 2, RWI 0, RWI 1; requested : 0 0
         request 0 1; serve 1 : rM3 => *; fail; requested : 0 0)");
+    row("the failure of a write before it ends no transfer", R"(recipe D_W 10 @0, D_W 20 @1 : 2
+        write D_W 5 = 0100; fail; request 1 0; serve 3 : wD10 wD20 -)");
     row("bits are written one by one or merged, no others change", R"(
         recipe M_bit 3 @0, M_bit 1604 x3 @1, TX 30 x3 @4, TX 7 @7 : 4
         buffer 0 = 0100 0100 0000 0100 0100 0000 0100 0000; request 1 0; send : oi 0000 00 0800

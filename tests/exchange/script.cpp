@@ -1,6 +1,8 @@
 // Reading and playing scripts.
 #include "script.h"
 
+#include <regex>
+
 Range rangeOf(const QString &text)
 {
     const QStringList words = text.simplified().split(' ');
@@ -17,6 +19,8 @@ Range rangeOf(const QString &text)
             range.owner = words.value(i + 1).toInt();
         else if (word == "kind")
             range.kind = words.value(i + 1).toInt();
+        else if (word == "mark")
+            range.mark = words.value(i + 1).toInt();
     }
     return range;
 }
@@ -30,6 +34,16 @@ Ranges rangesOf(const QString &text)
     for (int i = 0; i < parts.size() && !text.isEmpty(); ++i)
         ranges.push_back(rangeOf(parts.at(i)));
     return ranges;
+}
+
+/** Whether an argument is written as script.h says; what a reply brings can be anything. */
+bool isUnderstood(const QString &verb, const QString &argument)
+{
+    static const std::regex range(
+        " *\\S+ -?\\d+( +(x|@|owner +|kind +|mark +)-?\\d+)* *(,(?=.)|$)");
+    const std::string text = argument.toStdString();
+    return verb == "init" || verb == "reply" || verb == "data" ||
+           std::regex_replace(text, range, "").empty();
 }
 
 QString hex(const QByteArray &bytes)
@@ -75,7 +89,10 @@ QString outcomeOf(Bench &bench, const QString &action)
     const QByteArray values = QByteArray::fromHex(action.section('=', 1).toLatin1());
     // Verbs whose argument is a bare number: the verb stands in the place of the type.
     const bool bare = verb == "buffer" || verb == "serve";
-    Range range = rangeOf((bare ? action : text).section('=', 0, 0));
+    const QString argument = (bare ? action : text).section('=', 0, 0);
+    if (!isUnderstood(verb, argument))
+        bench.flaws << "not understood: " + action;
+    Range range = rangeOf(argument);
     const VARIABLE &item = bench.frame.var;
     QStringList results;
     if (verb == "init")
@@ -151,7 +168,7 @@ QString outcomeOf(Bench &bench, const QString &action)
         writeRequest = static_cast<unsigned char>(text.section(' ', 0, 0).toInt());
         readRequest = static_cast<unsigned char>(text.section(' ', 1, 1).toInt());
     } else {
-        return "no such step";
+        bench.flaws << "no such step: " + action;
     }
     return QString();
 }

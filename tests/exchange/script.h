@@ -4,10 +4,10 @@
 //
 // Without an outcome the usual one is meant, without callbacks none; "*" is any. Blanks do not
 // count in a comparison. A range is written [STATION#]TYPE ADDRESS [xCOUNT]; values are hex of the
-// bytes that the host passes.
+// bytes that the host passes; a write without any is of zeros.
 //
 //     init PROPERTIES                    monitor RANGE, ... : REQUESTS
-//     write RANGE [kind K] [= VALUES]    condition RANGE [kind K], ...; without values: zeros
+//     write RANGE [kind K] [= VALUES]    condition RANGE [kind K] [mark M], ...
 //     get RANGE : VALUES                 recipe RANGE @UNIT [owner O], ... : KEPT
 //     buffer UNIT [xCOUNT] : VALUES      plc DEVICE WORD [xCOUNT] : VALUES
 //     buffer UNIT = VALUES               plc DEVICE WORD = VALUES

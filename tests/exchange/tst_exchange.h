@@ -14,8 +14,6 @@ private slots:
     void script_data();
     void script();
 
-    void randomDays_data();  // random_days.cpp
-    void randomDays();
     void garbageCounts();  // limits.cpp
     void otherMemory();
     void vanishingTexts();

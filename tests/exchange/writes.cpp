@@ -22,6 +22,9 @@ void writeRows()
         R"(monitor M_bit 1609 : 1
         write M_bit 1609 = 01 => M_bit 1609; write 2#M_bit 1609 = 01; write P_bit 1609 = 01
         write M_bit 1609 = 01; serve 3 : oM100 2#oM100 oP100; serve 1 : oM100 => M_bit 1609)");
+    row("monitored anew between two writes of one bit: the first end settles both", R"(
+        monitor M_bit 3 : 1; write M_bit 3 = 01 => M_bit 3; send : *; monitor M_bit 3, M_bit 0 : 1
+        write M_bit 3 = 00 => M_bit 3; reply ok => M_bit 0, M_bit 3)");
     row("a newer value takes the place of one that waits", R"(write D_W 1 = 0100
         write D_W 5 kind 1 = 0200; write D_W 6 = 0300; write D_W 5 kind 2 = 0400; serve 1 : wD1
         send : wa 0A00 00 02 0400; item : 2 1 D_W 5 x1; reply ok; serve 2 : wD6 -)");

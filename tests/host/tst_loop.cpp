@@ -19,6 +19,7 @@ private slots:
     void nothingOfAnotherAddress();
     void staysInStep_data();
     void staysInStep();
+    void acknowledgedIsStored();
     void healthyLine_data();
     void healthyLine();
     void everyFailureHasAName_data();
@@ -129,6 +130,30 @@ void TestLoop::staysInStep()
     QVERIFY(panel.wrongOld <= (proven > 0 ? 2 : 0));
     QVERIFY(panel.wrongValues <= wrong && panel.wrongProven <= proven);
     QVERIFY(counters.exchanges > exchanges * 9 / 10);
+}
+
+// A copy of the acknowledgement before, while the request itself got lost.
+void TestLoop::acknowledgedIsStored()
+{
+    VirtualSettings settings = virtualLine("double=30%");
+    settings.lostRequests = 100000;
+    settings.standstills = 300000;
+    VirtualLine line(settings);
+    line.open();
+    Session session(m_driver, SessionSettings());
+    Loop loop(m_driver, line, LoopSettings());
+    int notStored = 0;
+    loop.observer = [&](const Exchange &exchange) {
+        const VARIABLE &item = exchange.frame.var;
+        notStored +=
+            exchange.outcome == Outcome::Good && line.memory().word(D, item.startAddr) == 0;
+    };
+    for (int word = 0; word < 5000; ++word) {
+        session.write(words("D_W", word, 1), {1});
+        loop.exchange();
+    }
+    QCOMPARE(notStored, 0);
+    QVERIFY(loop.counters().exchanges > 3000);
 }
 
 void TestLoop::healthyLine_data()

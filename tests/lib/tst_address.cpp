@@ -235,69 +235,32 @@ private slots:
         QTEST(series, "series");
     }
 
-    // Patterns that no type of this controller has, and names that no pattern belongs to.
-    void otherPatterns_data()
+    // What no type of this controller has: other bases, restricted access, wider values.
+    void otherTables()
     {
-        table({"pattern", "name", "text", "number"},
-              {{"hexadecimal", "HHHH", "D_W", "1F", "31"},
-               {"octal", "OOO", "D_W", "17", "15"},
-               {"no octal", "OOO", "D_W", "18", "no:0"},
-               {"unheard of", "XX", "D_W", "12", "12"},
-               {"none", "", "D_W", "12", "12"},
-               {"bits of no bit type", "D.D", "D_W", "20.5", "0"},
-               {"refused", "D.D", "M_bit", "20", "no:77"}});
-    }
-    void otherPatterns()
-    {
-        QFETCH(QString, pattern);
-        QFETCH(QString, name);
-        QFETCH(QString, text);
         int number = Untouched;
-        const bool converted = a2i(text, number, pattern, name) == 1;
-        QTEST((converted ? "" : "no:") + QString::number(number), "number");
-    }
-
-    // Rows that no type of this controller has: restricted access, wider values.
-    void otherRows_data()
-    {
+        QCOMPARE(a2i("1F", number, "HHHH", "D_W") + number, 32);
+        QCOMPARE(a2i("17", number, "OOO", "D_W") + number, 16);
+        QCOMPARE(a2i("18", number, "OOO", "D_W"), -1);
         // Results for data types 0 to 9 with use 0, then for data type 1 with uses 1 and 2.
-        table({"width", "access", "results", "description"},
-              {{"as it is", "16", "RW", "000000000000", "DDDDD 0 32767 1 1"},
-               {"read only", "16", "R", "000000000066", "DDDDD 0 32767 1 0"},
-               {"write only", "16", "W", "000000000000", "DDDDD 0 32767 1 2"},
-               {"32 bits", "32", "RW", "505050055000", "DDDDD 0 32767 2 1"},
-               {"8 bits", "8", "RW", "000000000000", "DDDDD 0 32767 1 1"}});
-    }
-    void otherRows()
-    {
-        QFETCH(QString, width);
-        QFETCH(QString, access);
-        AddressRange &row = const_cast<AddressRange &>(ADDRESS_RANGE_PRO[5]);
-        const AddressRange kept = row;
-        row.valueBits = width;
-        row.access = access;
-        QString results;
-        int number = 0;
-        for (int i = 0; i < 12; ++i)
-            results += QString::number(
-                intf_checkAddr("D_W", "5", &number, i < 10 ? i : 1, 1, i < 10 ? 0 : i - 9));
-        QStringList description;
-        intf_getRegDiscription("D_W", description);
-        row = kept;
-        QTEST(results, "results");
-        QTEST(description.join(" "), "description");
-    }
-
-    void weight()
-    {
-        QCOMPARE(getRegAddressWeight(0, "M_W", 0), 65535U);
-        const quint32 types = quint32(RegisterTypeCount);
-        QCOMPARE(getRegAddressWeight(1, "P_W", 0), types * 65535U);
-        QCOMPARE(getRegAddressWeight(0, "X_W", 0), 4294901761U);
-        QCOMPARE(getRegAddressWeight(1, "m_w", 3),
-                 getRegAddressWeight(0, REG_LIST[RegisterTypeCount - 1], 3));
-        QCOMPARE(getRegAddressWeight(2147483647, "CX", 2147483647),
-                 (types * 2147483647U + 17U) * 65535U + 2147483647U);
+        const char *const rows[][4] = {{"16", "R", "000000000066", "1 0"},
+                                       {"16", "W", "000000000000", "1 2"},
+                                       {"32", "RW", "505050055000", "2 1"}};
+        AddressRange &type = const_cast<AddressRange &>(ADDRESS_RANGE_PRO[5]);
+        const AddressRange kept = type;
+        for (const auto &row : rows) {
+            type.valueBits = row[0];
+            type.access = row[1];
+            QString results;
+            for (int i = 0; i < 12; ++i)
+                results += QString::number(
+                    intf_checkAddr("D_W", "5", &number, i < 10 ? i : 1, 1, i < 10 ? 0 : i - 9));
+            QStringList description;
+            intf_getRegDiscription("D_W", description);
+            type = kept;
+            QCOMPARE(results, QString(row[2]));
+            QCOMPARE(description.join(" "), QString("DDDDD 0 32767 ") + row[3]);
+        }
     }
 };
 

@@ -3,7 +3,7 @@ would show as another value. One line is so slow that a busy machine, too, sees 
 
   $ . "$TESTDIR/functions.sh"
   $ printf 'D,100,1\nD,300,30\nD,500,50\n' > memory.csv
-  $ watch="tolvane-host watch D_W:100 D_W:300 D_W:500 --block-limit 1 --for 9 --quiet 2000"
+  $ watch="tolvane-host watch D_W:100 D_W:300 D_W:500 --for 18 --quiet 2000"
   $ for line in port tcp; do
   >     controller --still --image memory.csv --baud 300 --faults double=40% $(over $line)
   >     $watch --csv twice.$line --timeout 2000 --serial 300,8N1 --$line $place 2> /dev/null & hosts="$hosts $!"

@@ -4,7 +4,7 @@ counts what came; SIGUSR2 ends the faults.
   $ . "$TESTDIR/functions.sh"
   $ controller --link plc --still --save --image image.csv --verbose --faults loss=100%
   $ tolvane-host write --port plc D_W:5=7 --timeout 60 --retries 1
-  D_W:5 = 7  FAILED: no reply within 60 ms
+  D_W:5 = 7  FAILED: no reply within 60 ms; not acknowledged; the controller may hold it
   [1]
   $ await counts disturbed; kill -USR2 $!
   $ tolvane-host write --port plc M_bit:1.2=1 D_W:100x2=16,65535
@@ -17,11 +17,15 @@ counts what came; SIGUSR2 ends the faults.
   write D 5 = 7
       its reply is disturbed: loss
   set M 1 mask 0004
+  read M 1 x 1
   write D 100 = 16 65535
+  read D 100 x 1
   refused (layout): 02 72 61 03
   read D 4 x 2
+  read D 4 x 1
   clear TX 2 mask FFF7
-  served: total=5 read=1 write=2 set=1 clear=1
+  read TX 2 x 16
+  served: total=9 read=5 write=2 set=1 clear=1
   refused: total=1 unfinished=0 too-long=0 layout=1 checksum=0 command=0 device=0 digits=0 byte-count=0 odd-address=0 beyond-device=0 mask=0
   faults: total=1 loss=1 cut=0 flip=0 late=0 double=0 noise=0 mute=0
   stray bytes: 1
@@ -57,7 +61,7 @@ for the counts.
         6 D_W:0  0
         2 [0]
         2 r000032
-        4 served: total=4 read=4 write=0 set=0 clear=0
+        4 served: total=7 read=7 write=0 set=0 clear=0
   $ tolvane-host read --port moving D_W:100 | awk '{ print ($2 < 600) }'
   1
 

@@ -46,7 +46,7 @@ What files, names and readers bring along hurts nobody.
   # end
   D_W:5;0
   $ wc -l < trace
-  2
+  4
   $ tolvane-host read "$(printf '\033[31mred=D_W:1')" --port plc
   tolvane-host: argument 1: tag "\x1b[31mred": expected a name without control characters
   [2]

@@ -23,6 +23,8 @@ Reading and writing on a pseudo-terminal, as at a controller.
   D_W:100  1
   TIME  ->  02 72 61 43 38 30 30 30 30 30 32 37 30 03  read 1 word of D from word 100
   TIME  <-  06 72 30 31 30 30 33 33 04  1 word: 1
+  TIME  ->  02 72 61 43 36 30 30 30 30 30 34 37 30 03  read 2 words of D from word 99
+  TIME  <-  06 72 30 30 30 30 30 31 30 30 46 33 04  2 words: 0, 1
   $ tolvane-host read --port plc P_W:1 M_W:1 L_W:1 K_W:1 F_W:1 D_W:1 S_W:1 T_W:1 C_W:1 N_W:1 Z_W:1 \
   >     TX:1 CX:1 --trace all > /dev/null
   $ sed 's/^[^ ]*  //' all
@@ -52,6 +54,8 @@ Reading and writing on a pseudo-terminal, as at a controller.
   <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
   ->  02 72 6D 30 30 30 30 30 30 30 32 36 31 03  read 1 word of CX from word 0
   <-  06 72 30 30 30 30 33 32 04  1 word: 0x0000
+  ->  02 72 68 30 30 30 30 30 30 30 34 35 45 03  read 2 words of P from word 0
+  <-  06 72 30 30 30 30 30 30 30 30 46 32 04  2 words: 0x0000, 0x0000
   $ tolvane-host read M_bit:20.5 --simulate --serial 9600,8N1 2>/dev/null
   M_bit:20.5  0
   $ tolvane-host read M_bit:20.5 --simulate --pace none 2>/dev/null
@@ -106,7 +110,7 @@ Watching, on a line that a pipe or a log follows.
   TIME,two[0],D_W:100,1,good,
   TIME,two[1],D_W:101,2,good,
   $ TZ=IST-5:30 tolvane-host watch --port plc a=D_W:100 --csv - --every 200 --local 2>/dev/null \
-  >     | head -4 | sed 's/^....-..-..T..:..:..\..../TIME/'
+  >     | grep -m 4 -e quality -e good | sed 's/^....-..-..T..:..:..\..../TIME/'
   time,a,a quality
   TIME+05:30,1,good
   TIME+05:30,1,good

@@ -11,13 +11,14 @@ Lines that lose replies: some, or all.
   tolvane-host: D_W:900: no reply to 2 requests of 60 ms each
   [1]
   $ tolvane-host write --timeout 1000 --retries 2 --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
-  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 1000 ms each
+  D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 1000 ms each; not acknowledged; the controller may hold it
   [1]
   $ tolvane-host write $quick --port mute D_W:700=1 --json | folded
-  tolvane-host: D_W:700: no reply to 2 requests of 60 ms each
+  tolvane-host: D_W:700: no reply to 2 requests of 60 ms each; not acknowledged; the controller may hold it
   [{"acknowledged":false,"address":"D_W:700","blocks":[{"acknowledged":false,"address":"D_W:700","
-  count":1,"number":700,"reason":"noreplyto2requestsof60mseach","station":1}],"number":700,"reason
-  ":"noreplyto2requestsof60mseach","station":1,"tag":"D_W:700","values":[1]}]
+  count":1,"number":700,"reason":"noreplyto2requestsof60mseach;notacknowledged;thecontrollermayhol
+  dit","station":1}],"number":700,"reason":"noreplyto2requestsof60mseach;notacknowledged;thecontro
+  llermayholdit","station":1,"tag":"D_W:700","values":[1]}]
   $ tolvane-host watch $quick --port mute a=D_W:100 b=D_W:100 --for 2 --json --stats 2> err \
   >     | sed 's/[-0-9T:.]*Z/TIME/' | uncounted; uncounted < err
   {"address":"D_W:N","number":N,"quality":"bad","reason":"no reply to N requests of N ms each","station":N,"tag":"a","time":"TIME","value":null}
@@ -43,5 +44,5 @@ Lines that lose replies: some, or all.
   werewritten,thenthedrivergaveupD_W:1000x2:noreplyto2requestsof60mseach","station":1,"tag":"D_W:1
   300x3:int16","time":"TIME","values":[],"wanted":[-1,2,3]}
   $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 1000 --retries 1
-  tolvane-host: D_W:100: no reply within 1000 ms; nothing was written
+  tolvane-host: D_W:1: no reply within 1000 ms; nothing was written
   [1]

@@ -35,9 +35,9 @@ So does a soak, for the same seed.
      took             250 s of the line's time
      served           total=2082 read=1410 write=497 set=94 clear=81
      refused          total=0
-     faults           total=218 loss=36 cut=26 flip=41 late=17 double=44 noise=34 mute=20
+     faults           total=238 loss=42 cut=30 flip=46 late=17 double=48 noise=35 mute=20
      stray bytes      0
-     unheard          total=15
+     unheard          total=23
   
      ok     every write that was acknowledged is in the controller
      ok     no bit or word that nobody wrote has changed
