@@ -81,12 +81,7 @@ int unitsPerUnit(const Point &point, const Point &block)
 
 Point blockOf(const VARIABLE &item)
 {
-    Point block;
-    block.stationNo = item.stationNo;
-    block.regName = item.regName;
-    block.address = item.startAddr;
-    block.count = item.count;
-    return block;
+    return {item.stationNo, item.regName, item.startAddr, item.count};
 }
 
 Point provingPart(const Point &point, int words)

@@ -33,17 +33,10 @@ RegisterType describe(const Driver &driver, const QString &name, bool isBit)
     driver.getRegDiscription(name, description);
     if (description.size() != DescriptionFields)
         throw Failure("the driver lists %1 but does not describe it"_s.arg(name));
-    RegisterType type;
-    type.name = name;
-    type.pattern = description[Pattern];
-    type.firstAddress = description[First];
-    type.lastAddress = description[Last];
-    const QString access = description[Access];
-    type.access = QLatin1String(access == "0"_s   ? "read"
-                                : access == "2"_s ? "write"
-                                                  : "read and write");
-    type.isBit = isBit;
-    return type;
+    const QString access = description[Access] == "0"_s   ? "read"_s
+                           : description[Access] == "2"_s ? "write"_s
+                                                          : "read and write"_s;
+    return {name, description[Pattern], description[First], description[Last], access, isBit};
 }
 
 Identity identify(const Driver &driver)
@@ -54,11 +47,11 @@ Identity identify(const Driver &driver)
     if (fields.size() <= NameField)
         throw Failure("the driver's parameters \"%1\" are too few"_s.arg(parameters));
 
-    Identity identity;
-    identity.name = fields[NameField];
-    identity.version = driver.getVersion();
-    identity.serialLine = fields.mid(SerialField, 4).join(QLatin1Char(','));
-    identity.networkLine = fields.mid(NetworkField, 2).join(QLatin1Char(','));
+    Identity identity{fields[NameField],
+                      driver.getVersion(),
+                      fields.mid(SerialField, 4).join(QLatin1Char(',')),
+                      fields.mid(NetworkField, 2).join(QLatin1Char(',')),
+                      {}};
     for (const RegisterKind kind : {WordTypes, BitTypes}) {
         QStringList names;
         driver.getRegListByType(kind, names);

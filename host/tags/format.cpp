@@ -23,6 +23,7 @@ struct FormatRow
     qint64 highest;
 };
 
+// In the order of Format.
 constexpr FormatRow Formats[] = {
     {Format::Plain, "", 1, 0, 0xFFFF},
     {Format::Int16, "int16", 1, -0x8000, 0x7FFF},
@@ -38,8 +39,7 @@ constexpr FormatRow Formats[] = {
 
 const FormatRow &rowOf(Format format)
 {
-    return *std::find_if(std::begin(Formats), std::end(Formats),
-                         [=](const FormatRow &row) { return row.format == format; });
+    return Formats[int(format)];
 }
 
 QString hexText(int word)
