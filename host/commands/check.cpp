@@ -14,7 +14,6 @@ namespace host {
 int checkCommand(const CommandLine &commandLine)
 {
     const Driver driver = loadDriver(commandLine.driverPath());
-    const Identity identity = identify(driver);
     QTextStream out(stdout);
     QJsonArray array;
     int refused = 0;
@@ -23,7 +22,7 @@ int checkCommand(const CommandLine &commandLine)
         QJsonObject object{{"tag"_s, label}, {"address"_s, text.address}};
         QString verdict;
         try {
-            const Tag tag = parseTag(driver, identity, text, 1);
+            const Tag tag = parseTag(driver, text);
             const Point &point = tag.point;
             verdict = "%1: valid, %2 from address number %3"_s
                           .arg(label, countText(point.count, point.isBit ? "bit" : "word"))

@@ -1,6 +1,6 @@
 // tolvane-host info: what the driver says of itself.
 #include "host/commands/commands.h"
-#include "host/driver/identity.h"
+#include "host/driver/driver_library.h"
 #include "host/output/failure.h"
 #include "host/output/table.h"
 
@@ -57,7 +57,7 @@ void print(const Identity &identity, const QString &path, QTextStream &out)
 int infoCommand(const CommandLine &commandLine)
 {
     const QString path = commandLine.driverPath();
-    const Identity identity = identify(loadDriver(path));
+    const Identity identity = loadDriver(path).identity;
     QTextStream out(stdout);
     if (commandLine.asJson())
         printJson(QJsonDocument(toJson(identity)));

@@ -3,7 +3,6 @@
 #include "host/exchange/connection.h"
 #include "host/output/failure.h"
 #include "host/output/output_file.h"
-#include "host/output/whole_file.h"
 #include "host/plan/picture.h"
 #include "host/plan/text.h"
 
@@ -23,16 +22,15 @@ int planCommand(const CommandLine &commandLine)
     const QString svg = commandLine.value("svg"_s);
     if (!svg.isEmpty())
         refuseOtherFile(svg, Picture);
-    const Driver driver = loadDriver(commandLine.driverPath());
-    const Identity identity = identify(driver);
+    Driver driver = loadDriver(commandLine.driverPath());
+    driver.stationNo = stationOption(commandLine);
     PlannedLine line;
     const QString serial = commandLine.value("serial"_s);
-    line.text = serial.isEmpty() ? identity.serialLine : serial;
-    line.serial = serialOption(commandLine, identity);
+    line.text = serial.isEmpty() ? driver.identity.serialLine : serial;
+    line.serial = serialOption(commandLine, driver.identity);
     line.turnaround = std::chrono::milliseconds(
         numberOption(commandLine, "turnaround"_s, 0, LongestTurnaroundMs));
-    const QVector<Tag> tags =
-        parseTags(driver, identity, commandLine.given(), stationOption(commandLine));
+    const QVector<Tag> tags = parseTags(driver, commandLine.given());
     const Plan plan = planCycle(driver, tags, line, blockLimitOption(commandLine),
                                 commandLine.isSet("suggest"_s));
 

@@ -13,13 +13,11 @@ int readCommand(const CommandLine &commandLine)
 {
     Connection connection(commandLine);
     const QVector<Tag> tags =
-        parseTags(connection.driver(), connection.identity(), commandLine.given(),
-                  connection.stationNo(), commandLine.tagFiles());
-    const TagColumns columns(connection.driver(), tags);
+        parseTags(connection.driver(), commandLine.given(), commandLine.tagFiles());
+    const QStringList columns = tagColumns(connection.driver(), tags);
     const QVector<TagReading> readings = readTags(connection, tags);
 
     QTextStream out(stdout);
-    QTextStream err(stderr);
     QJsonArray array;
     int failed = 0;
     for (int i = 0; i < int(tags.size()); ++i) {
@@ -28,10 +26,10 @@ int readCommand(const CommandLine &commandLine)
         array.append(readingObject(connection, tag, readings[i]));
         if (!error.isEmpty()) {
             ++failed;
-            err << "tolvane-host: " << tag.name << ": " << error << '\n' << Qt::flush;
+            tell("%1: %2"_s.arg(tag.name, error));
         } else if (!commandLine.asJson()) {
-            out << columns.text(tag) << "  "
-                << valuesText(tag, formatValues(tag, readings[i].units)) << '\n'
+            out << columns[i] << "  " << valuesText(tag, formatValues(tag, readings[i].units))
+                << '\n'
                 << Qt::flush;
         }
     }

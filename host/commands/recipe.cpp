@@ -8,7 +8,6 @@
 #include "host/tags/tag_text.h"
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QTextStream>
 
 namespace host {
 
@@ -20,29 +19,17 @@ QVector<int> rowsToPull(const Connection &connection, const QString &path,
 {
     const QFileInfo file(path);
     if (asked.isEmpty() || (path != "-"_s && file.isFile() && file.size() > 0))
-        recipe = readRecipeFile(connection.driver(), connection.identity(), path,
-                                connection.stationNo());
+        recipe = readRecipeFile(connection.driver(), path);
     QVector<int> rows;
     for (TagText text : asked) {
         text.scaling = Form();  // a recipe holds what the controller holds
-        const Tag tag =
-            parseTag(connection.driver(), connection.identity(), text, connection.stationNo());
+        const Tag tag = parseTag(connection.driver(), text);
         rows.append(recipe.rowOf(tag, text.address));
     }
     for (int row = 0; asked.isEmpty() && row < int(recipe.rows.size()); ++row)
         rows.append(row);
     return rows;
 }
-
-/** Objects as lines of JSON, each on its way when it is written. */
-class JsonLines
-{
-public:
-    void write(const QJsonObject &object) { m_file.write(jsonLine(object)); }
-
-private:
-    OutputFile m_file{"-"_s, FileKind()};
-};
 
 int pull(Connection &connection, const QString &path, const QVector<TagText> &asked, bool asJson)
 {
@@ -55,9 +42,9 @@ int pull(Connection &connection, const QString &path, const QVector<TagText> &as
     for (const int row : rows)
         tags.append(recipe.rows[row].tag);
     const QVector<TagReading> readings = readTags(connection, tags);
-    JsonLines json;
+    OutputFile out("-"_s, FileKind());
     for (int i = 0; asJson && i < int(tags.size()); ++i)
-        json.write(readingObject(connection, tags[i], readings[i]));
+        out.write(jsonLine(readingObject(connection, tags[i], readings[i])));
     for (int i = 0; i < int(tags.size()); ++i) {
         if (!readings[i].error.isEmpty()) {
             tell("%1: %2; nothing was written"_s.arg(tags[i].name, readings[i].error));
@@ -72,8 +59,7 @@ int pull(Connection &connection, const QString &path, const QVector<TagText> &as
 
 int push(Connection &connection, const QString &path, bool asJson)
 {
-    const Recipe recipe =
-        readRecipeFile(connection.driver(), connection.identity(), path, connection.stationNo());
+    const Recipe recipe = readRecipeFile(connection.driver(), path);
     if (recipe.rows.isEmpty())
         throw Failure("there is no address in %1"_s.arg(path), BadInput);
     QVector<QVector<int>> wanted;
@@ -93,8 +79,7 @@ int push(Connection &connection, const QString &path, bool asJson)
         tell(failure);
     }
 
-    QTextStream out(stdout);
-    JsonLines json;
+    OutputFile out("-"_s, FileKind());
     int differing = 0;
     for (int i = 0; i < int(wanted.size()); ++i) {
         const Tag &tag = recipe.rows[i].tag;
@@ -105,14 +90,15 @@ int push(Connection &connection, const QString &path, bool asJson)
             QJsonObject object = readingObject(connection, tag, {found[i], failure});
             object.insert("wanted"_s, valueArray(formatValues(tag, wanted[i])));
             object.insert("alike"_s, alike);
-            json.write(object);
+            out.write(jsonLine(object));
         }
         if (!asJson && !alike)
-            out << difference << '\n';
+            out.write(difference + QLatin1Char('\n'));
     }
     if (!asJson)
-        out << wanted.size() - differing << " of " << wanted.size()
-            << " addresses written and read back alike\n";
+        out.write(
+            "%1 of %2 addresses written and read back alike\n"_s.arg(wanted.size() - differing)
+                .arg(wanted.size()));
     return differing == 0 && !connection.traceFailed() ? AllRight : SomethingFailed;
 }
 

@@ -26,8 +26,7 @@ int soakCommand(const CommandLine &commandLine)
     setup.seed = quint32(numberOption(commandLine, "seed"_s, 0, std::numeric_limits<int>::max()));
     setup.faults = commandLine.value("faults"_s);
     const Driver driver = loadDriver(setup.driver);
-    const Identity identity = identify(driver);
-    const LinePace pace = paceOptions(commandLine, identity);
+    const LinePace pace = paceOptions(commandLine, driver.identity);
     setup.line = "a simulated controller, in simulated time, "_s +
                  (pace.none ? "without a pace"_s : "%1 baud"_s.arg(pace.settings.baudRate));
 
@@ -43,7 +42,7 @@ int soakCommand(const CommandLine &commandLine)
     VirtualLine line(settings);
     line.open();
 
-    Soak soak(driver, identity, line, loopOptions(commandLine), setup.seed);
+    Soak soak(driver, line, loopOptions(commandLine), setup.seed);
     soak.run(requests);
     soak.judge();
     QTextStream out(stdout);

@@ -172,8 +172,7 @@ int watchCommand(const CommandLine &commandLine)
 
     Connection connection(commandLine);
     const QVector<Tag> tags =
-        parseTags(connection.driver(), connection.identity(), commandLine.given(),
-                  connection.stationNo(), commandLine.tagFiles());
+        parseTags(connection.driver(), commandLine.given(), commandLine.tagFiles());
     wishes.watch.shortestCycle = connection.patience();
     wishes.watch.provable = connection.canProve();
     Watch watch(connection.driver(), connection.session(), tags, wishes.watch);

@@ -47,17 +47,12 @@ QVector<Assignment> parseAssignments(const Connection &connection, const QString
                     quoted(argument)),
                 BadInput);
         const int nameEnd = int(target.indexOf(QLatin1Char('=')));
-        const Tag tag =
-            parseTag(connection.driver(), connection.identity(), target.left(qMax(0, nameEnd)),
-                     target.mid(nameEnd + 1), connection.stationNo(), "argument %1"_s.arg(i + 1));
-        bool ok = false;
-        const QString values = argument.mid(equals + 1);
-        const QStringList fields = csvFields(values, QLatin1Char(','), &ok);
-        if (!ok)
-            throw Failure("%1: %2: expected each quote to be closed at its value's end"_s.arg(
-                              tag.name, quoted(values)),
-                          BadInput);
-        assignments.append({tag, parseValues(tag, fields)});
+        const TagText text{target.left(qMax(0, nameEnd)), target.mid(nameEnd + 1),
+                           "argument %1"_s.arg(i + 1)};
+        const Tag tag = parseTag(connection.driver(), text);
+        const QStringList values =
+            csvFields(argument.mid(equals + 1), QLatin1Char(','), tag.name, "value");
+        assignments.append({tag, parseValues(tag, values)});
     }
     return assignments;
 }
@@ -135,7 +130,7 @@ int writeCommand(const CommandLine &commandLine)
     QVector<Tag> tags;
     for (const Assignment &assignment : assignments)
         tags.append(assignment.tag);
-    const TagColumns columns(driver, tags);
+    const QStringList columns = tagColumns(driver, tags);
     const QString closed = connection.tryToOpen(Purpose::Writing);
     if (!closed.isEmpty() && !commandLine.asJson())
         throw Failure(closed);
@@ -143,7 +138,8 @@ int writeCommand(const CommandLine &commandLine)
     QTextStream out(stdout);
     QJsonArray array;
     int failed = 0;
-    for (const Assignment &assignment : assignments) {
+    for (int i = 0; i < int(tags.size()); ++i) {
+        const Assignment &assignment = assignments[i];
         const Result result = !closed.isEmpty() ? Result{{}, closed}
                               : connection.line().isOpen()
                                   ? carry(connection, assignment)
@@ -155,9 +151,9 @@ int writeCommand(const CommandLine &commandLine)
                 tell("%1: %2"_s.arg(assignment.tag.name, result.failure));
             continue;
         }
-        out << columns.text(assignment.tag) << " = "
-            << formatValues(assignment.tag, assignment.units).join(", "_s) << "  "
-            << (result.failure.isEmpty() ? "acknowledged"_s : "FAILED: "_s + result.failure) << '\n'
+        out << columns[i] << " = " << formatValues(assignment.tag, assignment.units).join(", "_s)
+            << "  " << (result.failure.isEmpty() ? "acknowledged"_s : "FAILED: "_s + result.failure)
+            << '\n'
             << Qt::flush;
     }
     const QVector<TagReading> held = commandLine.isSet("verify"_s) && closed.isEmpty()

@@ -30,8 +30,7 @@ QString typeNames(const Identity &identity)
 
 }  // namespace
 
-Point parsePoint(const Driver &driver, const Identity &identity, const QString &text, int stationNo,
-                 int unitsPerValue)
+Point parsePoint(const Driver &driver, const QString &text, int unitsPerValue)
 {
     static const QRegularExpression form("^([^:]+):([^:x]+)(?:x([0-9]{1,9}))?$"_s);
     const QRegularExpressionMatch match = form.match(text);
@@ -39,16 +38,16 @@ Point parsePoint(const Driver &driver, const Identity &identity, const QString &
         throw refuse(text, "expected TYPE:ADDRESS or TYPE:ADDRESSxCOUNT"_s);
 
     Point point;
-    point.stationNo = stationNo;
+    point.stationNo = driver.stationNo;
     point.regName = match.captured(1);
     const int values = match.captured(3).isEmpty() ? 1 : match.captured(3).toInt();
     if (values < 1 || values > MostUnits / unitsPerValue)
         throw refuse(text, "expected a count from 1 to %1"_s.arg(MostUnits / unitsPerValue));
     point.count = values * unitsPerValue;
-    const RegisterType *type = identity.type(point.regName);
+    const RegisterType *type = driver.identity.type(point.regName);
     if (!type)
-        throw refuse(text, "no register type %1; there are\n  %2"_s.arg(quoted(point.regName),
-                                                                        typeNames(identity)));
+        throw refuse(text, "no register type %1; there are\n  %2"_s.arg(
+                               quoted(point.regName), typeNames(driver.identity)));
     point.isBit = type->isBit;
 
     const int verdict = driver.checkAddrValidity(point.regName, match.captured(2), &point.address,
@@ -82,12 +81,7 @@ int unitsPerUnit(const Point &point, const Point &block)
 
 Point blockOf(const VARIABLE &item)
 {
-    Point block;
-    block.stationNo = item.stationNo;
-    block.regName = item.regName;
-    block.address = item.startAddr;
-    block.count = item.count;
-    return block;
+    return {item.stationNo, item.regName, item.startAddr, item.count};
 }
 
 Point provingPart(const Point &point, int words)

@@ -2,7 +2,7 @@
 // counts them.
 #pragma once
 
-#include "host/driver/identity.h"
+#include "host/driver/driver_library.h"
 
 #include <tuple>
 
@@ -36,11 +36,10 @@ struct RangeOrder
 
 /**
  * Reads TYPE:ADDRESS or TYPE:ADDRESSxCOUNT and has the driver check it; a value takes so many words
- * or bits. Throws Failure (bad input) that names the text, what is wrong with it and the type's
- * form or range.
+ * or bits. The station is the driver's. Throws Failure (bad input) that names the text, what is
+ * wrong with it and the type's form or range.
  */
-Point parsePoint(const Driver &driver, const Identity &identity, const QString &text, int stationNo,
-                 int unitsPerValue = 1);
+Point parsePoint(const Driver &driver, const QString &text, int unitsPerValue = 1);
 
 /** The point in the form that parsePoint() reads; with its station in front: "2/D_W:100". */
 QString pointText(const Driver &driver, const Point &point, bool withStation = false);

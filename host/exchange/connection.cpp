@@ -27,11 +27,9 @@ Driver driverOf(const QCommandLineParser &parser)
 }  // namespace
 
 Connection::Connection(const QCommandLineParser &parser)
-    : say(tell),
-      m_driver(driverOf(parser)),
-      m_identity(identify(m_driver)),
-      m_options(parser, m_identity)
+    : say(tell), m_driver(driverOf(parser)), m_options(parser, m_driver.identity)
 {
+    m_driver.stationNo = stationOption(parser);
     m_session = std::make_unique<Session>(m_driver, m_options.session);
     if (!m_options.trace.isEmpty())
         m_trace = std::make_unique<Trace>(m_options.trace, m_options.zone);

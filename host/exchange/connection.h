@@ -39,8 +39,6 @@ public:
     QString tryToOpen(Purpose purpose);
 
     const Driver &driver() const { return m_driver; }
-    const Identity &identity() const { return m_identity; }
-    int stationNo() const { return m_options.stationNo; }
     /** How long a request without replies takes until it is given up. */
     std::chrono::milliseconds patience() const
     {
@@ -87,7 +85,6 @@ private:
     void trace(const Exchange &exchange);
 
     Driver m_driver;
-    Identity m_identity;
     ConnectionOptions m_options;
     std::unique_ptr<Trace> m_trace;  // null without --trace
     bool m_traceFailed = false;

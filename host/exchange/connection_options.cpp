@@ -125,7 +125,6 @@ ConnectionOptions::ConnectionOptions(const QCommandLineParser &parser, const Ide
         throw Failure("more than one line; expected --port, --tcp or --simulate"_s, BadInput);
 
     pace = paceOptions(parser, identity);
-    stationNo = stationOption(parser);
     session.retryLimit = numberOption(parser, optionName("retries"), 1, MostRetries);
     session.blockLimit = blockLimitOption(parser);
     loop = loopOptions(parser);

@@ -1,7 +1,7 @@
 // The options that say how to reach a controller, and what they amount to.
 #pragma once
 
-#include "host/driver/identity.h"
+#include "host/driver/driver_library.h"
 #include "host/driver/session.h"
 #include "host/exchange/loop.h"
 #include "host/line/device_line.h"
@@ -33,7 +33,6 @@ struct ConnectionOptions
     QString server;
     bool simulationAsked = false;  ///< --simulate was given
     LinePace pace;
-    int stationNo = 1;
     SessionSettings session;
     LoopSettings loop;
     QString trace;          ///< file to write, or empty

@@ -54,7 +54,7 @@ void Trace::write(const Exchange &exchange)
 QString Trace::line(const QDateTime &time, const char *arrow, const QByteArray &bytes,
                     const QString &meaning) const
 {
-    const QString hex = bytes.isEmpty() ? "-"_s : hexText(bytes, int(bytes.size())).toUpper();
+    const QString hex = bytes.isEmpty() ? "-"_s : hexText(bytes, int(bytes.size()));
     return QStringList{timeText(time, m_zone), QLatin1String(arrow), hex, meaning}.join("  "_s) +
            QLatin1Char('\n');
 }

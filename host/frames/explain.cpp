@@ -36,17 +36,12 @@ public:
     void add(const QString &time, bool isRequest, const QByteArray &bytes,
              const QString &refused = QString())
     {
-        ExplainedFrame frame;
-        frame.time = time;
-        frame.isRequest = isRequest;
-        frame.bytes = bytes;
-        frame.request = isRequest ? -1 : m_request;
+        const bool isAsked = m_request >= 0 && !m_answered;
+        ExplainedFrame frame{time, isRequest, bytes, {}, isRequest ? -1 : m_request};
         frame.reading =
             isRequest
                 ? readRequest(bytes, INT_MAX)
-                : readReply(bytes,
-                            m_request < 0 || m_answered ? QByteArray() : m_frames[m_request].bytes,
-                            INT_MAX);
+                : readReply(bytes, isAsked ? m_frames[m_request].bytes : QByteArray(), INT_MAX);
         if (frame.reading.fault.isEmpty() && !refused.isEmpty())
             frame.reading.fault = "refused by the host: "_s + refused;
         // A request counts for one good reply.
@@ -59,7 +54,7 @@ public:
     /** Nothing came for the last request, if there was one. */
     void addMissingReply()
     {
-        if (m_request == int(m_frames.size()) - 1 && m_request >= 0)
+        if (!m_frames.isEmpty() && m_frames.last().isRequest)
             add(QString(), false, QByteArray());
     }
 

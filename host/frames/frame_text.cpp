@@ -27,11 +27,6 @@ constexpr Device Devices[] = {
     {'o', "S", false}, {'p', "N", false}, {'s', "Z", false},
 };
 
-QString wordCount(int words)
-{
-    return countText(words, "word");
-}
-
 QString valuesText(const QVector<int> &words, bool asHex, int maxValues)
 {
     QStringList texts;
@@ -183,10 +178,10 @@ FrameReading readRequest(const QByteArray &frame, int maxValues, Asked &asked)
         const bool writes = asked.command == 'w';
         for (int i = 0; writes && i < asked.words && in.good(); ++i)
             reading.words.append(in.field16());
-        reading.text =
-            "%1 %2 of %3 from word %4"_s
-                .arg(QLatin1String(writes ? "write" : "read"), wordCount(asked.words), device)
-                .arg(word);
+        reading.text = "%1 %2 of %3 from word %4"_s
+                           .arg(QLatin1String(writes ? "write" : "read"),
+                                countText(asked.words, "word"), device)
+                           .arg(word);
         if (writes && asked.device)
             reading.text += ": "_s + valuesText(reading.words, asked.device->holdsBits, maxValues);
     }
@@ -210,20 +205,14 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
     const bool known = !request.isEmpty() && readRequest(request, 0, asked).fault.isEmpty();
 
     FrameReading reading;
-    if (frame.isEmpty()) {
-        reading.text = "no reply"_s;
-        reading.fault = reading.text;
-        reading.faultAt = 0;
-        return reading;
-    }
+    if (frame.isEmpty())
+        return {"no reply"_s, {}, "no reply"_s, 0};
     Cursor in(frame, reading);
     in.expect(Ack, "ACK");
     in.take();
     const int dataBytes = int(frame.size()) - ShortestReply;
-    if (dataBytes < 0) {
+    if (dataBytes < 0)
         in.fail(int(frame.size()), "the frame ends too early"_s);
-        return reading;
-    }
     if (known && dataBytes != asked.words * 4 * (asked.command == 'r'))
         in.fail(in.position(),
                 countText(dataBytes, "byte") + " of data: not the answer to this request"_s);
@@ -236,7 +225,7 @@ FrameReading readReply(const QByteArray &frame, const QByteArray &request, int m
             dataBytes == 0
                 ? "acknowledged"_s
                 : "%1: %2"_s.arg(
-                      wordCount(int(reading.words.size())),
+                      countText(reading.words.size(), "word"),
                       valuesText(reading.words, known && asked.device->holdsBits, maxValues));
     in.close(Eot, "EOT");
     return reading;
@@ -273,8 +262,8 @@ QString hexText(const QByteArray &bytes, int maxBytes)
     if (bytes.size() <= maxBytes)
         return QString::fromLatin1(bytes.toHex(' ').toUpper());
     const int head = std::max(0, maxBytes - ClosingBytes - 2);
-    return "%1 .. %2"_s.arg(QString::fromLatin1(bytes.left(head).toHex(' ').toUpper()),
-                            QString::fromLatin1(bytes.right(ClosingBytes).toHex(' ').toUpper()));
+    return "%1 .. %2"_s.arg(hexText(bytes.left(head), head),
+                            hexText(bytes.right(ClosingBytes), ClosingBytes));
 }
 
 }  // namespace host

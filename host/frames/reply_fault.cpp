@@ -8,6 +8,8 @@
 #include <QtCore/QStringList>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace host {
 
@@ -24,62 +26,52 @@ QString milliseconds(LineTime time)
     return "%1 ms"_s.arg(ms, 0, 'f', ms < 10 ? 1 : 0);
 }
 
-ReplyFault byteFault(ReplyFault::Reason reason, int got, int expected)
+struct Words
 {
-    ReplyFault fault;
-    fault.reason = reason;
-    fault.got = got & 0xFF;
-    fault.expected = expected;
-    return fault;
-}
+    const char *name;
+    const char *text;  // with the figures by their names
+};
+
+constexpr Words Reasons[] = {
+    {"good", ""},
+    {"no-reply", "no reply within {waited}"},
+    {"too-short", "too short: {size} instead of {expected}"},
+    {"too-long", "too long: {size} instead of {expected}"},
+    {"wrong-checksum", "wrong checksum: {detail} instead of {right byte}"},
+    {"first-byte", "not a reply: first byte {byte} instead of {right byte}"},
+    {"last-byte", "not a reply: last byte {byte} instead of {right byte}"},
+    {"not-asked", "not the reply to this request"},
+    {"echo", "the request's own echo"},
+    {"too-early", "too early: after {waited}, when both frames take {expected time}"},
+    {"line-lost", "line lost: {detail}"},
+    {"not-hex", "data that is no hex: byte {detail}"},
+    {"differ", "several replies that differ: nothing tells which is the answer"},
+    {"may-be-copy", "it may be a copy of the reply before"},
+};
+static_assert(std::size(Reasons) == ReplyFault::ReasonCount, "a row for every reason");
 
 }  // namespace
 
 const char *ReplyFault::name(Reason reason)
 {
-    constexpr const char *names[ReasonCount] = {
-        "good",       "no-reply",  "too-short", "too-long",   "wrong-checksum",
-        "first-byte", "last-byte", "not-asked", "echo",       "too-early",
-        "line-lost",  "not-hex",   "differ",    "may-be-copy"};
-    return names[reason];
+    return Reasons[reason].name;
 }
 
 QString ReplyFault::text() const
 {
-    switch (reason) {
-        case None:
-            return QString();
-        case NoReply:
-            return "no reply within %1"_s.arg(milliseconds(waited));
-        case TooShort:
-            return "too short: %1 instead of %2"_s.arg(countText(got, "byte")).arg(expected);
-        case TooLong:
-            return "too long: %1 instead of %2"_s.arg(countText(got, "byte")).arg(expected);
-        case Checksum:
-            return "wrong checksum: %1 instead of %2"_s.arg(detail, hexPair(char(expected)));
-        case FirstByte:
-            return "not a reply: first byte %1 instead of %2"_s.arg(hexPair(char(got)),
-                                                                    hexPair(char(expected)));
-        case LastByte:
-            return "not a reply: last byte %1 instead of %2"_s.arg(hexPair(char(got)),
-                                                                   hexPair(char(expected)));
-        case NotAsked:
-            return "not the reply to this request"_s;
-        case Echo:
-            return "the request's own echo"_s;
-        case TooEarly:
-            return "too early: after %1, when both frames take %2"_s.arg(
-                milliseconds(waited), milliseconds(expectedTime));
-        case LineLost:
-            return "line lost: %1"_s.arg(detail);
-        case NotHex:
-            return "data that is no hex: byte %1"_s.arg(detail);
-        case Differ:
-            return "several replies that differ: nothing tells which is the answer"_s;
-        case MayBeCopy:
-            return "it may be a copy of the reply before"_s;
-    }
-    return QString();
+    const std::pair<const char *, QString> figures[] = {
+        {"{waited}", milliseconds(waited)},
+        {"{expected time}", milliseconds(expectedTime)},
+        {"{size}", countText(got, "byte")},
+        {"{expected}", QString::number(expected)},
+        {"{byte}", hexPair(char(got))},
+        {"{right byte}", hexPair(char(expected))},
+        {"{detail}", detail},  // the last: it may hold anything
+    };
+    QString text = QLatin1String(Reasons[reason].text);
+    for (const auto &[name, figure] : figures)
+        text.replace(QLatin1String(name), figure);
+    return text;
 }
 
 QString ReplyFault::hint() const
@@ -120,36 +112,29 @@ QString faultsText(const QVector<ReplyFault> &tries)
 ReplyFault formFault(const QByteArray &reply)
 {
     const int size = int(reply.size());
-    if (size > 0 && reply.at(0) != Ack)
-        return byteFault(ReplyFault::FirstByte, reply.at(0), Ack);
-    if (size > 0 && reply.at(size - 1) != Eot)
-        return byteFault(ReplyFault::LastByte, reply.at(size - 1), Eot);
-    if (size < ShortestReply) {
-        ReplyFault fault;
-        fault.reason = ReplyFault::TooShort;
-        fault.got = size;
-        fault.expected = ShortestReply;
-        return fault;
-    }
-    const char sum = checksumOf(reply, size - ClosingBytes);
-    const QByteArray carried = reply.mid(size - ClosingBytes, 2);
-    const QString right = hexPair(sum);  // in capitals, and so it must be
-    ReplyFault fault;
-    if (carried != right.toLatin1()) {
-        fault.reason = ReplyFault::Checksum;
-        fault.expected = static_cast<uchar>(sum);
+    if (size > 0 && reply.front() != Ack)
+        return {ReplyFault::FirstByte, uchar(reply.front()), Ack};
+    if (size > 0 && reply.back() != Eot)
+        return {ReplyFault::LastByte, uchar(reply.back()), Eot};
+    if (size < ShortestReply)
+        return {ReplyFault::TooShort, size, ShortestReply};
+    const int dataEnd = size - ClosingBytes;
+    const char sum = checksumOf(reply, dataEnd);
+    const QByteArray carried = reply.mid(dataEnd, 2);
+    if (carried != hexPair(sum).toLatin1()) {  // in capitals, and so it must be
         bool isHex = false;
         carried.toInt(&isHex, 16);
-        fault.detail = isHex ? QString::fromLatin1(carried) : "bytes "_s + hexText(carried, 2);
-        return fault;
+        return {ReplyFault::Checksum,
+                0,
+                uchar(sum),
+                {},
+                {},
+                isHex ? QString::fromLatin1(carried) : "bytes "_s + hexText(carried, 2)};
     }
-    const auto data = reply.cbegin() + 2;
-    const auto odd = std::find_if_not(data, reply.cend() - ClosingBytes, isHexDigit);
-    if (odd != reply.cend() - ClosingBytes) {
-        fault.reason = ReplyFault::NotHex;
-        fault.detail = hexPair(*odd);
-    }
-    return fault;
+    for (const char byte : reply.mid(2, dataEnd - 2))
+        if (!isHexDigit(byte))
+            return {ReplyFault::NotHex, 0, 0, {}, {}, hexPair(byte)};
+    return {};
 }
 
 int wholeReplySize(const QByteArray &bytes, int from)

@@ -33,7 +33,7 @@ struct ReplyFault
     int expected = 0;
     LineTime waited{0};
     LineTime expectedTime{0};
-    QString detail;
+    QString detail{};
 
     explicit operator bool() const { return reason != None; }
 

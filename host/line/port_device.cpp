@@ -1,6 +1,6 @@
 // Finds out what the system tells Qt, but Qt does not tell on.
 #include "host/line/port_device.h"
-#include "host/output/message.h"
+#include "host/output/failure.h"
 #include "plc/literals.h"
 
 #include <QtCore/QDir>

@@ -1,7 +1,7 @@
 // Takes lines of CSV files apart.
 #include "host/output/csv.h"
 
-#include "plc/literals.h"
+#include "host/output/failure.h"
 
 #include <QtCore/QRegularExpression>
 
@@ -23,10 +23,10 @@ bool isFormula(const QString &text)
 
 }  // namespace
 
-QStringList csvFields(const QString &line, QChar separator, bool *ok)
+QStringList csvFields(const QString &line, QChar separator, const QString &place, const char *what)
 {
     QStringList fields;
-    *ok = true;
+    bool ok = true;
     for (int at = 0; at <= int(line.size());) {
         while (at < int(line.size()) && line[at].isSpace())
             ++at;
@@ -38,10 +38,10 @@ QStringList csvFields(const QString &line, QChar separator, bool *ok)
                 at += line[at] == Quote;
                 field += line[at];
             }
-            *ok = *ok && at < int(line.size());
+            ok = ok && at < int(line.size());
             const int next = int(line.indexOf(separator, at + 1));
             const QString rest = line.mid(at + 1, next < 0 ? -1 : next - at - 1);
-            *ok = *ok && rest.trimmed().isEmpty();
+            ok = ok && rest.trimmed().isEmpty();
             at = next;
         } else {
             const int next = int(line.indexOf(separator, at));
@@ -55,6 +55,10 @@ QStringList csvFields(const QString &line, QChar separator, bool *ok)
             break;
         ++at;
     }
+    if (!ok)
+        throw Failure("%1: %2: expected each quote to be closed at its %3's end"_s.arg(
+                          place, quoted(line), QLatin1String(what)),
+                      BadInput);
     return fields;
 }
 

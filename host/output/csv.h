@@ -8,10 +8,12 @@ namespace host {
 
 /**
  * The fields of one line, without the blanks around them and the quotes; "" inside quotes is one
- * quote. ok is false when a quote is not closed, or text stands behind a closed one. An apostrophe
- * that keeps a text from being a formula is left out.
+ * quote. An apostrophe that keeps a text from being a formula is left out. Throws Failure (bad
+ * input) that names the place when a quote is not closed, or text stands behind a closed one;
+ * `what` is what people call such a field.
  */
-QStringList csvFields(const QString &line, QChar separator, bool *ok);
+QStringList csvFields(const QString &line, QChar separator, const QString &place,
+                      const char *what = "field");
 
 /**
  * The text as one field: in quotes when it holds a separator, a quote or outer blanks, and behind

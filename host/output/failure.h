@@ -1,12 +1,21 @@
-// What ends a command early: a message for the user and the exit status.
+// Messages for the user, which do no harm to a terminal whatever files, names and devices bring
+// along, and what ends a command early: a message and the exit status.
 #pragma once
 
-#include "host/output/message.h"
 #include "plc/literals.h"
 
 #include <exception>
 
 namespace host {
+
+/** The text with control characters, but for ends of lines, written as \x1B. */
+QString printable(const QString &text);
+
+/** The text in quotes, as messages name what was wrong: 80 characters at most, else its ends. */
+QString quoted(const QString &text);
+
+/** Says it on standard error, the program's name in front. */
+void tell(const QString &message);
 
 /** Exit statuses of every command. */
 enum ExitStatus { AllRight = 0, SomethingFailed = 1, BadInput = 2 };

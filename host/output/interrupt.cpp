@@ -14,7 +14,6 @@ constexpr itimerval Patience{{0, 0}, {0, 800 * 1000}};
 volatile std::sig_atomic_t endAsked = 0;  // the signal's number
 volatile std::sig_atomic_t hangUpCame = 0;
 
-// The program has not ended by itself: something holds it, such as a reader that does not read.
 void noteSignal(int number)
 {
     std::signal(number, SIG_DFL);

@@ -5,8 +5,12 @@
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QSaveFile>
 
+#include <cerrno>
 #include <cstdio>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -34,6 +38,29 @@ LastHeading findHeading(const QString &path, const QByteArray &start)
             last.text = line.trimmed();
     }
     return last;
+}
+
+bool openToWrite(QFile &file, QIODevice::OpenMode how = QIODevice::NotOpen)
+{
+    how |= QIODevice::WriteOnly;
+    return file.fileName() == "-"_s ? file.open(stdout, how) : file.open(how);
+}
+
+// Qt has no words for some errors of the last write; the system has.
+Failure failed(const QString &path, const QFileDevice &file, int error)
+{
+    const bool unnamed = file.error() == QFileDevice::NoError || file.errorString().isEmpty() ||
+                         file.errorString() == "Unknown error"_s;
+    return Failure(
+        "cannot write %1: %2"_s.arg(path, unnamed ? qt_error_string(error) : file.errorString()));
+}
+
+// Only a flush tells whether the bytes found room: on its own neither write() nor commit() does.
+void writeAll(QFileDevice &file, const QString &path, const QByteArray &content)
+{
+    errno = 0;
+    if (file.write(content) != content.size() || !file.flush())
+        throw failed(path, file, errno);
 }
 
 }  // namespace
@@ -67,7 +94,6 @@ OutputFile::OutputFile(const QString &path, const FileKind &kind, const QString 
 void OutputFile::open()
 {
     const QString path = m_file.fileName();
-    const QIODevice::OpenMode how = QIODevice::WriteOnly | QIODevice::Unbuffered;
     m_file.close();
     refuseOtherFile(path, m_kind);
     const QFileInfo info(path);
@@ -76,8 +102,8 @@ void OutputFile::open()
     LastHeading last;
     if (m_isRegular && info.size() > 0 && !m_heading.isEmpty())
         last = findHeading(path, m_heading.section(QLatin1Char(','), 0, 0).toUtf8() + ',');
-    if (!(path == "-"_s ? m_file.open(stdout, how)
-                        : m_file.open(m_isRegular ? how | QIODevice::Append : how)))
+    if (!openToWrite(m_file, m_isRegular ? QIODevice::Unbuffered | QIODevice::Append
+                                         : QIODevice::Unbuffered))
         throw Failure("cannot write %1: %2"_s.arg(quoted(path), m_file.errorString()));
     if (last.isCut)
         put("\n"_s);
@@ -118,6 +144,30 @@ void OutputFile::put(const QString &text)
         throw Failure("cannot write %1: %2"_s.arg(
             m_file.fileName() == "-"_s ? "to standard output"_s : quoted(m_file.fileName()),
             m_file.errorString()));
+}
+
+void replaceFile(const QString &path, const QByteArray &content)
+{
+    if (path == "-"_s || (QFileInfo::exists(path) && !QFileInfo(path).isFile())) {
+        QFile file(path);
+        if (!openToWrite(file))
+            throw failed(path, file, errno);
+        writeAll(file, path, content);
+        return;
+    }
+    struct stat old = {};
+    const bool isThere = ::stat(QFile::encodeName(path).constData(), &old) == 0;
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw failed(path, file, errno);
+    // Whoever may not give files away keeps what is his; a group is often allowed.
+    if (isThere && ::fchown(file.handle(), old.st_uid, old.st_gid) != 0 &&
+        ::fchown(file.handle(), uid_t(-1), old.st_gid) != 0)
+        errno = 0;
+    writeAll(file, path, content);
+    errno = 0;
+    if (!file.commit())
+        throw failed(path, file, errno);
 }
 
 }  // namespace host

@@ -1,5 +1,5 @@
 // Files that the host writes: none is lost without a word. Those that grow line by line say when
-// they cannot, and follow their name when logs are rotated.
+// they cannot, and follow their name when logs are rotated; others are written in one go.
 #pragma once
 
 #include <QtCore/QFile>
@@ -50,5 +50,13 @@ private:
     QString m_heading;
     bool m_isRegular = false;
 };
+
+/**
+ * Writes the file, or replaces it: the old one stays until the new one is complete on the disk, and
+ * its owner where the system lets him be.
+ * "-" is standard output; what is no regular file (/dev/full, a pipe) is written into. Throws
+ * Failure that names the file and the reason, such as a full disk.
+ */
+void replaceFile(const QString &path, const QByteArray &content);
 
 }  // namespace host

@@ -10,6 +10,13 @@ enum class Zone {
     Local  ///< "2026-11-22T23:41:05.123+01:00"
 };
 
-QString timeText(const QDateTime &time, Zone zone);
+/** ISO 8601 with milliseconds, never without its zone. */
+inline QString timeText(const QDateTime &time, Zone zone)
+{
+    if (zone == Zone::Utc)
+        return time.toUTC().toString(Qt::ISODateWithMs);
+    const QDateTime local = time.toLocalTime();
+    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
+}
 
 }  // namespace host

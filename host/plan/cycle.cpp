@@ -26,11 +26,7 @@ Block nextBlock(const Driver &driver)
         throw Failure(
             "the driver expects another reply to \"%1\""_s.arg(readRequest(request).text));
 
-    Block block;
-    block.point = blockOf(frame.var);
-    block.requestBytes = frame.sendLen;
-    block.replyBytes = frame.replyLen;
-    return block;
+    return {blockOf(frame.var), frame.sendLen, frame.replyLen, {}, {}};
 }
 
 QVector<Block> walkCycle(const Driver &driver, Session &session, const QVector<Point> &points)
@@ -58,14 +54,13 @@ void assignTags(QVector<Block> &blocks, const QVector<Tag> &tags)
         for (const int tag : candidates) {
             const Point &point = tags[tag].point;
             const int scale = unitsPerUnit(point, block.point);
-            const int first = std::max(0, point.address / scale - block.point.address);
-            const int last =
-                std::min(block.point.count - 1,
-                         (point.address + point.count - 1) / scale - block.point.address);
-            if (first > last)
+            const Part part = partInside(point, block.point);
+            const int first = point.address + part.first - block.point.address * scale;
+            if (part.count == 0)
                 continue;
             block.tags.append(tag);
-            std::fill(block.used.begin() + first, block.used.begin() + last + 1, true);
+            std::fill(block.used.begin() + first / scale,
+                      block.used.begin() + (first + part.count - 1) / scale + 1, true);
         }
     }
 }

@@ -81,7 +81,7 @@ void Soak::bookRecipe(bool acknowledged)
 void Soak::checkReply(const Exchange &exchange)
 {
     const VARIABLE &item = exchange.frame.var;
-    const RegisterType *type = m_identity.type(item.regName);
+    const RegisterType *type = m_driver.identity.type(item.regName);
     if (!type)
         return report(Claim::ReadRight, "a read of the unknown type \"%1\""_s.arg(item.regName));
     Place place = placeOf({item.stationNo, item.regName, item.startAddr, 1, type->isBit}, 0);

@@ -52,10 +52,8 @@ const plc::Memory &filled(plc::Memory &memory, quint32 seed)
 
 }  // namespace
 
-Soak::Soak(const Driver &driver, const Identity &identity, VirtualLine &line,
-           const LoopSettings &settings, quint32 seed)
+Soak::Soak(const Driver &driver, VirtualLine &line, const LoopSettings &settings, quint32 seed)
     : m_driver(driver),
-      m_identity(identity),
       m_line(line),
       m_book(filled(line.memory(), seed)),
       m_session(driver, SessionSettings()),

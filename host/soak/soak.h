@@ -39,8 +39,7 @@ public:
     };
 
     /** All stay the caller's; the line's controller, which does not move, gets random words. */
-    Soak(const Driver &driver, const Identity &identity, VirtualLine &line,
-         const LoopSettings &settings, quint32 seed);
+    Soak(const Driver &driver, VirtualLine &line, const LoopSettings &settings, quint32 seed);
 
     /**
      * Does as a panel does until so many requests were sent. Throws Failure when the driver has
@@ -102,7 +101,6 @@ private:
     QString nameOf(const Point &point, int index) const;
 
     const Driver &m_driver;
-    const Identity &m_identity;
     VirtualLine &m_line;
     MemoryBook m_book;
     Session m_session;

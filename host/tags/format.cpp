@@ -23,6 +23,7 @@ struct FormatRow
     qint64 highest;
 };
 
+// In the order of Format.
 constexpr FormatRow Formats[] = {
     {Format::Plain, "", 1, 0, 0xFFFF},
     {Format::Int16, "int16", 1, -0x8000, 0x7FFF},
@@ -38,8 +39,7 @@ constexpr FormatRow Formats[] = {
 
 const FormatRow &rowOf(Format format)
 {
-    return *std::find_if(std::begin(Formats), std::end(Formats),
-                         [=](const FormatRow &row) { return row.format == format; });
+    return Formats[int(format)];
 }
 
 QString hexText(int word)
@@ -66,25 +66,12 @@ float floatOf(quint32 bits)
     return value;
 }
 
-// -1 when a digit is none.
+// Its hex digits as decimal ones; -1 when one is none.
 int bcdValue(int word)
 {
-    int value = 0;
-    for (int shift = 12; shift >= 0; shift -= 4) {
-        const int digit = word >> shift & 0xF;
-        if (digit > 9)
-            return -1;
-        value = value * 10 + digit;
-    }
-    return value;
-}
-
-int bcdWord(int value)
-{
-    int word = 0;
-    for (int shift = 0; shift < 16; shift += 4, value /= 10)
-        word |= value % 10 << shift;
-    return word;
+    bool ok = false;
+    const int value = QString::number(word, 16).toInt(&ok);
+    return ok ? value : -1;
 }
 
 int characterShift(const Form &form, int character)
@@ -167,7 +154,8 @@ quint32 bitsOfNumber(const Form &form, const QString &text, bool *ok)
     const bool isRaw = base != 10;  // the word itself
     *ok = *ok && value >= row.lowest &&
           value <= (isRaw && form.format == Format::Bcd ? 0xFFFF : row.highest);
-    return static_cast<quint32>(form.format == Format::Bcd && !isRaw ? bcdWord(int(value)) : value);
+    return static_cast<quint32>(form.format == Format::Bcd && !isRaw ? text.toInt(nullptr, 16)
+                                                                     : value);
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 #include "host/output/csv.h"
 #include "host/output/failure.h"
+#include "host/output/output_file.h"
 #include "host/output/text_file.h"
-#include "host/output/whole_file.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
@@ -21,8 +21,7 @@ constexpr QChar Comma = QLatin1Char(',');
 
 }  // namespace
 
-Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QString &path,
-                      int stationNo)
+Recipe readRecipeFile(const Driver &driver, const QString &path)
 {
     static const QRegularExpression header("^(#.*|address *([,;] *value.*)?[,; ]*)?$"_s,
                                            QRegularExpression::CaseInsensitiveOption);
@@ -38,14 +37,9 @@ Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QStr
         RecipeRow row;
         row.line = i;
         row.separator = csvSeparator(text);
-        bool ok = false;
-        row.values = csvFields(text, row.separator, &ok);
-        if (!ok)
-            throw Failure("%1: %2: expected each quote to be closed at its field's end"_s.arg(
-                              source, quoted(text)),
-                          BadInput);
+        row.values = csvFields(text, row.separator, source);
         row.address = row.values.takeFirst();
-        row.tag = parseTag(driver, identity, QString(), row.address, stationNo, source);
+        row.tag = parseTag(driver, {{}, row.address, source});
         while (row.values.size() > valueCount(row.tag) && row.values.last().isEmpty())
             row.values.removeLast();  // spreadsheets fill lines up
         if (row.separator == Semicolon && row.tag.form.isNumber())

@@ -34,8 +34,7 @@ struct Recipe
  * starting with # and the header "address,values" are no rows. Throws Failure (bad input) that
  * names the file's line and what is wrong with it, such as another kind of header.
  */
-Recipe readRecipeFile(const Driver &driver, const Identity &identity, const QString &path,
-                      int stationNo);
+Recipe readRecipeFile(const Driver &driver, const QString &path);
 
 /** Writes the lines; "-" is standard output. Throws Failure. */
 void writeRecipeFile(const QString &path, const Recipe &recipe);

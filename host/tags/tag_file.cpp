@@ -1,11 +1,12 @@
-// Reads tag files.
-#include "host/tags/tag_file.h"
+// Collects tags as they are given: in arguments and in tag files.
+#include "host/tags/tags.h"
 
 #include "host/output/csv.h"
 #include "host/output/failure.h"
 #include "host/output/text_file.h"
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QHash>
 
 #include <cmath>
 
@@ -29,10 +30,10 @@ bool isHeader(const QStringList &fields)
 }
 
 /** Reads one file's lines into tags. */
-class Reader
+class TagFile
 {
 public:
-    explicit Reader(const QString &path) : m_path(path), m_file(QFileInfo(path).fileName()) {}
+    explicit TagFile(const QString &path) : m_path(path), m_file(QFileInfo(path).fileName()) {}
 
     QVector<TagText> read()
     {
@@ -59,10 +60,7 @@ private:
         const bool isFirst = m_separator.isNull();
         if (isFirst)
             m_separator = csvSeparator(line);
-        bool ok = false;
-        QStringList fields = csvFields(line, m_separator, &ok);
-        if (!ok)
-            throw refuse(line, "each quote to be closed at its field's end"_s);
+        QStringList fields = csvFields(line, m_separator, m_source);
         while (!fields.isEmpty() && fields.last().isEmpty())
             fields.removeLast();
         if (fields.isEmpty())  // separators only: what spreadsheets make of an empty line
@@ -91,8 +89,7 @@ private:
             const int at = int(m_columns.indexOf(QLatin1String(column)));
             return at < 0 ? QString() : fields.value(at);
         };
-        TagText tag;
-        tag.address = field("address");
+        TagText tag{field("name"), field("address"), m_source};
         if (fields.size() > m_columns.size() || tag.address.isEmpty())
             throw refuse(line, m_columns.join(QLatin1Char(',')) +
                                    ", of which the address must not be missing"_s);
@@ -103,8 +100,6 @@ private:
         }
         if (!field("format").isEmpty())
             tag.address += QLatin1Char(':') + field("format");
-        tag.name = field("name");
-        tag.source = m_source;
         tag.unit = field("unit");
         tag.scaling.scale = number("scale", field("scale"), 1);
         tag.scaling.offset = number("offset", field("offset"), 0);
@@ -142,9 +137,28 @@ private:
 
 }  // namespace
 
-QVector<TagText> readTagFile(const QString &path)
+QVector<TagText> collectTags(const QStringList &arguments, const QStringList &tagFiles)
 {
-    return Reader(path).read();
+    QVector<TagText> tags;
+    for (const QString &path : tagFiles)
+        tags += TagFile(path).read();
+    for (int i = 0; i < int(arguments.size()); ++i) {
+        const QString &argument = arguments[i];
+        if (argument.endsWith(".csv"_s, Qt::CaseInsensitive)) {
+            tags += TagFile(argument).read();
+            continue;
+        }
+        const int equals = int(argument.indexOf(QLatin1Char('=')));
+        tags.append({argument.left(std::max(0, equals)), argument.mid(equals + 1),
+                     "argument %1"_s.arg(i + 1)});
+    }
+    QHash<QString, QString> sources;  // by name
+    for (TagText &tag : tags) {
+        tag.twin = sources.value(tag.name);
+        if (!tag.name.isEmpty())
+            sources[tag.name] = tag.source;
+    }
+    return tags;
 }
 
 }  // namespace host

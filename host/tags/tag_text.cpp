@@ -2,7 +2,7 @@
 #include "host/tags/tag_text.h"
 
 #include "host/output/csv.h"
-#include "plc/literals.h"
+#include "host/output/table.h"
 
 #include <QtCore/QJsonDocument>
 
@@ -39,22 +39,18 @@ QString addressText(const Driver &driver, const Tag &tag, int value)
     return pointText(driver, point, tag.stationNamed);
 }
 
-TagColumns::TagColumns(const Driver &driver, const QVector<Tag> &tags) : m_driver(driver)
+QStringList tagColumns(const Driver &driver, const QVector<Tag> &tags)
 {
-    for (const Tag &tag : tags) {
-        m_nameWidth = std::max(m_nameWidth, int(tag.name.size()));
-        if (hasOwnName(driver, tag))
-            m_addressWidth = std::max(m_addressWidth, int(addressText(driver, tag).size()));
-    }
-}
-
-QString TagColumns::text(const Tag &tag) const
-{
-    QString name = tag.name.leftJustified(m_nameWidth);
-    if (m_addressWidth == 0)
-        return name;
-    const QString address = hasOwnName(m_driver, tag) ? addressText(m_driver, tag) : QString();
-    return name + "  "_s + address.leftJustified(m_addressWidth);
+    Table table({{Table::Left, 0, 0}, {}});
+    for (const Tag &tag : tags)
+        table.add({tag.name, hasOwnName(driver, tag) ? addressText(driver, tag) : QString()});
+    QStringList lines = table.lines();
+    int width = 0;
+    for (const QString &line : std::as_const(lines))
+        width = std::max(width, int(line.size()));
+    for (QString &line : lines)
+        line = line.leftJustified(width);
+    return lines;
 }
 
 QJsonObject tagObject(const Driver &driver, const Tag &tag)

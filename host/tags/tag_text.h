@@ -21,20 +21,11 @@ QString valuesText(const Tag &tag, const QStringList &values);
 /** The address of one of the tag's values. */
 QString addressText(const Driver &driver, const Tag &tag, int value);
 
-/** The left-hand columns: names, and addresses where a tag was given a name of its own. */
-class TagColumns
-{
-public:
-    TagColumns(const Driver &driver, const QVector<Tag> &tags);
-
-    /** One tag's columns, padded to those of the others. */
-    QString text(const Tag &tag) const;
-
-private:
-    const Driver &m_driver;
-    int m_nameWidth = 0;
-    int m_addressWidth = 0;  // 0: no column
-};
+/**
+ * The left-hand columns, of one width: names, and addresses where a tag was given a name of its
+ * own.
+ */
+QStringList tagColumns(const Driver &driver, const QVector<Tag> &tags);
 
 /** An object with the tag's name, and the address and address number of its first value. */
 QJsonObject tagObject(const Driver &driver, const Tag &tag);

@@ -1,11 +1,9 @@
-// Reads tags from arguments, and their values from and to text.
+// Judges tags that were given, and reads their values from and to text.
 #include "host/tags/tags.h"
 
 #include "host/output/failure.h"
 #include "host/output/table.h"
-#include "host/tags/tag_file.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
@@ -22,21 +20,20 @@ Failure refuse(const QString &message)
 }
 
 // "2/D_W:100x10:float"
-void parseAddress(const Driver &driver, const Identity &identity, const QString &text,
-                  int stationNo, Tag &tag)
+void parseAddress(const Driver &driver, const QString &text, Tag &tag)
 {
     static const QRegularExpression form("^(?:([0-9]{1,9})/)?([^:]*:[^:]*|[^:]*)(?::(.*))?$"_s);
     const QRegularExpressionMatch match = form.match(text);
     const QString station = match.captured(1);
     tag.stationNamed = !station.isEmpty();
-    if (tag.stationNamed)
-        stationNo = station.toInt();
+    const int stationNo = tag.stationNamed ? station.toInt() : driver.stationNo;
     if (stationNo > HighestStation)
         throw refuse(
             "address %1: expected a station from 0 to %2"_s.arg(quoted(text)).arg(HighestStation));
     if (match.lastCapturedIndex() >= 3)
         tag.form = formNamed(match.captured(3));
-    tag.point = parsePoint(driver, identity, match.captured(2), stationNo, tag.form.words());
+    tag.point = parsePoint(driver, match.captured(2), tag.form.words());
+    tag.point.stationNo = stationNo;
     if (tag.point.isBit && tag.form.format != Format::Plain)
         throw refuse(
             "a bit of %1 has no format %2"_s.arg(tag.point.regName, quoted(match.captured(3))));
@@ -55,34 +52,7 @@ void takeScaling(const TagText &text, Tag &tag)
 
 }  // namespace
 
-QVector<TagText> collectTags(const QStringList &arguments, const QStringList &tagFiles)
-{
-    QVector<TagText> tags;
-    for (const QString &path : tagFiles)
-        tags += readTagFile(path);
-    for (int i = 0; i < int(arguments.size()); ++i) {
-        const QString &argument = arguments[i];
-        if (argument.endsWith(".csv"_s, Qt::CaseInsensitive)) {
-            tags += readTagFile(argument);
-            continue;
-        }
-        const int equals = int(argument.indexOf(QLatin1Char('=')));
-        TagText text;
-        text.name = argument.left(std::max(0, equals));
-        text.address = argument.mid(equals + 1);
-        text.source = "argument %1"_s.arg(i + 1);
-        tags += text;
-    }
-    QHash<QString, QString> sources;  // by name
-    for (TagText &tag : tags) {
-        tag.twin = sources.value(tag.name);
-        if (!tag.name.isEmpty())
-            sources[tag.name] = tag.source;
-    }
-    return tags;
-}
-
-Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text, int stationNo)
+Tag parseTag(const Driver &driver, const TagText &text)
 {
     try {
         Tag tag;
@@ -90,7 +60,7 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
             throw refuse("another one has that name, %1"_s.arg(text.twin));
         if (printable(text.name) != text.name)
             throw refuse("expected a name without control characters"_s);
-        parseAddress(driver, identity, text.address, stationNo, tag);
+        parseAddress(driver, text.address, tag);
         takeScaling(text, tag);
         tag.name = text.name.isEmpty() ? text.address : text.name;
         tag.unit = text.unit;
@@ -103,22 +73,12 @@ Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text
     }
 }
 
-Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
-             const QString &address, int stationNo, const QString &source)
-{
-    TagText text;
-    text.name = name;
-    text.address = address;
-    text.source = source;
-    return parseTag(driver, identity, text, stationNo);
-}
-
-QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
-                       int stationNo, const QStringList &tagFiles)
+QVector<Tag> parseTags(const Driver &driver, const QStringList &arguments,
+                       const QStringList &tagFiles)
 {
     QVector<Tag> tags;
     for (const TagText &text : collectTags(arguments, tagFiles))
-        tags += parseTag(driver, identity, text, stationNo);
+        tags += parseTag(driver, text);
     return tags;
 }
 

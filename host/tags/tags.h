@@ -23,31 +23,33 @@ struct TagText
     QString address;  ///< with station and format, if any: "2/D_W:100x10:float"
     QString source;   ///< where it was given, such as "tags.csv:3" or "argument 2"
     QString twin{};   ///< the source of another tag with its name; empty where there is none
-    Form scaling;     ///< scale, offset and decimals
-    QString unit;
+    Form scaling{};   ///< scale, offset and decimals
+    QString unit{};
 };
 
 /**
  * Collects what is to be read or written: each argument is an address with an optional name before
  * it, station in front and format behind, such as "level=2/D_W:100x10:float", or the path of a tag
- * file (*.csv; tagFiles may be called otherwise). Throws Failure (bad input) for files that are no
- * tag files.
+ * file (*.csv; tagFiles may be called otherwise).
+ *
+ * A first line of a tag file that names columns (name, address, format, scale, offset, unit,
+ * decimals, comment, station, in any order, address at least) says what is where; without one they
+ * are name, address, format. Separators are commas, or semicolons, as some spreadsheets write it
+ * (with decimal commas); fields may be quoted and empty ones may follow; empty lines and lines
+ * starting with # are passed over. Throws Failure (bad input) that names file and line.
  */
 QVector<TagText> collectTags(const QStringList &arguments,
                              const QStringList &tagFiles = QStringList());
 
 /**
- * Reads one address, its count in values, and has the driver check it; stationNo is for addresses
- * without one. Throws Failure (bad input) that names the tag, where it was given, and what is wrong
- * or the range of the type.
+ * Reads one address, its count in values, and has the driver check it. Throws Failure (bad input)
+ * that names the tag, where it was given, and what is wrong or the range of the type.
  */
-Tag parseTag(const Driver &driver, const Identity &identity, const TagText &text, int stationNo);
-Tag parseTag(const Driver &driver, const Identity &identity, const QString &name,
-             const QString &address, int stationNo, const QString &source);
+Tag parseTag(const Driver &driver, const TagText &text);
 
 /** Collects the tags and reads them all; throws as both do. */
-QVector<Tag> parseTags(const Driver &driver, const Identity &identity, const QStringList &arguments,
-                       int stationNo, const QStringList &tagFiles = QStringList());
+QVector<Tag> parseTags(const Driver &driver, const QStringList &arguments,
+                       const QStringList &tagFiles = QStringList());
 
 /** Whether one of the tags was given with its station: then blocks are named with theirs, too. */
 bool namesStations(const QVector<Tag> &tags);

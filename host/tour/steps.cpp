@@ -27,7 +27,7 @@ constexpr TourStep Steps[] = {
     {"Who is there", "The driver names itself, its default line and its register types.", 0,
      [](Tour &tour) {
          tour.introduceDriver();
-         tour.report.check("it is the driver that this host is made for", tour.identity.name,
+         tour.report.check("it is the driver that this host is made for", tour.driver.identity.name,
                            "tolvane_link"_s);
          tour.checkTypes();
      }},
@@ -195,7 +195,7 @@ bool takeTour(const QString &driverPath, QTextStream &out)
     report.line();
     report.item("library"_s, driverPath);
     report.item("device"_s, "a simulated controller, in simulated time, at the pace of %1"_s.arg(
-                                tour.identity.serialLine));
+                                tour.driver.identity.serialLine));
     for (const TourStep &step : Steps) {
         tour.begin(step.title, step.intent, step.exchangesShown);
         step.play(tour);

@@ -37,15 +37,14 @@ char deviceOf(const Point &point)
 Tour::Tour(const QString &driverPath, QTextStream &out)
     : report(out),
       driver(loadDriver(driverPath)),
-      identity(identify(driver)),
-      line(lineOf(identity)),
+      line(lineOf(driver.identity)),
       session(driver, SessionSettings()),
       loop(driver, line, TourLoop)
 {
     line.open();
     loop.observer = [this](const Exchange &exchange) { watch(exchange); };
     session.pointChanged = [this](int stationNo, const QString &regName, int address) {
-        const RegisterType *type = identity.type(regName);
+        const RegisterType *type = driver.identity.type(regName);
         const Point changed{stationNo, regName, address, 1, type && type->isBit};
         m_changes.append({changed, session.values(changed).first(), 0});
     };
@@ -67,11 +66,11 @@ void Tour::begin(const char *title, const char *intent, int exchangesShown)
 void Tour::introduceDriver()
 {
     QStringList ends[2];
-    for (const RegisterType &type : identity.types)
+    for (const RegisterType &type : driver.identity.types)
         ends[type.isBit].append(type.name + ":" + type.lastAddress);
-    report.item("driver"_s, identity.name + " " + identity.version);
-    report.item("line"_s, identity.serialLine);
-    report.item("network"_s, identity.networkLine);
+    report.item("driver"_s, driver.identity.name + " " + driver.identity.version);
+    report.item("line"_s, driver.identity.serialLine);
+    report.item("network"_s, driver.identity.networkLine);
     report.item("words"_s, "up to "_s + ends[0].join(", "_s));
     report.item("bits"_s, "up to "_s + ends[1].join(", "_s));
 }
@@ -83,10 +82,10 @@ void Tour::checkTypes()
         return verdictOn(last).startsWith("address number"_s) &&
                verdictOn(last + "x2").contains(": outside "_s);
     };
-    for (const RegisterType &type : identity.types)
+    for (const RegisterType &type : driver.identity.types)
         if (const QString last = type.name + ":" + type.lastAddress; !ends(last))
             wrong.append(last);
-    report.check("%1 register types, with their last addresses"_s.arg(identity.types.size()),
+    report.check("%1 register types, with their last addresses"_s.arg(driver.identity.types.size()),
                  wrong.join(", "_s), QString());
 }
 
@@ -161,7 +160,7 @@ void Tour::measure(seconds duration)
                                   .arg(counted.exchanges)
                                   .arg(double(counted.wordsRead) * 1e9 / elapsed, 0, 'f', 0)
                                   .arg(100 * double(travel.count()) / elapsed, 0, 'f', 1)
-                                  .arg(identity.serialLine));
+                                  .arg(driver.identity.serialLine));
     report.item("in all"_s, "%1 exchanges, %2 requests repeated, %3 given up"_s.arg(all.exchanges)
                                 .arg(all.retries)
                                 .arg(all.errors));

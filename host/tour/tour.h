@@ -47,7 +47,7 @@ public:
     Values held(const QString &address);
     void hold(const QString &address, const Values &values);
 
-    Point point(const QString &address) const { return parsePoint(driver, identity, address, 1); }
+    Point point(const QString &address) const { return parsePoint(driver, address); }
     int seen(Outcome outcome) const;
     /** Reports that the address has changed. */
     int reports(const QString &address) const { return reportsOf(point(address)); }
@@ -57,7 +57,6 @@ public:
 
     Report report;
     const Driver driver;
-    const Identity identity;
     VirtualLine line;
     Session session;
     Loop loop;

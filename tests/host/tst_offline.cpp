@@ -3,7 +3,7 @@
 #include "host/exchange/controller_process.h"
 #include "host/output/csv.h"
 #include "host/output/failure.h"
-#include "host/output/whole_file.h"
+#include "host/output/output_file.h"
 #include "host/plan/picture.h"
 #include "host/tags/recipe_file.h"
 #include "host/tags/recipe_transfer.h"
@@ -52,14 +52,10 @@ private:
     QString file(const char *name) const { return m_folder.filePath(QString(name)); }
     void save(const char *name, const QByteArray &text) const;
     void checkPlan(int reach, int blockLimit);
-    Tag tag(const QString &text) const
-    {
-        return parseTags(m_driver, m_identity, {text}, 0).first();
-    }
+    Tag tag(const QString &text) const { return parseTags(m_driver, {text}).first(); }
 
     QTemporaryDir m_folder;
     Driver m_driver;
-    Identity m_identity;
 };
 
 void TestOffline::save(const char *name, const QByteArray &text) const
@@ -72,7 +68,6 @@ void TestOffline::save(const char *name, const QByteArray &text) const
 void TestOffline::initTestCase()
 {
     m_driver = loadDriver(DRIVER_LIBRARY);
-    m_identity = identify(m_driver);
 }
 
 void TestOffline::values()
@@ -107,9 +102,7 @@ void TestOffline::values()
         QCOMPARE(parseValues(read, fields), row.units);
         std::transform(fields.begin(), fields.end(), fields.begin(), csvField);
         QCOMPARE(fields.join(','), QString(row.text));
-        bool ok = false;
-        QCOMPARE(parseValues(read, csvFields(row.text, ',', &ok)), row.units);
-        QVERIFY(ok);
+        QCOMPARE(parseValues(read, csvFields(row.text, ',', "row")), row.units);
     }
 }
 
@@ -163,7 +156,7 @@ void TestOffline::tagFiles()
         save("t.csv", text);
         QString found;
         found += refusal([&] {
-            for (const Tag &tag : parseTags(m_driver, m_identity, {}, 1, {file("t.csv")}))
+            for (const Tag &tag : parseTags(m_driver, {}, {file("t.csv")}))
                 found += QString("%1/%2 %3 %4 %5; ")
                              .arg(tag.point.stationNo)
                              .arg(tag.point.address)
@@ -178,7 +171,7 @@ void TestOffline::recipesKeepTheirComments()
     save("r.csv",
          "# mixer 2\n\naddress;values\nD_W:1x2;;\n# name\n2/D_W:5:string:4;\"a;,b\";;\n"
          "D_W:7:float;1,5;\n\n# end\n");
-    Recipe recipe = readRecipeFile(m_driver, m_identity, file("r.csv"), 1);
+    Recipe recipe = readRecipeFile(m_driver, file("r.csv"));
     QCOMPARE(recipe.rows[1].values, QStringList("a;,b"));
     QCOMPARE(recipe.rows[2].values, QStringList("1.5"));
     recipe.setValues(0, {7, 8});
@@ -201,8 +194,7 @@ void TestOffline::incompleteRecipeReadIsNone()
     addConnectionOptions(options);
     QVERIFY(options.parse({"", "--driver", DRIVER_LIBRARY, "--port", controller.device()}));
     Connection connection(options);
-    RecipeTransfer transfer(
-        connection, parseTags(connection.driver(), connection.identity(), {"D_W:0x300"}, 1));
+    RecipeTransfer transfer(connection, parseTags(connection.driver(), {"D_W:0x300"}));
     connection.open(Purpose::Reading);
     // As if the driver told of the first words only.
     connection.session().setRecipe({tag("D_W:0x100").point});

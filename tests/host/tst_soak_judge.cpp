@@ -113,8 +113,7 @@ void TestSoakJudge::verdict()
                                       wrong == WordErased ? 0 : 0x55AA);
         });
 
-    const Identity identity = identify(driver);
-    Soak soak(driver, identity, line, LoopSettings(), 1);
+    Soak soak(driver, line, LoopSettings(), 1);
     soak.run(3000);
     soak.judge();
     QStringList findings;

@@ -43,7 +43,7 @@ struct Story
           session(driver, SessionSettings()),
           line(stillLine()),
           loop(driver, line, LoopSettings()),
-          watch(driver, session, parseTags(driver, identify(driver), Tags, 1), withFloor(settings))
+          watch(driver, session, parseTags(driver, Tags), withFloor(settings))
     {
         for (const auto &[word, value] : {std::pair(100, 7), {102, 0x3FC0}, {500, 5}, {900, 9}})
             line.memory().setWord('a', word, quint16(value));

@@ -1,7 +1,5 @@
 // Escapes, cuts and prints messages.
-#include "host/output/message.h"
-
-#include "plc/literals.h"
+#include "host/output/failure.h"
 
 #include <QtCore/QTextStream>
 
