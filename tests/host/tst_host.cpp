@@ -1,6 +1,5 @@
-// The bench host without a line: frames in plain words and their explanation, line settings, ports
-// that cannot be opened, and whether every option is documented.
-#include "host/frames/frame_text.h"
+// The bench host without a line: line settings, ports that cannot be opened, and whether every
+// option is documented.
 #include "host/line/port_device.h"
 #include "host/line/serial_line.h"
 #include "host/output/failure.h"
@@ -23,61 +22,11 @@ class TestHost : public QObject
     Q_OBJECT
 
 private slots:
-    void frameTexts();
     void serialSettings();
     void portIsSetAsNamed();
     void portTroubles();
     void everyOptionIsDocumented();
 };
-
-void TestHost::frameTexts()
-{
-    const char *const setBit = "02 6F 69 31343030 3030 30383030 4335 03";
-    const char *const readD = "02 72 61 43383030 3030 3034 3732 03";
-    const char *const d100 = "read 2 words of D from word 100";
-    const char *const words = "06 72 33343132 43444142 3436 04";  // 0x1234, 0xABCD
-    const struct
-    {
-        const char *frame;
-        const char *request;  ///< that the frame replies to; null: it is one
-        const char *text;
-        const char *fault = "";
-        int at = -1;
-    } rows[] = {
-        {"02 72 61 30303030 3030 3032 3535 03", nullptr, "read 1 word of D from word 0"},
-        {"02 77 61 39303031 3030 3034 44323034 32453136 3145 03", nullptr,
-         "write 2 words of D from word 200: 1234, 5678"},
-        {"02 77 69 32413030 3030 3034 41353635 35393541 3343 03", nullptr,
-         "write 2 words of M from word 21: 0x65A5, 0x5A59"},
-        {"02 6E 69 31343030 3030 46374646 3035 03", nullptr, "clear bit 3 of M word 10"},
-        {"02 6F 6C 30343030 3030 30383030 4337 03", nullptr, "set bit 3 of TX word 2"},
-        {"", nullptr, "", "the frame ends too early", 0},
-        {"02 78 61 30303030", nullptr, "", "unknown command 78", 1},
-        {"02 72 7A 30303030", nullptr, "", "unknown device letter 7A", 2},
-        {"02 72 61 63383030", nullptr, "", "expected a digit 0-9 or A-F, found 63", 3},
-        {"02 72 61 43393030", nullptr, "", "byte address 201 is odd", 3},
-        {"02 72 61 43383030 3030 3033 3731 03", nullptr, "", "byte count 3 is odd", 9},
-        {"02 72 61 43383030 3030 3034 3733 03", nullptr, d100,
-         "checksum 73, but the bytes add up to 72", 11},
-        {"02 72 61 43383030 3030 3034 3732 03 02", nullptr, d100, "1 byte too many", 14},
-        {words, "02 72 69 32413030 3030 3034 3732 03", "2 words: 0x1234, 0xABCD"},
-        {"06 6F 3646 04", readD, "", "0 bytes of data: not the answer to this request", 2},
-        {words, setBit, "", "8 bytes of data: not the answer to this request", 2},
-        {"06 72 33343132 434441", "", "1 word: 4660", "checksum CD, but the bytes add up to 3C", 6},
-        {"06 72 33343132 43444143 3436 04", readD, "2 words: 4660, 44237",
-         "checksum 46, but the bytes add up to 47", 10},
-    };
-    for (const auto &row : rows) {
-        const QByteArray frame = QByteArray::fromHex(row.frame);
-        const FrameReading reading =
-            row.request ? readReply(frame, QByteArray::fromHex(row.request)) : readRequest(frame);
-        QCOMPARE(reading.text, QString(row.text));
-        QCOMPARE(reading.fault, QString(row.fault));
-        QCOMPARE(reading.faultAt, row.at);
-    }
-    QCOMPARE(hexText(QByteArray::fromHex(words), 13).size(), 38);
-    QCOMPARE(hexText(QByteArray::fromHex(words), 8), QString("06 72 33 .. 34 36 04"));
-}
 
 void TestHost::serialSettings()
 {

@@ -142,6 +142,7 @@ void TestOffline::tagFiles()
         {"name,address\n\"a,D_W:1\n", "t.csv:2: .*quote to be closed"},
         {"name,address,colour\n", "t.csv:1: \"colour\": expected columns out of"},
         {"name,address\n\n# no\na,\n", "t.csv:4: .*address must not be missing"},
+        {"address,decimals\nD_W:1,13\n", "t.csv:2: \"13\": .*decimals from 0 to 12"},
         {"address,scale\nD_W:1,0\n", "t.csv:2: \"0\": .*scale that is not 0"},
         {"address,scale,format\nD_W:1,2,hex\n", "t.csv:2: .*are for numbers"},
         {"address,station\n1/D_W:1,2\n", "t.csv:2: .*one station"},

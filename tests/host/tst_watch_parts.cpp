@@ -1,7 +1,9 @@
 // The parts of watching that need no line: which blocks are set aside, how the table fits, and logs
 // that are gone on with.
+#include "host/line/virtual_line.h"
 #include "host/output/failure.h"
 #include "host/output/output_file.h"
+#include "host/watch/line_use.h"
 #include "host/watch/set_aside.h"
 #include "host/watch/sinks/screen.h"
 
@@ -19,6 +21,7 @@ private slots:
     void onlyDeadBlocksAreSetAside();
     void tableFits_data();
     void tableFits();
+    void useOfTheLine();
     void logsGoOn_data();
     void logsGoOn();
 };
@@ -57,9 +60,11 @@ void TestWatchParts::onlyDeadBlocksAreSetAside()
             aside.tryAgain(seconds(19)));  // rests three times as long as it took
     QVERIFY(!aside.take(d(354, 46), true, seconds(19)));
     QCOMPARE(polled(), QString("100x127 354x46 "));
+    QVERIFY(aside.tryAgain(seconds(23)) && aside.take(d(227, 127), false, seconds(27)));
     QVERIFY(aside.lineLost());
     QCOMPARE(polled(), QString("100x300 "));
-    QCOMPARE(news, (QStringList{"227 gone", "354 gone", "354 back"}));
+    QVERIFY(fail(d(354, 46), 3, 28) && aside.tryAgain(seconds(38)));  // no rest is left
+    QCOMPARE(news, (QStringList{"227 gone", "354 gone", "354 back", "354 gone"}));
 }
 
 void TestWatchParts::tableFits_data()
@@ -118,6 +123,21 @@ void TestWatchParts::tableFits()
          composeTable({good, bad}, seconds(4000), rows, columns, rows == 10))
         table += '\n' + line.text + (line.isGrey ? "|" : "");
     QTEST(table, "table");
+}
+
+void TestWatchParts::useOfTheLine()
+{
+    VirtualSettings settings;
+    settings.line.baud = 115200;
+    const VirtualLine line(settings);
+    LoopCounters counters;
+    counters.exchanges = 30;
+    counters.retries = 1;
+    counters.wordsRead = 1;
+    counters.bytesSent = counters.bytesReceived = 2880;
+    QCOMPARE(LineUse(counters, LoopCounters(), 2, line).text(),
+             QString("30 exchanges in 2.0 s (15.0/s), 1 word, 1 retry, 0 errors\n"
+                     "25.0 % of the line's capacity used\n"));
 }
 
 void TestWatchParts::logsGoOn_data()

@@ -1,9 +1,9 @@
 Lines that lose replies: some, or all.
 
   $ . "$TESTDIR/functions.sh"
-  $ controller --still --baud 4000000 --link mute --faults loss=100%
   $ controller --still --link lossy --faults loss=50% --seed 3
   $ controller --still --link lossier --faults loss=50% --seed 4
+  $ controller --still --baud 4000000 --link mute --faults loss=100% --verbose
   $ quick="--timeout 60 --retries 2"
   $ printf 'address,values\nD_W:1000:float,2.25\nM_bit:40.6x4,1,0,1,1\nD_W:1300x3:int16,-1,2,3\n' > recipe.csv
   $ tolvane-host read $quick --port mute D_W:100 D_W:900
@@ -28,21 +28,22 @@ Lines that lose replies: some, or all.
   N % of the line's capacity used
   failures: no-reply N
   tolvane-host: no good value at the end; no reply to N requests of N ms each: a, b
-  $ tolvane-host watch $quick --port mute a=D_W:100 --for 2 2>/dev/null | sed 's/^[^ ]*Z/TIME/'
+  $ tolvane-host watch $quick --port mute a=D_W:100 --for 2 > log 2> err
+  [1]
+  $ sed 's/^[^ ]*Z/TIME/' log
   TIME  a  D_W:100  -  bad: no reply to 2 requests of 60 ms each
   $ tolvane-host recipe push recipe.csv $quick --port mute
   tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
   [1]
-  $ tolvane-host recipe push recipe.csv $quick --port mute --json | folded
-  tolvane-host: 0 of 9 words and bits were written, then the driver gave up D_W:1000x2: no reply to 2 requests of 60 ms each
-  {"address":"D_W:1000","alike":false,"number":1000,"quality":"bad","reason":"0of9wordsandbitswere
-  written,thenthedrivergaveupD_W:1000x2:noreplyto2requestsof60mseach","station":1,"tag":"D_W:1000:
-  float","time":"TIME","values":[],"wanted":[2.25]}{"address":"M_bit:40.6","alike":false,"number":
-  646,"quality":"bad","reason":"0of9wordsandbitswerewritten,thenthedrivergaveupD_W:1000x2:noreplyt
-  o2requestsof60mseach","station":1,"tag":"M_bit:40.6x4","time":"TIME","values":[],"wanted":[1,0,1
-  ,1]}{"address":"D_W:1300","alike":false,"number":1300,"quality":"bad","reason":"0of9wordsandbits
+  $ tolvane-host recipe push recipe.csv $quick --port mute --json 2> err | folded | tail -2
   werewritten,thenthedrivergaveupD_W:1000x2:noreplyto2requestsof60mseach","station":1,"tag":"D_W:1
   300x3:int16","time":"TIME","values":[],"wanted":[-1,2,3]}
   $ tolvane-host recipe pull - D_W:1 D_W:100 --port lossier --timeout 1000 --retries 1
   tolvane-host: D_W:1: no reply within 1000 ms; nothing was written
+  [1]
+
+Ctrl-C does not wait for a reply that never comes.
+
+  $ tolvane-host watch --timeout 60000 --port mute D_W:7 > log 2> err & host=$!
+  $ await counts 'read D 7'; kill -INT $host; wait $host
   [1]

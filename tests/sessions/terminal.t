@@ -3,7 +3,7 @@ A terminal gets a table, drawn over the one before; the cursor is back at the en
   $ . "$TESTDIR/functions.sh"
   $ printf 'D,110,0\nD,111,16320\n' > memory.csv
   $ controller --still --image memory.csv
-  $ watch="tolvane-host watch level=D_W:110:float D_W:100x5 --for 3 --timeout 5000 --port $place"
+  $ watch="tolvane-host watch level=D_W:110:float D_W:100x5 --for 3 --port $place"
   $ script -qec "stty rows 7 cols 90; $watch" terminal > /dev/null < /dev/null
   $ sed 's/\x1b/^/g;s/\r//g;s/__*  */_ /' terminal | uncounted | grep -v ^Script | sort -u
   
