@@ -63,8 +63,14 @@ void Report::exchange(const Exchange &exchange)
             countText(exchange.stale.size(), "byte")));
     const QByteArray request = exchange.request();
     frame("->", request, readRequest(request, WordsInRequest).text);
-    for (const RefusedReply &refused : exchange.refused)
-        frame("<-", refused.bytes, refused.fault.text());
+    for (const RefusedReply &refused : exchange.refused) {
+        const bool askedTwice = !refused.fault;
+        frame("<-", refused.bytes,
+              askedTwice ? readReply(refused.bytes, request, WordsInReply).text
+                         : refused.fault.text());
+        if (askedTwice)
+            frame("->", request, "once more: what is merged must have come twice alike"_s);
+    }
     if (exchange.reply.isEmpty())
         line("<- "_s + exchange.fault.text());
     else

@@ -26,14 +26,14 @@ So does a soak, for the same seed.
      library          libtolvane_link.so
      line             a simulated controller, in simulated time, 115200 baud
      faults           loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s, seed 1
-     monitored        12 sets of addresses
-     writes           608 made, 535 acknowledged, 3 given up, 70 replaced by newer
-     condition reads  102 made, 0 failed
-     recipes          28 written, 28 read, 2 of these failed
-     requests         2097 sent, 1908 answered well, 180 to be repeated, 9 given up, 41 replies set aside
-     compared         16372 words of replies, 2835 values that the driver showed, and the whole memory
-     took             250 s of the line's time
-     served           total=2082 read=1410 write=497 set=94 clear=81
+     monitored        10 sets of addresses
+     writes           600 made, 504 acknowledged, 5 given up, 91 replaced by newer
+     condition reads  118 made, 0 failed
+     recipes          18 written, 25 read, 2 of these failed
+     requests         2106 sent, 1887 answered well, 210 to be repeated, 9 given up, 42 replies set aside
+     compared         17847 words of replies, 3165 values that the driver showed, and the whole memory
+     took             295 s of the line's time
+     served           total=2263 read=1635 write=465 set=87 clear=76
      refused          total=0
      faults           total=238 loss=42 cut=30 flip=46 late=17 double=48 noise=35 mute=20
      stray bytes      0
@@ -44,17 +44,17 @@ So does a soak, for the same seed.
      ok     what the host reads is what the controller holds
      ok     no request was lost without a failure report
   $ tolvane-host soak --exchanges 2000 --json | sed 's/^ *//' | tr '\n' ' ' | fold -s -w 96; echo
-  { "compared": { "values": 2835, "words": 16372 }, "conditionReads": { "failed": 0, "made": 102 
-  }, "controller": { "faults": { "cut": 26, "double": 44, "flip": 41, "late": 17, "loss": 36, 
-  "mute": 20, "noise": 34, "total": 218 }, "refused": { "beyond-device": 0, "byte-count": 0, 
+  { "compared": { "values": 3165, "words": 17847 }, "conditionReads": { "failed": 0, "made": 118 
+  }, "controller": { "faults": { "cut": 30, "double": 48, "flip": 46, "late": 17, "loss": 42, 
+  "mute": 20, "noise": 35, "total": 238 }, "refused": { "beyond-device": 0, "byte-count": 0, 
   "checksum": 0, "command": 0, "device": 0, "digits": 0, "layout": 0, "mask": 0, "odd-address": 
-  0, "too-long": 0, "total": 0, "unfinished": 0 }, "served": { "clear": 81, "read": 1410, "set": 
-  94, "total": 2082, "write": 497 }, "unheard": { "total": 15 } }, "faults": 
+  0, "too-long": 0, "total": 0, "unfinished": 0 }, "served": { "clear": 76, "read": 1635, "set": 
+  87, "total": 2263, "write": 465 }, "unheard": { "total": 23 } }, "faults": 
   "loss=2%,cut=1%,flip=2%,late=1%:510ms..1500ms,double=2%,noise=1.8%,mute=0.2%:3s", "findings": { 
-  "accounted": [ ], "kept": [ ], "readRight": [ ], "untouched": [ ] }, "monitored": { "sets": 12 
-  }, "recipes": { "failed": 2, "read": 28, "written": 28 }, "requests": { "givenUp": 9, "good": 
-  1908, "refused": 41, "repeated": 180, "sent": 2097 }, "right": true, "seconds": 250.009, 
-  "seed": 1, "writes": { "acknowledged": 535, "givenUp": 3, "made": 608, "replaced": 70 } } 
+  "accounted": [ ], "kept": [ ], "readRight": [ ], "untouched": [ ] }, "monitored": { "sets": 10 
+  }, "recipes": { "failed": 2, "read": 25, "written": 18 }, "requests": { "givenUp": 9, "good": 
+  1887, "refused": 42, "repeated": 210, "sent": 2106 }, "right": true, "seconds": 294.626, 
+  "seed": 1, "writes": { "acknowledged": 504, "givenUp": 5, "made": 600, "replaced": 91 } } 
 
   $ while read -r options; do tolvane-host soak $options > out && tail -1 out || echo "[$?]"; done <<'END'
   > --exchanges 99 --seed 2147483647
