@@ -69,7 +69,7 @@ void Report::exchange(const Exchange &exchange)
               askedTwice ? readReply(refused.bytes, request, WordsInReply).text
                          : refused.fault.text());
         if (askedTwice)
-            frame("->", request, "once more: what is merged must have come twice alike"_s);
+            frame("->", request, "again: merged only if twice alike"_s);
     }
     if (exchange.reply.isEmpty())
         line("<- "_s + exchange.fault.text());
