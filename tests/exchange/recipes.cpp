@@ -124,6 +124,10 @@ void recipeRows()
         serve 3 : * => RWI 0, RWI 1, RWI 2
         recipe D_W 50 @5 : 1; plc D 30 = 0900; serve 2 : rD30 -; requested : 0 0
         buffer 2 x4 : 0000 0000 0000 0000; request 1 0; serve 2 : wD50 -)");
+    row("written with fewer blocks than are done: the last one is repeated, then nothing is left",
+        R"(recipe D_W 10 @0, D_W 20 @1, D_W 30 @2 : 3; buffer 0 = 0100 0200 0300; request 1 0
+        serve 2 : wD10 wD20; recipe TX 9 x9 @4087 : 1; buffer 1 = 0700; serve 2 : wD20 -
+        requested : 0 0; plc D 20 : 0200; write D_W 900 = 0100; serve 2 : wD900 -)");
     row("no recipe at all: the finished write is repeated, none is lost", R"(flood write 1
         serve 1 : wD0; write D_W 0 = 0900; write D_W 7 = 0800; request 1 0
         send : wa 0000 00 02 0100; reply plc; send : wa 0000 00 02 0100; reply plc; request 0 0
@@ -135,18 +139,4 @@ void recipeRows()
         serve 1 : rD5; request 0 1; serve 2 : rD5 rD5; request 0 0; write M_bit 0 = 0101
         serve 2 : rM0 wM0; write D_W 7 = 0800; request 0 1; serve 2 : rM0 wM0; request 0 0
         serve 2 : wD7 rD5)");
-
-    for (const char *const request : {"1 0", "0 1"}) {
-        for (const char *const moment : {"", "send : *"}) {
-            for (const char *const recipe :
-                 {"D_W 50", "D_W 50 @4095", "D_W 10 x60 @4000, D_W 90 @1",
-                  "D_W 10, D_W 20, D_W 30, D_W 40, D_W 50", "M_bit 5 x40", "TX 9 x9 @4087", "XX 5"})
-                row(QString("%1, %2 then %3").arg(request, moment, recipe),
-                    QString("recipe D_W 10 @0, D_W 20 x9 @1, D_W 40 @10, D_W 60 @11 : 4;"
-                            "request %1; serve 2 : * => *; %2; recipe %3 : *;"
-                            "serve 20 : * => *; requested : 0 0;"
-                            "write D_W 900 = 0100; serve 2 : wD900 -; plc D 900 : 0100")
-                        .arg(request, moment, recipe));
-        }
-    }
 }
