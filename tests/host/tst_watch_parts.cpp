@@ -74,15 +74,15 @@ void TestWatchParts::tableFits_data()
     QTest::addColumn<QString>("table");  // "|" at the end of a grey line
     QTest::newRow("all of it") << 10 << 99 << R"(
 name                    address     value  trend             changes              changed     read
-the filler's long name  D_W:100         7  ▁▂▃▄█                  12                5.0 s    2 min
+the filler's long name  D_W:100         7  ▁▂▃▄█                  12                5.0 s    1 min
                         D_W:500         5  no reply to 3 requests of 500 ms each    5.0 s      1 h|)";
     QTest::newRow("narrow: names give way") << 10 << 60 << R"(
 name    address     value  changes          changed     read
-the f…  D_W:100         7       12            5.0 s    2 min
+the f…  D_W:100         7       12            5.0 s    1 min
         D_W:500         5  no reply to 3 …    5.0 s      1 h|)";
     QTest::newRow("narrower") << 10 << 40 << R"(
 address     value  changes          read
-D_W:100         7       12         2 min
+D_W:100         7       12         1 min
 D_W:500         5  no reply to…      1 h|)";
     QTest::newRow("values give way last") << 10 << 18 << R"(
 address     value
@@ -94,7 +94,7 @@ D_W:100        ~
 ... and 1 more,~|)";
     QTest::newRow("low, and no UTF-8") << 2 << 79 << R"(
 name             address     value  trend             changes  changed     read
-the filler's l~  D_W:100         7  _.,-#                  12    5.0 s    2 min
+the filler's l~  D_W:100         7  _.,-#                  12    5.0 s    1 min
 ... and 1 more, 1 of them not good|)";
 }
 
@@ -108,7 +108,7 @@ void TestWatchParts::tableFits()
     good.text = "7";
     good.quality = Quality::Good;
     good.changedAt = seconds(3995);
-    good.readAt = seconds(3880);
+    good.readAt = seconds(3940);
     good.changes = 12;
     good.trend = {0, 1, 2, 3, 8};
     WatchedValue bad = good;
@@ -117,7 +117,7 @@ void TestWatchParts::tableFits()
     bad.text = "5";
     bad.quality = Quality::Bad;
     bad.reason = "no reply to 3 requests of 500 ms each";
-    bad.readAt = LineTime(0);
+    bad.readAt = seconds(400);
     QString table;
     for (const TableLine &line :
          composeTable({good, bad}, seconds(4000), rows, columns, rows == 10))

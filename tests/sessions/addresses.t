@@ -40,7 +40,9 @@ What the driver says of itself and of addresses.
   wrong.csv:4: tag "flood": address "D_W:32767": outside D_W, which reaches from 0 to 32767
     (a value takes 2 words)
   [1]
-  $ tolvane-host check --json lamp=M_bit:20.5 D_W:32768 | sed 's/^ *//' | tr '\n' ' ' | fold -s -w 96; echo
+  $ tolvane-host check --json lamp=M_bit:20.5 D_W:32768 > json
+  [1]
+  $ sed 's/^ *//' json | tr '\n' ' ' | fold -s -w 96; echo
   [ { "address": "M_bit:20.5", "count": 1, "number": 325, "source": "argument 1", "station": 1, 
   "tag": "lamp" }, { "address": "D_W:32768", "reason": "argument 2: address \"D_W:32768\": 
   outside D_W, which reaches from 0 to 32767", "source": "argument 2", "tag": "D_W:32768" } ] 
@@ -51,7 +53,8 @@ Options may stand before the command; a wrong command line is refused with what 
   2
   $ tolvane-host -v
   tolvane-host 2.0.0.0
-  $ while read -r command; do tolvane-host $command || echo "[$?]"; done <<'END'
+  $ . "$TESTDIR/functions.sh"
+  $ refusals tolvane-host <<'END'
   > 
   > dance
   > --json
@@ -62,21 +65,13 @@ Options may stand before the command; a wrong command line is refused with what 
   > check
   > END
   tolvane-host: no command given; tolvane-host --help lists them
-  [2]
   tolvane-host: there is no command "dance"; tolvane-host --help lists them
-  [2]
   tolvane-host: no command given behind "--json"; tolvane-host --help lists them
-  [2]
   tolvane-host: Unknown option 'bogus'; see tolvane-host info --help
-  [2]
   tolvane-host: unexpected argument "more"; see tolvane-host info --help
-  [2]
   tolvane-host: cannot load the driver: there is no file /nowhere/driver.so
-  [2]
   tolvane-host: libc.so.6 is no driver library: it does not export intf_getProtocolType
-  [2]
   tolvane-host: nothing to check; expected ADDRESS...
-  [2]
   $ for command in "info --json more" "check --json" "watch --json"; do
   >     tolvane-host $command 2> /dev/null | tr -d '\n'; echo
   > done

@@ -92,40 +92,37 @@ A host that is killed takes its own controller with it.
 Bad input is named, with what was expected.
 
   $ echo hello > hello.csv
-  $ for options in extra "--tcp 65536" "--tcp 0 --link x" "--baud fast" "--turnaround 60001" \
-  >     "--seed -1" --any-address "--faults los=1%" "--faults loss=99%,cut=2%" "--faults loss" \
-  >     --save "--save --image nowhere/x" "--image /no/such.csv" "--image hello.csv" "--link hello.csv" --bogus; do
-  >     tolvane-plc $options || echo "[$?]"
-  > done
+  $ refusals tolvane-plc <<'END'
+  > extra
+  > --tcp 65536
+  > --tcp 0 --link x
+  > --baud fast
+  > --turnaround 60001
+  > --seed -1
+  > --any-address
+  > --faults los=1%
+  > --faults loss=99%,cut=2%
+  > --faults loss
+  > --save
+  > --save --image nowhere/x
+  > --image /no/such.csv
+  > --image hello.csv
+  > --link hello.csv
+  > --bogus
+  > END
   tolvane-plc: "extra": expected options only
-  [2]
   tolvane-plc: --tcp "65536": expected a whole number from 0 to 65535
-  [2]
   tolvane-plc: --tcp: expected neither --pty nor --link beside it
-  [2]
   tolvane-plc: --baud "fast": expected a whole number from 0 to 4000000
-  [2]
   tolvane-plc: --turnaround "60001": expected a whole number from 0 to 60000
-  [2]
   tolvane-plc: --seed "-1": expected a whole number from 0 to 4294967295
-  [2]
   tolvane-plc: --any-address: expected --tcp PORT beside it
-  [2]
   tolvane-plc: --faults: unknown fault "los", expected one of loss cut flip late double noise mute
-  [2]
   tolvane-plc: --faults: the shares of "loss=99%,cut=2%" add up to more than 100%
-  [2]
   tolvane-plc: --faults: "loss" is no fault with its share, expected one like loss=2% or late=1%:300ms
-  [2]
   tolvane-plc: --save: expected --image FILE beside it
-  [2]
   tolvane-plc: --image "nowhere/x": expected a file in a folder that can be written to
-  [2]
   tolvane-plc: /no/such.csv: No such file or directory
-  [2]
   tolvane-plc: hello.csv, line 1: expected device,word,value
-  [2]
   tolvane-plc: --link "hello.csv": expected a path where nothing is yet, or a link that leads nowhere
-  [2]
   tolvane-plc: Unknown option 'bogus'. See tolvane-plc --help.
-  [2]

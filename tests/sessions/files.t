@@ -7,7 +7,7 @@ What files, names and readers bring along hurts nobody.
   $ printf '# mixer\nD_W:100,1\nD_W:101;2\n# end\n' > recipe.csv
   $ printf 'D_W:100,1\nD_W:101,2\0\nD_W:102,3\n' > zero.csv
   $ mkfifo fifo
-  $ while read -r command; do tolvane-host $command > out || echo "[$?]"; done <<'END'
+  $ refusals tolvane-host <<'END' > out
   > recipe pull zero.csv --port plc
   > recipe pull tags.csv D_W:5 --port plc
   > read tags.csv --port plc --trace tags.csv
@@ -18,21 +18,14 @@ What files, names and readers bring along hurts nobody.
   > read --port plc a=D_W:1 a=D_W:2
   > END
   tolvane-host: zero.csv:2: "D_W:101,2\x00": expected text in UTF-8 without control characters
-  [2]
   tolvane-host: tags.csv:1: address "name": expected TYPE:ADDRESS or TYPE:ADDRESSxCOUNT
-  [2]
   tolvane-host: "tags.csv" is no trace: it begins with "name,address"; it was not touched
-  [2]
   tolvane-host: "tags.csv" is no picture of a plan: it begins with "name,address"; it was not touched
-  [2]
   tolvane-host: "tags.csv" is no log of values: it begins with "name,address"; it was not touched
-  [2]
   tolvane-host: cannot write "/nowhere/values.csv": No such file or directory
   [1]
   tolvane-host: zero.csv:2: "D_W:101,2\x00": expected text in UTF-8 without control characters
-  [2]
   tolvane-host: argument 2: tag "a": another one has that name, argument 1
-  [2]
   $ diff tags.csv same.csv
   $ for try in 1 2; do
   >     tolvane-host plan tags.csv --svg picture > out
@@ -61,7 +54,7 @@ A reader that stalls, and a lock that never ends, do not keep it from ending.
 
   $ exec 3<> fifo; head -c 65536 /dev/zero >&3
   $ tolvane-host watch --port plc D_W:100 --json --trace heard > fifo 2> said & host=$!
-  $ await heard '1 word'; kill -INT $host; wait $host || echo ended
+  $ await heard '2 words'; kill -INT $host; wait $host || echo ended
   ended
   $ device=$(readlink -f plc); lock=$(echo $device | sed 's#/dev/##;s#/#_#g;s#^#/var/lock/LCK..#')
   $ rm -f $lock; mkfifo $lock && tolvane-host read D_W:100 --port plc 2>&1 | sed 's# /[^ ,:]*# ...#g'; rm $lock
@@ -72,5 +65,6 @@ A log that is moved away, or emptied, begins anew.
   $ tolvane-host watch --port plc a=D_W:100 --csv log --every 20 2> said & host=$!
   $ await log 7,good; mv log old; await log 7,good; : > log; await log 7,good; head -1 log
   time,a,a quality
-  $ mv log old; kill -HUP $host; await log good; head -1 log; kill -INT $host; wait $host
+  $ mv log old; kill -HUP $host; await log good; head -1 log; kill $pids; await log ',,bad'; kill -INT $host; wait $host
   time,a,a quality
+  [1]

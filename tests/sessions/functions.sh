@@ -38,7 +38,11 @@ folded() {
     echo
 }
 
-# uncounted: any number as N, and what is counted as many.
-uncounted() {
-    sed 's/[0-9][0-9.]*/N/g;s/N retry/N retries/;s/N \(exchange\|word\|error\)\b/N \1s/g'
+# refusals PROGRAM [COMMAND]: tries each line of the input as its options; a status of 2 goes unsaid.
+refusals() {
+    while read -r options; do
+        "$@" $options
+        status=$?
+        [ $status = 2 ] || echo "[$status]" >&2
+    done
 }

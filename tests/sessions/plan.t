@@ -59,7 +59,7 @@ The README's examples, and what is refused.
   >     sed -n "$block" "$docs/../README.md" | grep -v '^```' > shown
   >     (head -1 shown; cd "$docs/.."; $(sed -n '1s/^. //p' $OLDPWD/shown)) | diff - shown
   > done
-  $ while read -r options; do tolvane-host plan $options || echo "[$?]"; done <<'END'
+  $ refusals tolvane-host plan <<'END'
   > 
   > D_W:5 --block-limit 128
   > D_W:5 --station 256
@@ -67,12 +67,8 @@ The README's examples, and what is refused.
   > D_W:5 --svg /nowhere/plan.svg
   > END
   tolvane-host: nothing to plan; expected a tag file or addresses
-  [2]
   tolvane-host: --block-limit "128": expected a number from 1 to 127
-  [2]
   tolvane-host: --station "256": expected a number from 0 to 255
-  [2]
   tolvane-host: --turnaround "x": expected a number from 0 to 10000
-  [2]
   tolvane-host: cannot write /nowhere/plan.svg: No such file or directory
   [1]

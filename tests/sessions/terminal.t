@@ -5,7 +5,7 @@ A terminal gets a table, drawn over the one before; the cursor is back at the en
   $ controller --still --image memory.csv
   $ watch="tolvane-host watch level=D_W:110:float D_W:100x5 --for 3 --port $place"
   $ script -qec "stty rows 7 cols 90; $watch" terminal > /dev/null < /dev/null
-  $ sed 's/\x1b/^/g;s/\r//g;s/__*  */_ /' terminal | uncounted | grep -v ^Script | sort -u
+  $ sed 's/\x1b/^/g;s/\r//g;s/__*  */_ /' terminal | sed 's/[0-9][0-9.]*/N/g;s/N retry/N retries/;s/N \(exchange\|word\|error\)\b/N \1s/g' | grep -v ^Script | sort -u
   
          D_W:N         N  _ N    N s    N s^[K
   ... and N more^[K
