@@ -85,6 +85,7 @@ Result carry(Connection &connection, const Assignment &assignment)
                                   faultsText(exchange.tries) +
                                       (exchange.frame.readCount > 0 ? QString() : MayHold)});
     };
+    connection.beginStep();
     connection.session().write(assignment.tag.point, assignment.units);
     QString lost;
     try {

@@ -68,8 +68,11 @@ public:
     /** See Loop::wantedWords(). */
     int wantedWords() const { return canProve() ? m_loop->wantedWords() : 0; }
 
+    /** What was found of the exchanges so far is not held against those that prove() is for. */
+    void beginStep() { m_outOfStep = false; }
+
     /**
-     * Reads a word or two at the point, which proves the exchanges since the call before this one.
+     * Reads a word or two at the point, which proves the exchanges since beginStep().
      * Returns false when one of their replies may have been another request's, or no proof comes.
      */
     bool prove(const Point &near);
@@ -94,7 +97,7 @@ private:
     std::unique_ptr<Loop> m_loop;
     QString m_place;  // what the line leads to, for messages
     QStringList m_givenUp;
-    bool m_outOfStep = false;  // since the last proof
+    bool m_outOfStep = false;  // since the step began
     bool m_proven = false;
 };
 

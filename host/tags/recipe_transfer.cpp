@@ -67,6 +67,7 @@ void RecipeTransfer::run(const QString &direction,
         if (exchange.outcome == Outcome::Good)
             count(exchange);
     };
+    m_connection.beginStep();
     QStringList errors = m_connection.finish();
     m_connection.observer = nullptr;
     if (errors.isEmpty() && !m_connection.prove(m_tags.first().point)) {

@@ -6,6 +6,7 @@
 #include "host/tags/tag_text.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace host {
 
@@ -14,23 +15,25 @@ namespace {
 constexpr std::chrono::seconds LostLinePatience(10);
 constexpr int MostReadings = 3;  // of a line that is found out of step
 
-QVector<TagReading> readOnce(Connection &connection, const QVector<Tag> &tags)
+/** Reads those of the tags, whose readings are filled in. */
+void readOnce(Connection &connection, const QVector<Tag> &tags, const QVector<int> &which,
+              QVector<TagReading> &readings)
 {
     QVector<Point> points;
-    QVector<int> unread;  // words or bits of each tag
-    for (const Tag &tag : tags) {
-        points.append(tag.point);
-        unread.append(tag.point.count);
+    QVector<int> unread(tags.size());  // words or bits of each tag
+    for (const int i : which) {
+        points.append(tags[i].point);
+        unread[i] = tags[i].point.count;
     }
     Session &session = connection.session();
-    QVector<TagReading> readings(tags.size());
+    connection.beginStep();
     int left = session.monitor(points);
     connection.observer = [&](const Exchange &exchange) {
         if (exchange.outcome != Outcome::Good && exchange.outcome != Outcome::GivenUp)
             return;
         --left;
         const Point block = blockOf(exchange.frame.var);
-        for (int i = 0; i < int(tags.size()); ++i) {
+        for (const int i : which) {
             const int count = partInside(tags[i].point, block).count;
             unread[i] -= count;
             if (count > 0 && exchange.outcome == Outcome::GivenUp)
@@ -43,13 +46,12 @@ QVector<TagReading> readOnce(Connection &connection, const QVector<Tag> &tags)
         if (connection.step() != Outcome::LineLost)
             deadline = line.now() + LostLinePatience;
     connection.observer = nullptr;
-    for (int i = 0; i < int(tags.size()); ++i) {
+    for (const int i : which) {
         readings[i].units = session.values(tags[i].point);
         if (unread[i] > 0 && readings[i].error.isEmpty())
             readings[i].error = "line lost: %1"_s.arg(line.errorText());
     }
     session.monitor({});
-    return readings;
 }
 
 // Proves the readings; false where one may be another's.
@@ -69,12 +71,16 @@ QVector<TagReading> readTags(Connection &connection, const QVector<Tag> &tags)
     const QString closed = connection.tryToOpen(Purpose::Reading);
     if (!closed.isEmpty())
         return QVector<TagReading>(tags.size(), {{}, closed});
-    QVector<TagReading> readings;
+    QVector<TagReading> readings(tags.size());
+    QVector<int> which(tags.size());
+    std::iota(which.begin(), which.end(), 0);
     for (int i = 0; i < MostReadings; ++i) {
-        readings = readOnce(connection, tags);
-        const auto good = std::find_if(readings.cbegin(), readings.cend(),
-                                       [](const auto &reading) { return reading.error.isEmpty(); });
-        if (good == readings.cend() || prove(connection, tags[int(good - readings.cbegin())].point))
+        readOnce(connection, tags, which, readings);
+        // A request without a reply leaves those before it unproven: they are read again alone.
+        which.erase(std::remove_if(which.begin(), which.end(),
+                                   [&](int tag) { return !readings[tag].error.isEmpty(); }),
+                    which.end());
+        if (which.isEmpty() || prove(connection, tags[which.first()].point))
             return readings;
     }
     for (TagReading &reading : readings)
