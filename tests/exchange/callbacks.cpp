@@ -51,6 +51,9 @@ void callbackRows()
         serve 3 : rD20 - rD10 => done 0; condition D_W 10
         on done 0 do write D_W 30 = 0100 & send : wa 3C00 00 02 0100; serve 1 : rD10 => done 0
         send : wa 3C00 00 02 0100; reply ok; serve 2 : - -)");
+    row("a whole exchange inside the end of a condition read ends it: what waits is not lost", R"(
+        condition D_W 10, D_W 20, D_W 10; on done 0 do send : ra 1400 00 02 & reply plc
+        serve 1 : rD10 => done 0, done 0; serve 4 : rD20 - rD10 - => done 0)");
     row("another monitored set inside the report of a cyclic read starts at its first", R"(
         monitor D_W 10, D_W 500 : 2; send : *
         on D_W 10 do init 7#0#0#3#64 & monitor D_W 20, D_W 600 : 2; reply data 0100 => D_W 10

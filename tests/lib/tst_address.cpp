@@ -238,6 +238,8 @@ private slots:
     {
         int number = Untouched;
         QCOMPARE(a2i("20.5", number, "D.D", "M_bit") + number, 326);
+        QCOMPARE(a2i("12", number, "", "D_W") + number, 13);
+        QCOMPARE(a2i("12", number, "XX", "D_W") + number, 13);
         QCOMPARE(a2i("1F", number, "HHHH", "D_W") + number, 32);
         QCOMPARE(a2i("17", number, "OOO", "D_W") + number, 16);
         QCOMPARE(a2i("18", number, "OOO", "D_W"), -1);
