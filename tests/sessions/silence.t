@@ -4,11 +4,16 @@ Lines that lose replies: some, or all.
   $ controller --still --link lossy --faults loss=50% --seed 3
   $ controller --still --link lossier --faults loss=50% --seed 15
   $ controller --still --baud 4000000 --link mute --faults loss=100% --verbose
+  $ controller --still --link gap --faults loss=50% --seed 7
   $ quick="--timeout 60 --retries 2"
   $ printf 'address,values\nD_W:1000:float,2.25\nM_bit:40.6x4,1,0,1,1\nD_W:1300x3:int16,-1,2,3\n' > recipe.csv
   $ tolvane-host read $quick --port mute D_W:100 D_W:900
   tolvane-host: D_W:100: no reply to 2 requests of 60 ms each
   tolvane-host: D_W:900: no reply to 2 requests of 60 ms each
+  [1]
+  $ tolvane-host read --timeout 1000 --retries 1 --port gap D_W:1 D_W:100
+  D_W:1    0
+  tolvane-host: D_W:100: no reply within 1000 ms
   [1]
   $ tolvane-host write --timeout 1000 --retries 2 --port lossy D_W:700x6=1,2,3,4,5,6 --block-limit 4
   D_W:700x6 = 1, 2, 3, 4, 5, 6  FAILED: D_W:700x4 acknowledged; D_W:704x2: no reply to 2 requests of 1000 ms each; not acknowledged; the controller may hold it
