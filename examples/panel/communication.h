@@ -5,8 +5,7 @@
 // driver locks it by itself. The gate is the panel's own: no two exports may run at the same time,
 // so every call goes through it. It is never held while the line is waited for, so the page never
 // waits for the line; and it is locked before the mutex, never while holding that.
-#ifndef PANEL_COMMUNICATION_H
-#define PANEL_COMMUNICATION_H
+#pragma once
 
 #include <QtCore/QMutexLocker>
 #include <QtCore/QThread>
@@ -155,15 +154,15 @@ private:
         int givenUp = 0;
         for (;;) {
             const bool stopping = isInterruptionRequested();
+            const bool retry = m_pending && line.isOpen();
             if (!line.isOpen() && !line.open(m_device)) {
-                noteLine(line.errorText());
+                noteLine(line.errorString());
                 msleep(ReopenPauseMs);
             }
-            const bool retry = m_pending;
-            const bool offered = nextFrame(&frame);
+            nextFrame(&frame);
             if (stopping && !m_isOrder)
                 return;
-            if (!offered) {
+            if (!m_pending) {
                 msleep(IdlePauseMs);
                 continue;
             }
@@ -183,7 +182,7 @@ private:
      * A transfer is requested only while no frame is pending: all frames are its own then, until
      * the driver puts the byte back. Their kind says nothing.
      */
-    bool nextFrame(FRAME_PRO *frame)
+    void nextFrame(FRAME_PRO *frame)
     {
         const QMutexLocker gate(&m_gate);
         if (!m_pending && m_transfer == None && m_wanted != None) {
@@ -194,20 +193,18 @@ private:
         m_pending = m_driver.getSendFrame(frame) == 1;
         noteTransferEnd("refused");
         m_isOrder = m_transfer != None || (m_pending && frame->var.kind == OrderKind);
-        return m_pending;
     }
 
     /** Hands over the reply, or none, and tells what has ended by it. */
     int finish(const FRAME_PRO &frame, const QByteArray &reply)
     {
         const QMutexLocker gate(&m_gate);
-        const bool isWrite = m_isOrder && m_transfer == None;
         QString text;
         const int result = m_driver.dealRcvFrame(reply, &text);
         m_pending = result == SendAgain;
-        noteTransferEnd(result == Good ? "complete" : "given up, perhaps half way");
-        if (isWrite && result == GivenUp)
+        if (m_isOrder && m_transfer == None && result == GivenUp)
             emit orderNews("Not confirmed: " + text);
+        noteTransferEnd(result == Good ? "complete" : "given up, perhaps half way");
         if (!m_isOrder && !m_pending)
             noteQuality(&frame.var, result == Good ? Fresh : Old);
         return result;
@@ -286,5 +283,3 @@ private:
     bool m_isOrder = false;      // and serves no read
     QString m_trouble = "not connected yet";
 };
-
-#endif

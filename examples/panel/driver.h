@@ -1,6 +1,5 @@
 // The driver library, loaded when the panel starts: the exports that a panel needs.
-#ifndef PANEL_DRIVER_H
-#define PANEL_DRIVER_H
+#pragma once
 
 #include <QtCore/QLibrary>
 
@@ -44,5 +43,3 @@ public:
     PANEL_EXPORT(getSendFrame);
     PANEL_EXPORT(dealRcvFrame);
 };
-
-#endif

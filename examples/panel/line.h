@@ -1,18 +1,27 @@
 // One exchange on the line to the controller. Replies carry no number that ties them to their
 // request, so whose reply it is has to be told by time, length and what is owed: this is the loop
 // of docs/host-guide.md, step by step, which has the reasons, too.
-#ifndef PANEL_LINE_H
-#define PANEL_LINE_H
+//
+// Left to the guide is the proof by length and what hangs on it: that values are old once the line
+// turns out to have been one behind, that an acknowledgement may be a copy, and that nothing is
+// written down before it is proven. This panel writes single bits, too: the read step of a write of
+// several would have to be sent until two replies in a row are alike. And within() is TIMEOUT.
+#pragma once
 
 #include <QtSerialPort/QSerialPort>
 
 #include <host_interface.h>
+#include <sys/ioctl.h>
 
 #include <algorithm>
 #include <chrono>
+#include <numeric>
 
-/** Blocks the thread that it lives in; needs no event loop. */
-class Line
+/**
+ * Blocks the thread that it lives in; needs no event loop. 8N1; with a QTcpSocket all but open()
+ * and handle() stays, for a device server.
+ */
+class Line : public QSerialPort
 {
     using Time = std::chrono::nanoseconds;
 
@@ -26,7 +35,6 @@ class Line
     static constexpr char Ack = 0x06;  ///< opens a reply
     static constexpr char Eot = 0x04;  ///< closes it
 
-    QSerialPort m_port;  // 8N1; with a QTcpSocket all but open() stays, for a device server
     QByteArray m_lastRequest;
     bool m_restless = false;  // bytes that make no sense came; the rest may be on its way
     bool m_owed = false;      // the last request may still be answered
@@ -53,9 +61,7 @@ class Line
     {
         if (frame.size() < 5 || !frame.startsWith(Ack) || !frame.endsWith(Eot))
             return false;
-        quint8 sum = 0;
-        for (const char byte : frame.mid(1, frame.size() - 4))
-            sum = quint8(sum + byte);
+        const int sum = std::accumulate(frame.begin() + 1, frame.end() - 3, 0);
         return frame.mid(frame.size() - 3, 2) == QByteArray(1, char(sum)).toHex().toUpper();
     }
 
@@ -70,9 +76,9 @@ class Line
     QByteArray receive(Time until)
     {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now());
-        if (m_port.bytesAvailable() == 0)
-            m_port.waitForReadyRead(std::max(0, int(left.count())));
-        return m_port.readAll();
+        if (bytesAvailable() == 0)
+            waitForReadyRead(std::max(0, int(left.count())));
+        return readAll();
     }
 
     /** A reply to the first try may be as late as this one; so may one to the last. */
@@ -84,23 +90,20 @@ class Line
     }
 
 public:
-    bool isOpen() const { return m_port.isOpen(); }
-    QString errorText() const { return m_port.errorString(); }
-    void close() { m_port.close(); }
-
-    /** From what is opened anew nothing is expected. */
+    /** What was owed is owed still, and a device server delivers it to the next connection. */
     bool open(const QString &device)
     {
-        m_restless = m_owed = false;
-        m_firstTry = now();
-        m_port.setPortName(device);
-        m_port.setBaudRate(BaudRate);
-        return m_port.open(QIODevice::ReadWrite);
+        m_restless = false;
+        m_owedUntil = std::max(m_owedUntil, now() + Quiet);
+        setPortName(device);
+        setBaudRate(BaudRate);
+        return QSerialPort::open(ReadWrite);
     }
 
     /**
      * Sends the request and returns its reply, or nothing when no good one came. retry: the driver
-     * offers the frame again because the exchange before was not good.
+     * offers the frame again because the exchange before, on the line as it was opened then, was
+     * not good.
      */
     QByteArray ask(const FRAME_PRO &frame, bool retry)
     {
@@ -123,42 +126,60 @@ public:
         }
         m_owed = m_owed && sameRequest;
 
-        // 2: send. A busy machine can only make a reply look later than it is.
+        // 2: send. A busy machine can only make a reply look later than it is, so what is there
+        // sooner than both can travel is early; 5 % are for the clocks.
         if (!retry)
             m_firstTry = now();
-        m_port.write(request);
-        m_port.waitForBytesWritten(WritePatienceMs);
-        until = now() + travel(frame.sendLen + frame.replyLen) + Timeout;
-        m_owedUntil = until - Timeout + m_latest;
-
-        // 3: collect. Whole frames that are not the reply are somebody else's, and set aside.
+        const auto earliest = [&](qint64 replyBytes) {
+            return m_firstTry + travel(frame.sendLen + replyBytes) * 95 / 100;
+        };
         QByteArray reply;
         bool early = false;
+        Time lateBy{0};  // no reply of n bytes ends before this and travel(n)
+        const auto look = [&] {
+            const Time before = now();  // and once more behind it: the panel may stand still here
+            int beneath = 0;
+            ::ioctl(handle(), FIONREAD, &beneath);
+            const qint64 there = reply.size() + bytesAvailable() + beneath;
+            if (there < frame.replyLen)
+                lateBy = std::max(lateBy, before - travel(there + 1));
+            early = early || (there > 0 && now() < earliest(there));
+        };
+        look();
+        write(request);
+        waitForBytesWritten(WritePatienceMs);
+        const Time arriving = now() + travel(frame.sendLen + frame.replyLen);
+        m_owedUntil = arriving + m_latest;
+
+        // 3: collect. Whole frames that are not the reply are somebody else's, and set aside. One
+        // that no look has proven to be the reply may be followed by its like, and by nothing else.
+        until = arriving + travel(frame.replyLen) + Timeout;
         deadline = until + Longest;
-        while ((reply.size() < frame.replyLen || (early && reply.startsWith(Ack))) &&
-               now() < deadline && !(bytes = receive(until)).isEmpty()) {
+        bytes = receive(arriving - travel(frame.replyLen));  // the first look is due
+        do {
             reply += bytes;
-            const auto isEarly = [&] {  // sooner than both can travel; 5 % are for the clocks
-                return now() - m_firstTry < travel(frame.sendLen + reply.size()) * 95 / 100;
-            };
-            early = early || isEarly();
+            look();
             for (int size = firstFrameSize(reply); size > 0 && (early || size != frame.replyLen);
                  size = firstFrameSize(reply)) {
                 reply.remove(0, size);
-                early = !reply.isEmpty() && isEarly();
+                lateBy += travel(size);
+                early = false;
+                look();
             }
-        }
-        reply += receive(now());
+            if (reply.size() >= frame.replyLen &&
+                lateBy + travel(frame.replyLen) >= earliest(frame.replyLen))
+                until = now();
+        } while ((reply.size() < frame.replyLen || reply.startsWith(Ack)) && now() < deadline &&
+                 !(bytes = receive(until)).isEmpty());
 
         // 4: judge.
-        const bool good = reply.size() == frame.replyLen && isWhole(reply);
+        const QByteArray first = reply.left(frame.replyLen);
+        const bool good = isWhole(first) && reply == first.repeated(reply.size() / frame.replyLen);
         m_restless = !good && !reply.isEmpty();
         if (!good && reply.isEmpty())
             m_owed = true;
         else if (m_owed && retry)
             noteLateness();
-        return good ? reply : QByteArray();
+        return good ? first : QByteArray();
     }
 };
-
-#endif

@@ -1,6 +1,5 @@
 // The panel's window: two pages, an alarm and a banner above them, and the orders that they offer.
-#ifndef PANEL_WINDOW_H
-#define PANEL_WINDOW_H
+#pragma once
 
 #include <QtWidgets/QtWidgets>
 
@@ -51,15 +50,14 @@ public:
 private:
     QFormLayout *addPage(const QString &title, const Tags &tags)
     {
-        auto *page = new QWidget;
-        auto *form = new QFormLayout(page);
+        auto *form = new QFormLayout(new QWidget);
         for (const KEY_ADDRESS &tag : tags) {
             auto *value = new QLabel;
             value->setObjectName(tag.hostText);
             form->addRow(tag.hostText, value);
         }
         m_pages.append(tags);
-        m_tabs->addTab(page, title);
+        m_tabs->addTab(form->parentWidget(), title);
         return form;
     }
 
@@ -127,5 +125,3 @@ private:
     QTabWidget *m_tabs = new QTabWidget;
     QVector<Tags> m_pages;
 };
-
-#endif
