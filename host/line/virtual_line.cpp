@@ -26,8 +26,8 @@ VirtualSettings withPieces(VirtualSettings settings)
 
 }  // namespace
 
-VirtualLine::VirtualLine(VirtualSettings settings)
-    : m_settings(withPieces(std::move(settings))),
+VirtualLine::VirtualLine(const VirtualSettings &settings)
+    : m_settings(withPieces(settings)),
       m_controller(m_memory),
       m_faults(m_settings.faults, m_settings.seed),
       m_pacing(m_controller, m_faults, m_settings.line),

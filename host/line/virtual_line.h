@@ -38,7 +38,7 @@ struct VirtualSettings
 class VirtualLine : public Line
 {
 public:
-    explicit VirtualLine(VirtualSettings settings);
+    explicit VirtualLine(const VirtualSettings &settings);
 
     bool open() override;
     bool isOpen() const override { return m_isOpen; }
